@@ -1,0 +1,20 @@
+// What nearly every file includes and none of us changes: parsed once a target.
+#pragma once
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QCoroTask>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QUrl>
+#include <boost/describe.hpp>
+#include <boost/json.hpp>
+#include <chrono>
+#include <expected>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
