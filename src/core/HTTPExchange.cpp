@@ -1,0 +1,195 @@
+#include "core/HTTPExchange.h"
+
+#include "core/RequestURL.h"
+
+#include <utility>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int maxRedirects = 16;
+
+/// Errors that only repeat what the status says already; the answer itself is whole.
+bool isStatusError(QNetworkReply::NetworkError error) {
+    return (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
+           (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+}
+
+bool isProtocolError(QNetworkReply::NetworkError error) {
+    return error >= QNetworkReply::ProtocolUnknownError && error <= QNetworkReply::ProtocolFailure;
+}
+
+} // namespace
+
+HTTPExchange::HTTPExchange(Request request, URLSession session, qint64 maxBytes)
+    : m_request(std::move(request))
+    , m_session(std::move(session))
+    , m_maxBytes(maxBytes) {
+    m_silence.setInterval(m_session.requestTimeout);
+    m_whole.setInterval(m_session.resourceTimeout);
+    m_whole.setSingleShot(true);
+    m_connectivity.setInterval(1s);
+    connect(&m_silence, &QTimer::timeout, this, &HTTPExchange::onSilence);
+    connect(&m_whole, &QTimer::timeout, this, [this] { finish(End::TimedOut); });
+    connect(&m_connectivity, &QTimer::timeout, this, &HTTPExchange::waitForConnectivity);
+}
+
+HTTPExchange::~HTTPExchange() {
+    release();
+}
+
+void HTTPExchange::start() {
+    if (m_session.resourceTimeout > 0ms)
+        m_whole.start();
+    waitForConnectivity();
+}
+
+void HTTPExchange::stop() {
+    release();
+    QMetaObject::invokeMethod(this, [this] { finish(End::Stopped); }, Qt::QueuedConnection);
+}
+
+QByteArray HTTPExchange::take() {
+    QByteArray bytes = std::exchange(m_rest, {});
+    if (m_reply)
+        bytes += m_reply->readAll();
+    m_taken += bytes.size();
+    return bytes;
+}
+
+void HTTPExchange::waitForConnectivity() {
+    if (!RequestURL::isLoopback(m_request.url) && m_session.online && !m_session.online()) {
+        m_connectivity.start();
+        return;
+    }
+    m_connectivity.stop();
+    send();
+}
+
+void HTTPExchange::send() {
+    QNetworkRequest request(m_request.url);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    request.setRawHeader("Connection", "close");
+    for (const Header &header : m_request.headers)
+        request.setRawHeader(header.name, header.value);
+    auto &manager = URLSession::manager();
+    m_reply = m_request.body ? manager.sendCustomRequest(request, m_request.method, *m_request.body)
+                             : manager.sendCustomRequest(request, m_request.method);
+    m_reply->setReadBufferSize(m_session.readBuffer);
+    watchReply();
+    m_silence.start();
+}
+
+void HTTPExchange::watchReply() {
+    connect(m_reply, &QNetworkReply::metaDataChanged, this, &HTTPExchange::onHeaders);
+    connect(m_reply, &QNetworkReply::readyRead, this, &HTTPExchange::onReadyRead);
+    connect(m_reply, &QNetworkReply::uploadProgress, &m_silence, qOverload<>(&QTimer::start));
+    // Queued, since a reply may finish inside the call that made it.
+    connect(m_reply, &QNetworkReply::finished, this, &HTTPExchange::onFinished, Qt::QueuedConnection);
+    // A manager that dies with its thread deletes its replies and finishes none of them.
+    connect(m_reply, &QObject::destroyed, this, [this] {
+        m_reply = nullptr;
+        finish(End::Failed);
+    });
+}
+
+void HTTPExchange::onHeaders() {
+    m_silence.start();
+    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (m_status || !status.isValid() || status.toInt() < 200 || redirect(status.toInt()))
+        return;
+    m_status = status.toInt();
+    Q_EMIT responded();
+}
+
+void HTTPExchange::onReadyRead() {
+    m_silence.start();
+    if (!m_status)
+        return;
+    const qint64 length = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+    if (m_taken + m_reply->bytesAvailable() > m_maxBytes || length > m_maxBytes) {
+        finish(End::TooLarge);
+        return;
+    }
+    Q_EMIT readyRead();
+}
+
+void HTTPExchange::onFinished() {
+    if (!m_reply || sender() != m_reply)
+        return;
+    const auto error = m_reply->error();
+    if (error == QNetworkReply::NoError || (m_status && isStatusError(error)))
+        finish(m_status ? End::Complete : End::NotHTTP);
+    else if (!m_status && isProtocolError(error))
+        finish(End::NotHTTP);
+    else
+        finish(End::Failed);
+}
+
+void HTTPExchange::onSilence() {
+    // A reader that has not taken what is there makes the silence, not the service.
+    if (m_reply && m_reply->bytesAvailable() > 0)
+        return;
+    finish(End::TimedOut);
+}
+
+bool HTTPExchange::redirect(int status) {
+    const bool again = status == 307 || status == 308;
+    if (!again && status != 301 && status != 302 && status != 303)
+        return false;
+    const QByteArray location = m_reply->rawHeader("Location");
+    const QUrl target = m_request.url.resolved(QUrl::fromEncoded(location, QUrl::StrictMode));
+    const bool downgrade = m_request.url.scheme() == "https"_L1 && target.scheme() != "https"_L1;
+    const bool followed = !location.isEmpty() && target.isValid() && !target.host().isEmpty() && !downgrade &&
+                          (target.scheme() == "http"_L1 || target.scheme() == "https"_L1);
+    if (!followed)
+        return false;
+    release();
+    if (++m_hops > maxRedirects) {
+        QMetaObject::invokeMethod(this, [this] { finish(End::Failed); }, Qt::QueuedConnection);
+        return true;
+    }
+    if (!RequestURL::sameOrigin(m_request.url, target))
+        std::erase_if(m_request.headers, [](const Header &header) { return header.secret; });
+    // RFC 9110, 15.4: a POST that moved becomes a GET, and 303 turns everything but HEAD into one.
+    if (!again && m_request.method != "GET" && (status == 303 || m_request.method == "POST")) {
+        m_request.method = "GET"_ba;
+        m_request.body.reset();
+        std::erase_if(m_request.headers, [](const Header &header) { return header.name == "Content-Type"; });
+    }
+    m_request.url = target;
+    send();
+    return true;
+}
+
+void HTTPExchange::release() {
+    m_silence.stop();
+    m_connectivity.stop();
+    if (auto *reply = std::exchange(m_reply, nullptr)) {
+        // abort() finishes the reply on the spot; nobody is to hear of that.
+        reply->disconnect(this);
+        reply->disconnect(&m_silence);
+        reply->abort();
+        reply->deleteLater();
+    }
+}
+
+void HTTPExchange::finish(End end) {
+    if (m_end)
+        return;
+    m_end = end;
+    m_whole.stop();
+    if (m_reply && end != End::TooLarge)
+        m_rest += m_reply->readAll();
+    release();
+    Q_EMIT ended();
+}
+
+} // namespace lmp

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "core/URLSession.h"
+
+#include <QNetworkReply>
+#include <QObject>
+#include <QTimer>
+
+#include <optional>
+#include <vector>
+
+namespace lmp {
+
+/// One request and its answer, sent once and never again, redirects followed.
+///
+/// Made, used and destroyed on one thread with an event loop; destroying it ends the request. It ends exactly once,
+/// whatever becomes of the reply underneath, and `ended` is never emitted from inside `start`, `stop` or a destructor.
+/// The connection is closed after each answer: Qt sends a request again by itself when a kept connection turns out
+/// dead, and a turn sent twice is charged twice.
+class HTTPExchange : public QObject {
+    Q_OBJECT
+public:
+    struct Header {
+        QByteArray name;
+        QByteArray value;
+        bool secret = false; ///< left behind when a redirect leads to another origin
+    };
+    struct Request {
+        QByteArray method;
+        QUrl url;
+        std::vector<Header> headers;
+        std::optional<QByteArray> body;
+    };
+    enum class End {
+        Complete, ///< the whole answer is there
+        TimedOut,
+        Failed,  ///< no connection, or it broke
+        NotHTTP, ///< what came back was no HTTP
+        TooLarge,
+        Stopped
+    };
+
+    /// @param maxBytes longest answer in bytes, after decompression
+    HTTPExchange(Request request, URLSession session, qint64 maxBytes);
+    ~HTTPExchange() override;
+
+    void start();
+    /// Ends the exchange with `Stopped`, through the event loop. Nothing more is read.
+    void stop();
+
+    /// HTTP status, or none before the final answer's headers.
+    std::optional<int> status() const { return m_status; }
+    /// Set once it has ended.
+    std::optional<End> end() const { return m_end; }
+    /// What has arrived and was not taken yet.
+    QByteArray take();
+
+Q_SIGNALS:
+    void responded();
+    void readyRead();
+    void ended();
+
+private:
+    void send();
+    void waitForConnectivity();
+    void watchReply();
+    void onHeaders();
+    void onReadyRead();
+    void onFinished();
+    void onSilence();
+    bool redirect(int status);
+    void release();
+    void finish(End end);
+
+    Request m_request;
+    URLSession m_session;
+    qint64 m_maxBytes;
+    QNetworkReply *m_reply = nullptr;
+    QByteArray m_rest; ///< bytes that were still in the reply when it was released
+    std::optional<int> m_status;
+    std::optional<End> m_end;
+    qint64 m_taken = 0; ///< bytes handed out so far
+    int m_hops = 0;
+    QTimer m_silence;
+    QTimer m_whole;
+    QTimer m_connectivity;
+};
+
+} // namespace lmp

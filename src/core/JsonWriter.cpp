@@ -1,0 +1,69 @@
+#include "core/JsonWriter.h"
+
+#include "core/JsonEncodingError.h"
+
+#include <boost/json/serialize.hpp>
+
+#include <charconv>
+#include <cmath>
+
+namespace lmp::detail {
+
+void JsonWriter::writeInteger(qint64 value) {
+    char digits[24];
+    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    text.append(digits, end - digits);
+}
+
+void JsonWriter::writeReal(double value) {
+    if (!std::isfinite(value))
+        throw JsonEncodingError("a number that JSON cannot hold");
+    char digits[40];
+    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    text.append(digits, end - digits);
+}
+
+void JsonWriter::writeString(const QString &value) {
+    const QByteArray utf8 = value.toUtf8();
+    text += '"';
+    const char *run = utf8.constData();
+    const char *const end = run + utf8.size();
+    for (const char *at = run; at != end; ++at) {
+        const auto c = static_cast<unsigned char>(*at);
+        if (c >= 0x20 && c != '"' && c != '\\') [[likely]]
+            continue;
+        text.append(run, at - run);
+        run = at + 1;
+        switch (c) {
+        case '"':
+            text += "\\\"";
+            break;
+        case '\\':
+            text += "\\\\";
+            break;
+        case '\n':
+            text += "\\n";
+            break;
+        case '\r':
+            text += "\\r";
+            break;
+        case '\t':
+            text += "\\t";
+            break;
+        default: {
+            static constexpr char hex[] = "0123456789abcdef";
+            const char escape[] = {'\\', 'u', '0', '0', hex[c >> 4], hex[c & 15]};
+            text.append(escape, sizeof escape);
+        }
+        }
+    }
+    text.append(run, end - run);
+    text += '"';
+}
+
+void JsonWriter::writeValue(const boost::json::value &value) {
+    const std::string serialized = boost::json::serialize(value);
+    text.append(serialized.data(), qsizetype(serialized.size()));
+}
+
+} // namespace lmp::detail

@@ -1,0 +1,60 @@
+#include "core/URLSession.h"
+
+#include "core/RequestURL.h"
+
+#include <QNetworkInterface>
+#include <QNetworkProxyFactory>
+#include <QThreadStorage>
+
+#include <algorithm>
+
+namespace lmp {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// The system's proxy, but never for this machine itself: a proxy could not reach it.
+class ProxyFactory : public QNetworkProxyFactory {
+public:
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override {
+        if (RequestURL::isLoopback(query.url()))
+            return {QNetworkProxy(QNetworkProxy::NoProxy)};
+        return systemProxyForQuery(query);
+    }
+};
+
+} // namespace
+
+URLSession URLSession::normal() {
+    return {20s, 30s};
+}
+
+URLSession URLSession::slow() {
+    return {90s, 180s, APIError::Session::Slow};
+}
+
+URLSession URLSession::events() {
+    return {180s, 0s, APIError::Session::Normal, 1024 * 1024};
+}
+
+QNetworkAccessManager &URLSession::manager() {
+    static QThreadStorage<QNetworkAccessManager *> managers;
+    if (!managers.hasLocalData()) {
+        auto *made = new QNetworkAccessManager;
+        made->setAutoDeleteReplies(false);
+        made->setProxyFactory(new ProxyFactory);
+        managers.setLocalData(made);
+    }
+    return *managers.localData();
+}
+
+bool URLSession::systemIsOnline() {
+    return std::ranges::any_of(QNetworkInterface::allInterfaces(), [](const QNetworkInterface &interface) {
+        const auto flags = interface.flags();
+        return flags.testFlag(QNetworkInterface::IsUp) && flags.testFlag(QNetworkInterface::IsRunning) &&
+               !flags.testFlag(QNetworkInterface::IsLoopBack) && !interface.addressEntries().isEmpty();
+    });
+}
+
+} // namespace lmp

@@ -1,0 +1,98 @@
+#include "core/Json.h"
+
+#include <gtest/gtest.h>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+enum class Mood { calm, loud };
+BOOST_DESCRIBE_ENUM(Mood, calm, loud)
+
+struct Everything {
+    bool flag = false;
+    qint64 whole = 0;
+    int small = 0;
+    double real = 0;
+    QString text;
+    Mood mood = Mood::calm;
+    std::vector<int> list;
+    QMap<QString, double> map;
+    std::optional<QString> maybe;
+    boost::json::value opaque;
+    bool operator==(const Everything &) const = default;
+};
+BOOST_DESCRIBE_STRUCT(Everything, (), (flag, whole, small, real, text, mood, list, map, maybe, opaque))
+
+struct Number {
+    qint64 n = 0;
+};
+BOOST_DESCRIBE_STRUCT(Number, (), (n))
+
+TEST(JsonTest, RoundTrip) {
+    Everything value{.flag = true,
+                     .whole = std::numeric_limits<qint64>::max(),
+                     .small = -7,
+                     .real = 0.1,
+                     .text = u"引\"号\\ \n\t\u0001\u007f😀"_s,
+                     .mood = Mood::loud,
+                     .list = {1, 2},
+                     .map = {{u"键"_s, 1.5}},
+                     .maybe = {},
+                     .opaque = boost::json::parse(R"({"a":[1,null,{"b":9007199254740993}]})")};
+    const QByteArray text = Json::encode(value);
+    EXPECT_FALSE(text.contains("maybe"));
+    const auto back = Json::decode<Everything>(text);
+    ASSERT_TRUE(back) << back.error().path.toStdString();
+    EXPECT_EQ(*back, value);
+}
+
+TEST(JsonTest, KeysInAnyOrderAndUnknownOnesIgnored) {
+    const auto value = Json::decode<Everything>(
+        R"({"opaque":null,"map":{},"x":[{}],"maybe":null,"list":[],"mood":"calm","text":"","real":1,"small":1,"whole":2,"flag":false})");
+    ASSERT_TRUE(value);
+    EXPECT_EQ(value->whole, 2);
+    EXPECT_EQ(value->real, 1.0);
+}
+
+TEST(JsonTest, WholeNumbers) {
+    struct Case {
+        const char *text;
+        std::optional<qint64> value;
+    };
+    for (const auto &[text, value] : std::initializer_list<Case>{
+             {"9007199254740993", 9007199254740993},
+             {"-9223372036854775808", std::numeric_limits<qint64>::min()},
+             {"3.0", 3},
+             {"1e3", 1000},
+             {"3.5", {}},
+             {"9223372036854775808", {}},
+             {"1e19", {}},
+             {"1e999", {}},
+             {"-0", 0},
+             {"01", {}},
+             {"\"3\"", {}},
+             {"true", {}},
+             {"null", {}},
+         }) {
+        const auto read = Json::decode<Number>(QByteArray("{\"n\":") + text + "}");
+        EXPECT_EQ(read ? std::optional(read->n) : std::nullopt, value) << text;
+    }
+}
+
+TEST(JsonTest, RefusesWhatIsNoJson) {
+    for (const QByteArray text :
+         {"", " ", "{\"n\":1}x", "{\"n\":1,}", "{'n':1}", "{\"n\":1", "\xff", "{\"n\":NaN}", "{\"n\":1 /*c*/}",
+          "\xef\xbb\xbf{\"n\":1}", "{\"n\":\"\x01\"}", "{\"\xc3\x28\":1,\"n\":1}"})
+        EXPECT_FALSE(Json::decode<Number>(text)) << text.constData();
+    EXPECT_FALSE(Json::decode<boost::json::value>(QByteArray(300, '[') + QByteArray(300, ']')));
+    EXPECT_TRUE(Json::decode<boost::json::value>(QByteArray(200, '[') + QByteArray(200, ']')));
+}
+
+TEST(JsonTest, UnknownEnumerator) {
+    const auto read = Json::fromValue<Mood>(boost::json::value("wild"));
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().kind, JsonFailure::Kind::Corrupted);
+}
+
+} // namespace lmp
