@@ -1,5 +1,6 @@
 #include "core/HTTPExchange.h"
 
+#include "core/OneShotBody.h"
 #include "core/RequestURL.h"
 
 #include <utility>
@@ -16,6 +17,7 @@ constexpr int maxRedirects = 16;
 /// Errors that only repeat what the status says already; the answer itself is whole.
 bool isStatusError(QNetworkReply::NetworkError error) {
     return (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
+           error == QNetworkReply::ProtocolInvalidOperationError || // what Qt calls a 400
            (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
 }
 
@@ -76,12 +78,17 @@ void HTTPExchange::send() {
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    // A kept connection may be dead by the next turn, which would then end unknown for nothing.
     request.setRawHeader("Connection", "close");
     for (const Header &header : m_request.headers)
         request.setRawHeader(header.name, header.value);
     auto &manager = URLSession::manager();
-    m_reply = m_request.body ? manager.sendCustomRequest(request, m_request.method, *m_request.body)
-                             : manager.sendCustomRequest(request, m_request.method);
+    const QByteArray body = m_request.body.value_or(QByteArray());
+    request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
+    auto *oneShot = new OneShotBody(body);
+    m_reply = manager.sendCustomRequest(request, m_request.method, oneShot);
+    oneShot->setParent(m_reply);
     m_reply->setReadBufferSize(m_session.readBuffer);
     watchReply();
     m_silence.start();

@@ -15,8 +15,8 @@ namespace lmp {
 ///
 /// Made, used and destroyed on one thread with an event loop; destroying it ends the request. It ends exactly once,
 /// whatever becomes of the reply underneath, and `ended` is never emitted from inside `start`, `stop` or a destructor.
-/// The connection is closed after each answer: Qt sends a request again by itself when a kept connection turns out
-/// dead, and a turn sent twice is charged twice.
+/// Qt sends a request again by itself when a connection dies before the answer, and a turn sent twice is charged
+/// twice; the body is therefore one that cannot be read again (see OneShotBody), for every method.
 class HTTPExchange : public QObject {
     Q_OBJECT
 public:
