@@ -1,0 +1,65 @@
+#include "app/SandboxProcess.h"
+
+#include "core/Json.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The one line that the service prints when it listens.
+struct SandboxReady {
+    QString url;
+};
+BOOST_DESCRIBE_STRUCT(SandboxReady, (), (url))
+
+} // namespace
+
+SandboxProcess::SandboxProcess(QString stateFile, QObject *parent)
+    : QObject(parent)
+    , m_stateFile(std::move(stateFile)) {
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    connect(&m_process, &QProcess::readyReadStandardOutput, this, &SandboxProcess::onOutput);
+    connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            settle(std::unexpected(u"本机沙盒启动不了：找不到 lumenpair-sandbox，或它不能运行。"_s));
+    });
+    connect(&m_process, &QProcess::finished, this,
+            [this](int code) { settle(std::unexpected(u"本机沙盒启动后就退出了（代码 %1）。"_s.arg(code))); });
+}
+
+SandboxProcess::~SandboxProcess() {
+    m_process.disconnect(this);
+    // The end of its input is how it is asked to leave; what it has begun to write it finishes first.
+    m_process.closeWriteChannel();
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(2000))
+        m_process.kill();
+}
+
+void SandboxProcess::start() {
+    const QString program = QCoreApplication::applicationDirPath() + u"/lumenpair-sandbox"_s;
+    m_process.start(program, {u"--state"_s, m_stateFile, u"--exit-with-parent"_s});
+}
+
+void SandboxProcess::onOutput() {
+    if (!m_process.canReadLine())
+        return;
+    const auto ready = Json::decode<SandboxReady>(m_process.readLine());
+    if (ready)
+        settle(QUrl(ready->url, QUrl::StrictMode));
+    else
+        settle(std::unexpected(u"本机沙盒没有说出自己的地址。"_s));
+}
+
+void SandboxProcess::settle(std::expected<QUrl, QString> outcome) {
+    if (m_outcome)
+        return;
+    m_outcome = std::move(outcome);
+    Q_EMIT settled();
+}
+
+} // namespace lmp

@@ -1,0 +1,161 @@
+#include "terminal/CommandLine.h"
+
+#include "platform/ApplicationSupport.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QHash>
+
+#include <sstream>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The parser's strings beside the options they become.
+struct Words {
+    std::string site, profile, conversation, email, phone, dialCode = "+86", region, shownId;
+    std::vector<std::string> text;
+};
+
+class ChineseFormatter : public CLI::Formatter {
+public:
+    ChineseFormatter() {
+        label("OPTIONS", "选项");
+        label("SUBCOMMANDS", "命令");
+        label("SUBCOMMAND", "命令");
+        label("Usage", "用法");
+        label("REQUIRED", "（必填）");
+        label("Positionals", "参数");
+        label("Excludes", "不能同时用");
+        label("Needs", "要先有");
+        column_width(34);
+    }
+};
+
+void addChat(CLI::App &app, CommandLine &line, Words &words) {
+    auto *chat = app.add_subcommand("chat", "和分身说话（默认命令）")->group("命令");
+    auto *last = chat->add_flag("-c,--continue", line.continueLast, "接着最近的一段对话");
+    auto *one = chat->add_option("--conversation", words.conversation, "接着这个编号的对话")->type_name("ID");
+    auto *incognito = chat->add_flag("--incognito", line.incognito, "无痕对话：不写历史、不记记忆");
+    chat->add_flag("--cheaper", line.cheaper, "省着说：回答短一些，花得少一些");
+    chat->add_flag("--jsonl", line.jsonl, "标准输出一行一个 JSON 事件");
+    chat->add_option("TEXT", words.text, "要说的话；不给就读标准输入，都没有就开始对话")->type_name("");
+    last->excludes(one);
+    incognito->excludes(last)->excludes(one);
+    chat->callback([&line] { line.command = CommandLine::Command::Chat; });
+}
+
+void addSession(CLI::App &app, CommandLine &line, Words &words) {
+    auto *in = app.add_subcommand("sign-in", "登录；密码和验证码在提示后输入，或从标准输入逐行读取")->group("命令");
+    auto *email = in->add_option("--email", words.email, "用邮箱登录")->type_name("ADDRESS");
+    auto *phone = in->add_option("--phone", words.phone, "用手机号登录")->type_name("NUMBER");
+    auto *guest = in->add_flag("--guest", line.guest, "不登录，先试聊几轮");
+    auto *google = in->add_flag("--google", line.google, "在浏览器里用 Google 登录");
+    phone->excludes(email);
+    guest->excludes(email)->excludes(phone);
+    google->excludes(email)->excludes(phone)->excludes(guest);
+    in->add_flag("--register", line.registerEmail, "邮箱还没有账号：先收验证码，再设密码")->needs(email);
+    in->add_option("--dial-code", words.dialCode, "国家或地区区号，默认 +86")->type_name("CODE")->needs(phone);
+    in->add_flag("--password", line.password, "手机号用密码而不是验证码登录")->needs(phone);
+    in->callback([&line, email, phone, guest, google] {
+        line.command = CommandLine::Command::SignIn;
+        if (email->empty() && phone->empty() && guest->empty() && google->empty())
+            throw CLI::RequiredError("--email, --phone, --google / --guest");
+    });
+    app.add_subcommand("sign-out", "退出登录")->group("命令")->callback([&line] {
+        line.command = CommandLine::Command::SignOut;
+    });
+    app.add_subcommand("whoami", "看看现在是谁")->group("命令")->callback([&line] {
+        line.command = CommandLine::Command::WhoAmI;
+    });
+}
+
+void addConversations(CLI::App &app, CommandLine &line, Words &words) {
+    auto *all = app.add_subcommand("conversations", "看对话")->group("命令");
+    all->require_subcommand(1);
+    all->add_subcommand("list", "列出对话")->group("命令")->callback([&line] {
+        line.command = CommandLine::Command::ConversationList;
+    });
+    auto *show = all->add_subcommand("show", "显示一段对话")->group("命令");
+    show->add_option("ID", words.shownId, "对话编号")->type_name("")->required();
+    show->callback([&line] { line.command = CommandLine::Command::ConversationShow; });
+}
+
+void addCrisis(CLI::App &app, CommandLine &line, Words &words) {
+    auto *crisis = app.add_subcommand("crisis", "现在很难受？先看这个（不用登录，不记录你来过）")->group("命令");
+    crisis->add_option("REGION", words.region, "地区代码，例如 CN、HK、US")->type_name("");
+    crisis->callback([&line] { line.command = CommandLine::Command::Crisis; });
+}
+
+QString fromUtf8(const std::string &text) {
+    return QString::fromUtf8(text.data(), qsizetype(text.size()));
+}
+
+/// What is wrong with the line, in the person's language; the parser's own words name the option.
+QString complaint(const CLI::ParseError &error) {
+    static const QHash<QString, QString> meanings = {
+        {u"ExtrasError"_s, u"不认识这些参数"_s},
+        {u"ExcludesError"_s, u"这些选项不能同时用"_s},
+        {u"RequiresError"_s, u"这个选项要和另一个一起用"_s},
+        {u"RequiredError"_s, u"还缺少必填的内容"_s},
+        {u"ArgumentMismatch"_s, u"参数的个数不对"_s},
+        {u"ConversionError"_s, u"参数的写法不对"_s},
+    };
+    const QString meaning = meanings.value(fromUtf8(error.get_name()), u"命令写得不对"_s);
+    return meaning + u"："_s + fromUtf8(error.what()) + u"\n用 --help 看用法。\n"_s;
+}
+
+void takeOver(CommandLine &line, const Words &words) {
+    line.site = fromUtf8(words.site);
+    line.profile = fromUtf8(words.profile);
+    line.conversationId =
+        fromUtf8(line.command == CommandLine::Command::ConversationShow ? words.shownId : words.conversation);
+    line.email = fromUtf8(words.email);
+    line.phone = fromUtf8(words.phone);
+    line.dialCode = fromUtf8(words.dialCode);
+    line.region = fromUtf8(words.region);
+    for (const std::string &piece : words.text)
+        line.text << fromUtf8(piece);
+}
+
+} // namespace
+
+std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, const char *const *argv) {
+    CommandLine line;
+    Words words;
+    CLI::App app("Lumenpair：和你的分身说话。", "lumenpair");
+    app.formatter(std::make_shared<ChineseFormatter>());
+    app.option_defaults()->group("选项");
+    app.set_help_flag("-h,--help", "显示帮助");
+    app.set_version_flag("--version", version().toStdString(), "显示版本");
+    app.require_subcommand(0, 1);
+    app.fallthrough();
+    auto *site =
+        app.add_option("--site", words.site, "服务地址；不给就看 LMP_SITE，再没有就用本机沙盒")->type_name("URL");
+    app.add_flag("--sandbox", line.sandbox, "用本机沙盒，不看 LMP_SITE")->excludes(site);
+    app.add_option("--profile", words.profile, "用另一套设置和本机文件")->type_name("NAME");
+    addChat(app, line, words);
+    addSession(app, line, words);
+    addConversations(app, line, words);
+    addCrisis(app, line, words);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        std::ostringstream out, ignored;
+        const bool usage = app.exit(error, out, ignored) != 0;
+        return std::unexpected(Leave{usage ? complaint(error) : fromUtf8(out.str()), usage});
+    }
+    takeOver(line, words);
+    if (!line.profile.isEmpty() && !ApplicationSupport::isProfileName(line.profile))
+        return std::unexpected(Leave{u"--profile 只能用字母、数字、- 和 _。\n"_s, true});
+    return line;
+}
+
+QString CommandLine::version() {
+    return u"lumenpair " LMP_VERSION u" (" LMP_BUILD u")"_s;
+}
+
+} // namespace lmp

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <expected>
+
+namespace lmp {
+
+/// What was typed after the program's name. A value.
+struct CommandLine {
+    enum class Command { Chat, SignIn, SignOut, WhoAmI, ConversationList, ConversationShow, Crisis };
+
+    /// Why nothing is run: the text, and whether it is an answer (help, version) or a complaint.
+    struct Leave {
+        QString text;
+        bool usageError = false;
+    };
+
+    QString site; ///< empty: the environment's, else the sandbox
+    bool sandbox = false;
+    QString profile;
+    Command command = Command::Chat;
+
+    // chat
+    bool continueLast = false;
+    QString conversationId;
+    bool incognito = false;
+    bool cheaper = false;
+    bool jsonl = false;
+    QStringList text;
+
+    // sign-in
+    QString email;
+    bool registerEmail = false;
+    QString phone;
+    QString dialCode = QStringLiteral("+86");
+    bool password = false;
+    bool guest = false;
+    bool google = false;
+
+    // crisis
+    QString region;
+
+    /// @param argc,argv as main() has them; arguments are UTF-8
+    static std::expected<CommandLine, Leave> parse(int argc, const char *const *argv);
+
+    /// "lumenpair 0.1.0 (1)" and so on; needs no application object.
+    static QString version();
+};
+
+} // namespace lmp

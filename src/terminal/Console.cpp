@@ -1,0 +1,70 @@
+#include "terminal/Console.h"
+
+#include <cerrno>
+#include <csignal>
+#include <unistd.h>
+
+namespace lmp {
+
+Console::Console()
+    : m_outputIsTerminal(::isatty(STDOUT_FILENO))
+    , m_inputIsTerminal(::isatty(STDIN_FILENO))
+    , m_color(::isatty(STDERR_FILENO) && qEnvironmentVariableIsEmpty("NO_COLOR")) {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+void Console::reply(const QString &text) {
+    if (text.isEmpty())
+        return;
+    const QString shown = m_outputIsTerminal ? harmless(text) : text;
+    write(STDOUT_FILENO, shown.toUtf8());
+    m_midLine = m_outputIsTerminal && !shown.endsWith(u'\n');
+}
+
+void Console::line(const QByteArray &bytes) {
+    write(STDOUT_FILENO, bytes + '\n');
+}
+
+void Console::note(const QString &text) {
+    say(text, "\x1b[2m");
+}
+
+void Console::error(const QString &text) {
+    say(text, "\x1b[31m");
+}
+
+QString Console::harmless(const QString &text) {
+    QString kept;
+    kept.reserve(text.size());
+    for (const QChar c : text) {
+        const bool control = c < u' ' || (c >= u'\x7f' && c <= u'\x9f');
+        if (!control || c == u'\n' || c == u'\t')
+            kept += c;
+    }
+    return kept;
+}
+
+void Console::say(const QString &text, const char *color) {
+    QByteArray bytes;
+    if (m_midLine && ::isatty(STDERR_FILENO))
+        bytes += '\n';
+    m_midLine = false;
+    const QByteArray words = harmless(text).toUtf8();
+    bytes += m_color ? color + words + "\x1b[0m\n" : words + '\n';
+    write(STDERR_FILENO, bytes);
+}
+
+void Console::write(int fd, const QByteArray &bytes) {
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::write(fd, bytes.constData() + done, size_t(bytes.size() - done));
+        if (n > 0)
+            done += n;
+        else if (errno == EPIPE && fd == STDOUT_FILENO)
+            m_outputIsClosed = true;
+        if (n <= 0 && errno != EINTR)
+            return;
+    }
+}
+
+} // namespace lmp

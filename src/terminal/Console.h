@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace lmp {
+
+/// Standard output, standard error and what is known of them.
+///
+/// UI thread; writes block. The reply goes to standard output, everything else to standard error. A reader of
+/// standard output who is gone is no error: what follows for them is dropped.
+class Console {
+public:
+    Console();
+
+    bool outputIsTerminal() const { return m_outputIsTerminal; }
+    bool inputIsTerminal() const { return m_inputIsTerminal; }
+    /// The reader of standard output has gone. A turn under way is still brought to its end and saved.
+    bool outputIsClosed() const { return m_outputIsClosed; }
+
+    /// Text of others (a reply, a title): as it is into a pipe, without control characters onto a terminal, where they
+    /// could move the cursor, change the title or answer for the person.
+    void reply(const QString &text);
+    /// Bytes of our own making, a JSON line.
+    void line(const QByteArray &bytes);
+    /// A note on standard error, on a line of its own.
+    void note(const QString &text);
+    void error(const QString &text);
+
+    /// `text` without C0 and C1 control characters but line feed and tab.
+    static QString harmless(const QString &text);
+
+private:
+    void write(int fd, const QByteArray &bytes);
+    void say(const QString &text, const char *color);
+
+    bool m_outputIsTerminal;
+    bool m_inputIsTerminal;
+    bool m_color;
+    bool m_outputIsClosed = false;
+    bool m_midLine = false; ///< a terminal shared by both streams has an unfinished line
+};
+
+} // namespace lmp
