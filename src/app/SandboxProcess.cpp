@@ -26,23 +26,25 @@ SandboxProcess::SandboxProcess(QString stateFile, QObject *parent)
     connect(&m_process, &QProcess::readyReadStandardOutput, this, &SandboxProcess::onOutput);
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            settle(std::unexpected(u"本机沙盒启动不了：找不到 lumenpair-sandbox，或它不能运行。"_s));
+            m_address.resolve(std::unexpected(u"本机沙盒启动不了：找不到 lumenpair-sandbox，或它不能运行。"_s));
     });
     connect(&m_process, &QProcess::finished, this,
-            [this](int code) { settle(std::unexpected(u"本机沙盒启动后就退出了（代码 %1）。"_s.arg(code))); });
+            [this](int code) { m_address.resolve(std::unexpected(u"本机沙盒启动后就退出了（代码 %1）。"_s.arg(code))); });
 }
 
 SandboxProcess::~SandboxProcess() {
     m_process.disconnect(this);
+    m_address.resolve(std::unexpected(u"本机沙盒没有启动。"_s));
     // The end of its input is how it is asked to leave; what it has begun to write it finishes first.
     m_process.closeWriteChannel();
     if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(2000))
         m_process.kill();
 }
 
-void SandboxProcess::start() {
+Later<std::expected<QUrl, QString>> SandboxProcess::start() {
     const QString program = QCoreApplication::applicationDirPath() + u"/lumenpair-sandbox"_s;
     m_process.start(program, {u"--state"_s, m_stateFile, u"--exit-with-parent"_s});
+    return m_address;
 }
 
 void SandboxProcess::onOutput() {
@@ -50,16 +52,9 @@ void SandboxProcess::onOutput() {
         return;
     const auto ready = Json::decode<SandboxReady>(m_process.readLine());
     if (ready)
-        settle(QUrl(ready->url, QUrl::StrictMode));
+        m_address.resolve(QUrl(ready->url, QUrl::StrictMode));
     else
-        settle(std::unexpected(u"本机沙盒没有说出自己的地址。"_s));
-}
-
-void SandboxProcess::settle(std::expected<QUrl, QString> outcome) {
-    if (m_outcome)
-        return;
-    m_outcome = std::move(outcome);
-    Q_EMIT settled();
+        m_address.resolve(std::unexpected(u"本机沙盒没有说出自己的地址。"_s));
 }
 
 } // namespace lmp

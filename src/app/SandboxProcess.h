@@ -1,11 +1,12 @@
 #pragma once
 
+#include "core/Later.h"
+
 #include <QObject>
 #include <QProcess>
 #include <QUrl>
 
 #include <expected>
-#include <optional>
 
 namespace lmp {
 
@@ -20,20 +21,14 @@ public:
     explicit SandboxProcess(QString stateFile, QObject *parent = nullptr);
     ~SandboxProcess() override;
 
-    void start();
-    /// The outcome, once there is one.
-    const std::optional<std::expected<QUrl, QString>> &outcome() const { return m_outcome; }
-
-Q_SIGNALS:
-    void settled();
+    /// @return the service's address, or why there is none
+    Later<std::expected<QUrl, QString>> start();
 
 private:
     void onOutput();
-    void settle(std::expected<QUrl, QString> outcome);
-
     QString m_stateFile;
     QProcess m_process;
-    std::optional<std::expected<QUrl, QString>> m_outcome;
+    Later<std::expected<QUrl, QString>> m_address;
 };
 
 } // namespace lmp

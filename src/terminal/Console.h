@@ -26,6 +26,8 @@ public:
     /// A note on standard error, on a line of its own.
     void note(const QString &text);
     void error(const QString &text);
+    /// A card that must be seen, on standard error.
+    void card(const QString &text);
 
     /// `text` without C0 and C1 control characters but line feed and tab.
     static QString harmless(const QString &text);

@@ -1,12 +1,21 @@
-#include "terminal/CommandLine.h"
+#include "terminal/TerminalApplication.h"
 
+#include <QCoreApplication>
+
+#include <clocale>
 #include <cstdio>
 
 int main(int argc, char **argv) {
-    const auto line = lmp::CommandLine::parse(argc, argv);
+    const auto start = lmp::SystemClock().monotonic();
+    std::setlocale(LC_ALL, "");
+    auto line = lmp::CommandLine::parse(argc, argv);
     if (!line) {
         std::fputs(line.error().text.toUtf8().constData(), line.error().usageError ? stderr : stdout);
         return line.error().usageError ? 2 : 0;
     }
-    return 0;
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("lumenpair"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(LMP_VERSION));
+    lmp::TerminalApplication terminal(*std::move(line), start);
+    return terminal.run();
 }

@@ -1,0 +1,86 @@
+#include "app/Application.h"
+
+#include "core/RequestURL.h"
+#include "platform/SystemKeychain.h"
+#include "platform/UserDefaults.h"
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+Application::Application(Options options)
+    : m_options(std::move(options))
+    , m_support(m_options.profile) {}
+
+Application::~Application() { Telemetry::install(nullptr); }
+
+QCoro::Task<std::expected<void, QString>> Application::open() {
+    const QPointer self(this);
+    const auto root = co_await findService();
+    if (!self || !root)
+        co_return std::unexpected(root.error_or(QString()));
+    m_site = Site::at(*root);
+    if (!m_site.api.isValid())
+        co_return std::unexpected(APIError::unusableURL().reason + u"："_s + *root);
+    makeStores();
+    co_return {};
+}
+
+QCoro::Task<std::expected<QString, QString>> Application::findService() {
+    if (!usesOwnSandbox())
+        co_return m_options.site;
+    const auto folder = m_support.folder(u"Sandbox"_s);
+    if (!folder)
+        co_return std::unexpected(u"本机沙盒没有地方存数据：建不了文件夹 "_s + m_support.root() + u"/Sandbox"_s);
+    m_sandbox = std::make_unique<SandboxProcess>(*folder + u"/sandbox.sqlite"_s);
+    const auto outcome = m_sandbox->start();
+    const auto url = co_await outcome;
+    co_return url.transform([](const QUrl &address) { return address.toString(); });
+}
+
+void Application::makeStores() {
+    m_keychain = std::make_unique<SystemKeychain>();
+    m_auth = std::make_unique<AuthStore>(m_site.api, *m_keychain, m_clock, keychainSuffix());
+    if (m_options.withoutTrace) {
+        m_auth->startSignedOut();
+        return;
+    }
+    m_settings = makeUserDefaults(m_support);
+    m_telemetry = std::make_unique<Telemetry>(Telemetry::Deployment{.apiBase = m_site.api,
+                                                                    .appVersion = QString::fromLatin1(LMP_VERSION),
+                                                                    .viewport = m_options.viewport,
+                                                                    .tokenProvider = m_auth->tokenProvider()},
+                                              *m_settings, m_clock);
+    Telemetry::install(m_telemetry.get());
+    m_telemetry->startLifecycle(m_options.processStart);
+    if (m_options.token)
+        m_auth->startWith(*m_options.token);
+    else
+        m_auth->restore();
+}
+
+QCoro::Task<> Application::close() {
+    const QPointer self(this);
+    if (m_telemetry)
+        co_await m_telemetry->flushForExit(1s);
+    if (self && m_auth)
+        co_await m_auth->keychainSettled(2s);
+}
+
+ConversationAccount Application::account() const {
+    const QPointer<const AuthStore> auth = m_auth.get();
+    return {.userId = [auth] { return auth && auth->user() ? std::optional(auth->user()->id) : std::nullopt; },
+            .generation = [auth] { return auth ? QString::number(auth->authenticationGeneration()) : QString(); }};
+}
+
+QString Application::keychainSuffix() const {
+    QString suffix;
+    if (!usesOwnSandbox())
+        suffix += u'@' + m_site.root.toString(QUrl::RemoveUserInfo | QUrl::StripTrailingSlash);
+    if (!m_options.profile.isEmpty())
+        suffix += u'#' + m_options.profile;
+    return suffix;
+}
+
+} // namespace lmp

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "app/SandboxProcess.h"
+#include "conversation/ConversationAccount.h"
+#include "conversation/ConversationDraftCache.h"
+#include "core/AuthStore.h"
+#include "core/SSEClient.h"
+#include "core/Site.h"
+#include "core/Telemetry.h"
+#include "identity/SafetyGateStore.h"
+#include "platform/ApplicationSupport.h"
+#include "platform/SystemClock.h"
+
+#include <QObject>
+
+#include <chrono>
+#include <expected>
+#include <memory>
+#include <optional>
+
+namespace lmp {
+
+/// Makes the long-lived stores, joins them and takes them down again, for the window and the terminal alike.
+///
+/// One for the process, made by main after the QCoreApplication and destroyed before it; UI thread. `open` says in one
+/// sentence why it could not.
+class Application : public QObject {
+    Q_OBJECT
+public:
+    struct Options {
+        QString site;                 ///< root of the service; empty is the sandbox that comes with the program
+        QString profile;              ///< empty is the person's own
+        std::optional<QString> token; ///< a session token given from outside
+        QString viewport;             ///< what the person looks at, for telemetry
+        /// Neither token nor telemetry: nothing is read, recorded or sent but what is asked for.
+        bool withoutTrace = false;
+        std::chrono::nanoseconds processStart{0}; ///< on the monotonic clock
+    };
+
+    explicit Application(Options options);
+    ~Application() override;
+
+    /// Finds the service (starting the sandbox where that is it), makes the stores and begins to restore the session.
+    QCoro::Task<std::expected<void, QString>> open();
+    /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s.
+    QCoro::Task<> close();
+
+    bool usesOwnSandbox() const { return m_options.site.isEmpty(); }
+    bool tokenIsGiven() const { return m_options.token.has_value(); }
+
+    // From here on: only after `open`.
+    const Site &site() const { return m_site; }
+    AuthStore &auth() { return *m_auth; }
+    APIClient api() const { return m_auth->api(); }
+    SSEClient events() const { return SSEClient(m_site.api, m_auth->tokenProvider()); }
+    SafetyGateStore &safety() { return m_safety; }
+    Clock &clock() { return m_clock; }
+    ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
+    /// Who is signed in, as conversations ask for it.
+    ConversationAccount account() const;
+
+private:
+    QCoro::Task<std::expected<QString, QString>> findService();
+    void makeStores();
+    /// What sets this site's and profile's token apart in the keychain; empty for the ordinary ones.
+    QString keychainSuffix() const;
+
+    Options m_options;
+    SystemClock m_clock;
+    ApplicationSupport m_support;
+    std::unique_ptr<SandboxProcess> m_sandbox;
+    Site m_site;
+    std::unique_ptr<Settings> m_settings;
+    std::unique_ptr<Keychain> m_keychain;
+    std::unique_ptr<AuthStore> m_auth;
+    std::unique_ptr<Telemetry> m_telemetry;
+    SafetyGateStore m_safety;
+};
+
+} // namespace lmp

@@ -1,0 +1,90 @@
+#include "terminal/StandardInput.h"
+
+#include <cerrno>
+#include <unistd.h>
+#include <utility>
+
+namespace lmp {
+
+StandardInput::StandardInput(const Console &console)
+    : m_isTerminal(console.inputIsTerminal())
+    , m_pipe(STDIN_FILENO, QSocketNotifier::Read) {
+    m_pipe.setEnabled(false);
+    connect(&m_pipe, &QSocketNotifier::activated, this, &StandardInput::onReadable);
+    if (!m_isTerminal)
+        return;
+    m_editor = std::make_unique<LineReader>();
+    connect(m_editor.get(), &LineReader::line, this, &StandardInput::answer);
+}
+
+QCoro::Task<std::optional<QString>> StandardInput::line(QString prompt) {
+    if (m_editor)
+        m_editor->prompt(prompt);
+    return wait();
+}
+
+QCoro::Task<std::optional<QString>> StandardInput::secret(QString prompt) {
+    if (m_editor)
+        m_editor->promptSecret(prompt);
+    return wait();
+}
+
+QCoro::Task<std::optional<QString>> StandardInput::everything() {
+    m_whole = true;
+    return wait();
+}
+
+QCoro::Task<std::optional<QString>> StandardInput::wait() {
+    const Answer coming;
+    m_waiting = coming;
+    if (!m_editor && !takeLine())
+        m_pipe.setEnabled(true);
+    co_return co_await coming;
+}
+
+void StandardInput::cancel() {
+    if (m_editor)
+        m_editor->cancel();
+    answer(std::nullopt);
+}
+
+void StandardInput::onReadable() {
+    char piece[65536];
+    const ssize_t n = ::read(STDIN_FILENO, piece, sizeof piece);
+    if (n < 0 && (errno == EINTR || errno == EAGAIN))
+        return;
+    if (n > 0)
+        m_buffer.append(piece, n);
+    else
+        m_ended = true;
+    takeLine();
+}
+
+bool StandardInput::takeLine() {
+    if (m_buffer.size() > maxBytes) {
+        answer(std::nullopt);
+        return true;
+    }
+    const auto end = m_whole ? -1 : m_buffer.indexOf('\n');
+    if (end < 0 && !m_ended)
+        return false;
+    if (end < 0 && m_buffer.isEmpty() && !m_whole) {
+        answer(std::nullopt);
+        return true;
+    }
+    QByteArray line = end < 0 ? std::exchange(m_buffer, {}) : m_buffer.first(end);
+    if (end >= 0)
+        m_buffer.remove(0, end + 1);
+    if (line.endsWith('\r'))
+        line.chop(1);
+    answer(QString::fromUtf8(line));
+    return true;
+}
+
+void StandardInput::answer(std::optional<QString> text) {
+    m_pipe.setEnabled(false);
+    if (const auto waiting = std::exchange(m_waiting, std::nullopt))
+        waiting->resolve(std::move(text));
+}
+
+} // namespace lmp

@@ -1,0 +1,85 @@
+#include "terminal/TerminalApplication.h"
+
+#include "core/Detach.h"
+#include "terminal/AccountCommands.h"
+#include "terminal/ConversationCommands.h"
+#include "terminal/CrisisCommand.h"
+#include "terminal/SignInCommand.h"
+
+#include <csignal>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+TerminalApplication::TerminalApplication(CommandLine line, std::chrono::nanoseconds processStart)
+    : m_line(std::move(line))
+    , m_input(m_console)
+    , m_application(options(m_line, processStart)) {
+    connect(&m_signals, &SignalWatcher::caught, this, &TerminalApplication::onSignal);
+}
+
+TerminalApplication::~TerminalApplication() = default;
+
+Application::Options TerminalApplication::options(const CommandLine &line, std::chrono::nanoseconds processStart) {
+    const QString site = line.site.isEmpty() && !line.sandbox ? qEnvironmentVariable("LMP_SITE") : line.site;
+    const QString token = qEnvironmentVariable("LMP_TOKEN");
+    const bool crisis = line.command == CommandLine::Command::Crisis;
+    return {.site = site,
+            .profile = line.profile,
+            .token = token.isEmpty() || crisis ? std::nullopt : std::optional(token),
+            .viewport = u"terminal"_s,
+            .withoutTrace = crisis,
+            .processStart = processStart};
+}
+
+int TerminalApplication::run() {
+    // Queued, so that an exit before the loop runs is not lost.
+    QMetaObject::invokeMethod(this, [this] { detach(main(), "the terminal's command"); }, Qt::QueuedConnection);
+    return QCoreApplication::exec();
+}
+
+QCoro::Task<> TerminalApplication::main() {
+    const auto opened = co_await m_application.open();
+    ExitCode code = ExitCode::Failed;
+    if (opened)
+        code = co_await command();
+    else if (m_line.command == CommandLine::Command::Crisis)
+        CrisisCommand::withoutService(m_console, opened.error());
+    else
+        m_console.error(opened.error());
+    m_chat.reset();
+    co_await m_application.close();
+    QCoreApplication::exit(int(code));
+}
+
+QCoro::Task<ExitCode> TerminalApplication::command() {
+    switch (m_line.command) {
+    case CommandLine::Command::Chat:
+        m_chat = std::make_unique<ChatCommand>(m_application, m_console, m_input, m_line);
+        return m_chat->run();
+    case CommandLine::Command::SignIn:
+        return SignInCommand::run(&m_application, &m_console, &m_input, m_line);
+    case CommandLine::Command::SignOut:
+        return AccountCommands::signOut(&m_application, &m_console);
+    case CommandLine::Command::WhoAmI:
+        return AccountCommands::whoAmI(&m_application, &m_console);
+    case CommandLine::Command::ConversationList:
+        return ConversationCommands::list(&m_application, &m_console);
+    case CommandLine::Command::ConversationShow:
+        return ConversationCommands::show(&m_application, &m_console, m_line.conversationId);
+    case CommandLine::Command::Crisis:
+        return CrisisCommand::run(&m_application, &m_console, m_line.region);
+    }
+    Q_UNREACHABLE();
+}
+
+void TerminalApplication::onSignal(int signal) {
+    if (m_chat && m_chat->interrupt(signal != SIGINT))
+        return;
+    // Nothing is under way that could be lost, so nobody needs to wait for it.
+    m_input.cancel();
+    QCoreApplication::exit(int(ExitCode::Stopped));
+}
+
+} // namespace lmp

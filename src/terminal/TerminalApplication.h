@@ -1,0 +1,40 @@
+#pragma once
+
+#include "app/Application.h"
+#include "terminal/ChatCommand.h"
+#include "terminal/CommandLine.h"
+#include "terminal/Console.h"
+#include "terminal/SignalWatcher.h"
+#include "terminal/StandardInput.h"
+
+#include <memory>
+
+namespace lmp {
+
+/// One run of the program from a terminal: a command line in, an exit code out.
+///
+/// Owned by main, UI thread.
+class TerminalApplication : public QObject {
+    Q_OBJECT
+public:
+    TerminalApplication(CommandLine line, std::chrono::nanoseconds processStart);
+    ~TerminalApplication() override;
+
+    /// Runs the event loop until the command is done.
+    int run();
+
+private:
+    QCoro::Task<> main();
+    QCoro::Task<ExitCode> command();
+    void onSignal(int signal);
+    static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStart);
+
+    CommandLine m_line;
+    Console m_console;
+    StandardInput m_input;
+    SignalWatcher m_signals;
+    Application m_application;
+    std::unique_ptr<ChatCommand> m_chat; ///< while it runs
+};
+
+} // namespace lmp
