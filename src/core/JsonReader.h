@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/JsonCodec.h"
 #include "core/JsonFailure.h"
 #include "core/JsonTypeName.h"
 
@@ -39,6 +40,8 @@ public:
             // A copy into ordinary memory: the parsed text's own is gone when decoding ends.
             to = boost::json::value(from, boost::json::storage_ptr());
             return true;
+        } else if constexpr (HasJsonCodec<T>) {
+            return JsonCodec<T>::read(from, to) || mismatch<T>(at);
         } else {
             if (from.is_null()) [[unlikely]]
                 return fail(JsonFailure::Kind::NullValue, at, jsonTypeName<T>());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/JsonCodec.h"
 #include "core/JsonTypeName.h"
 
 #include <QByteArray>
@@ -32,6 +33,8 @@ public:
             writeString(value);
         } else if constexpr (std::is_same_v<T, boost::json::value>) {
             writeValue(value);
+        } else if constexpr (HasJsonCodec<T>) {
+            JsonCodec<T>::write(value, *this);
         } else if constexpr (IsList<T>::value) {
             writeList(value);
         } else if constexpr (IsMap<T>::value) {
