@@ -13,7 +13,9 @@ Application::Application(Options options)
     : m_options(std::move(options))
     , m_support(m_options.profile) {}
 
-Application::~Application() { Telemetry::install(nullptr); }
+Application::~Application() {
+    Telemetry::install(nullptr);
+}
 
 QCoro::Task<std::expected<void, QString>> Application::open() {
     const QPointer self(this);
@@ -71,7 +73,10 @@ QCoro::Task<> Application::close() {
 ConversationAccount Application::account() const {
     const QPointer<const AuthStore> auth = m_auth.get();
     return {.userId = [auth] { return auth && auth->user() ? std::optional(auth->user()->id) : std::nullopt; },
-            .generation = [auth] { return auth ? QString::number(auth->authenticationGeneration()) : QString(); }};
+            .generation =
+                [auth] {
+                    return auth ? QString::number(auth->authenticationGeneration()) : QString();
+                }};
 }
 
 QString Application::keychainSuffix() const {

@@ -3,7 +3,8 @@
 #include "core/Json.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
+
+#include <unistd.h>
 
 namespace lmp {
 
@@ -22,14 +23,17 @@ BOOST_DESCRIBE_STRUCT(SandboxReady, (), (url))
 SandboxProcess::SandboxProcess(QString stateFile, QObject *parent)
     : QObject(parent)
     , m_stateFile(std::move(stateFile)) {
+    // Ctrl-C on the terminal is meant for the reply, not for the service that gives it.
+    m_process.setChildProcessModifier([] { ::setpgid(0, 0); });
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(&m_process, &QProcess::readyReadStandardOutput, this, &SandboxProcess::onOutput);
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
             m_address.resolve(std::unexpected(u"本机沙盒启动不了：找不到 lumenpair-sandbox，或它不能运行。"_s));
     });
-    connect(&m_process, &QProcess::finished, this,
-            [this](int code) { m_address.resolve(std::unexpected(u"本机沙盒启动后就退出了（代码 %1）。"_s.arg(code))); });
+    connect(&m_process, &QProcess::finished, this, [this](int code) {
+        m_address.resolve(std::unexpected(u"本机沙盒启动后就退出了（代码 %1）。"_s.arg(code)));
+    });
 }
 
 SandboxProcess::~SandboxProcess() {

@@ -39,8 +39,7 @@ private:
         std::coroutine_handle<> waiting;
     };
     static void wake(State *state) {
-        QMetaObject::invokeMethod(
-            state, [state] { std::exchange(state->waiting, {}).resume(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(state, [state] { std::exchange(state->waiting, {}).resume(); }, Qt::QueuedConnection);
     }
 
     std::shared_ptr<State> m_state;

@@ -15,7 +15,9 @@ QString CardText::crisis(const CrisisSignal &signal) {
     return text;
 }
 
-QString CardText::continuousUse(const ContinuousUseNotice &notice) { return u"┃ "_s + notice.message; }
+QString CardText::continuousUse(const ContinuousUseNotice &notice) {
+    return u"┃ "_s + notice.message;
+}
 
 QString CardText::used(const QList<UsedMemory> &used) {
     QString text = u"本次用到你的 %1 条记忆"_s.arg(used.size());
@@ -25,7 +27,9 @@ QString CardText::used(const QList<UsedMemory> &used) {
 }
 
 QString CardText::charge(std::optional<qint64> charged, std::optional<qint64> balance) {
-    const auto amount = [](std::optional<qint64> pip) { return pip ? QString::number(*pip) + u" Pip"_s : u"—"_s; };
+    const auto amount = [](std::optional<qint64> pip) {
+        return pip ? QString::number(*pip) + u" Pip"_s : u"—"_s;
+    };
     return u"本次 "_s + amount(charged) + u" · 余额 "_s + amount(balance);
 }
 

@@ -25,7 +25,8 @@ private:
     void onContinuousUse();
     void sayCharge(const TurnOutcome &outcome);
     void endReply();
-    template <class Event> void emitLine(const Event &event);
+    template <class Event>
+    void emitLine(const Event &event);
 
     Console &m_console;
     SafetyGateStore &m_safety;

@@ -33,7 +33,9 @@ void Console::error(const QString &text) {
     say(text, "\x1b[31m");
 }
 
-void Console::card(const QString &text) { say(text, "\x1b[1;35m"); }
+void Console::card(const QString &text) {
+    say(text, "\x1b[1;35m");
+}
 
 QString Console::harmless(const QString &text) {
     QString kept;

@@ -68,8 +68,8 @@ QCoro::Task<ExitCode> ConversationCommands::show(Application *application, Conso
     console->note(u"「"_s + conversation.title + u"」"_s);
     for (const auto &message : conversation.messages) {
         const bool mine = message.role == TalkRole::user;
-        console->reply((mine ? u"你："_s : u"分身："_s) + message.text + (mine ? stateMark(message.deliveryState) : QString()) +
-                       u'\n');
+        console->reply((mine ? u"你："_s : u"分身："_s) + message.text +
+                       (mine ? stateMark(message.deliveryState) : QString()) + u'\n');
     }
     if (session.conflicted())
         console->note(u"这段对话在别处有更新的内容，这里显示的是本机的一份。"_s);

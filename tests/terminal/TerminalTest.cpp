@@ -1,0 +1,286 @@
+#include "support/SandboxFixture.h"
+
+#include <QDirIterator>
+
+#include <csignal>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+/// The program as people start it, against a sandbox, with a home of its own and no keychain.
+class TerminalTest : public SandboxFixture {
+protected:
+    struct Run {
+        int code = -1;
+        QString out;
+        QString err;
+        QList<boost::json::value> events() const {
+            QList<boost::json::value> all;
+            for (const QString &line : out.split(u'\n', Qt::SkipEmptyParts))
+                all << Json::decode<boost::json::value>(line.toUtf8()).value_or(boost::json::value());
+            return all;
+        }
+        QStringList types() const {
+            QStringList all;
+            for (const auto &event : events())
+                all << QString::fromStdString(std::string(event.at("type").as_string()));
+            all.removeDuplicates();
+            return all;
+        }
+    };
+
+    void SetUp() override {
+        SandboxFixture::SetUp();
+        m_token = signIn(u"13900000001"_s);
+    }
+
+    QProcessEnvironment environment() const {
+        auto env = QProcessEnvironment::systemEnvironment();
+        for (const QString &name :
+             {u"DBUS_SESSION_BUS_ADDRESS"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"LMP_SITE"_s, u"LMP_TOKEN"_s})
+            env.remove(name);
+        env.insert(u"HOME"_s, m_home.path());
+        env.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
+        env.insert(u"XDG_RUNTIME_DIR"_s, m_home.path());
+        env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+        return env;
+    }
+    void start(QProcess &program, const QStringList &arguments, const QString &token) const {
+        auto env = environment();
+        if (!token.isEmpty())
+            env.insert(u"LMP_TOKEN"_s, token);
+        program.setProcessEnvironment(env);
+        program.start(QCoreApplication::applicationDirPath() + u"/lumenpair"_s,
+                      QStringList{u"--site"_s, m_site.toString()} + arguments);
+    }
+    Run finish(QProcess &program) {
+        EXPECT_TRUE(program.waitForFinished(60'000));
+        return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -2,
+                QString::fromUtf8(program.readAllStandardOutput()), QString::fromUtf8(program.readAllStandardError())};
+    }
+    Run run(const QStringList &arguments, const QByteArray &input = {}, std::optional<QString> token = {}) {
+        QProcess program;
+        start(program, arguments, token.value_or(m_token));
+        program.write(input);
+        program.closeWriteChannel();
+        return finish(program);
+    }
+    /// Text of the last user message's state as the service holds it, in the newest conversation.
+    std::string lastState() {
+        const auto all = look(u"/api/app/conversations"_s, m_token);
+        const auto id = all.at("conversations").at(0).at("id").as_string();
+        const auto one = look(u"/api/app/conversation?id="_s + QString::fromStdString(std::string(id)), m_token);
+        std::string state;
+        for (const auto &message : one.at("conversation").at("messages").as_array()) {
+            if (message.at("role") == "user")
+                state = message.at("deliveryState").as_string();
+        }
+        return state;
+    }
+    std::size_t charges() { return look(u"/sandbox/charges"_s, m_token).at("charges").as_array().size(); }
+
+    QTemporaryDir m_home;
+    QString m_token;
+};
+
+TEST_F(TerminalTest, AsksOnceAndPrintsTheReplyAlone) {
+    const auto piped = run({}, "你好\n");
+    EXPECT_EQ(piped.code, 0) << piped.err.toStdString();
+    EXPECT_FALSE(piped.out.trimmed().isEmpty());
+    EXPECT_TRUE(piped.err.contains(u"余额"_s));
+    EXPECT_EQ(lastState(), "submitted");
+    EXPECT_EQ(charges(), 1u);
+
+    EXPECT_EQ(run({u"chat"_s}, "  \n").code, 2);
+    EXPECT_EQ(run({u"chat"_s}, "\xff\xfe\n").code, 0);
+    EXPECT_EQ(run({u"chat"_s}, QByteArray(5'000'000, 'a')).code, 2);
+}
+
+TEST_F(TerminalTest, EventsOfATurn) {
+    const auto first = run({u"chat"_s, u"--jsonl"_s, u"我叫小林"_s});
+    ASSERT_EQ(first.code, 0) << first.err.toStdString();
+    EXPECT_EQ(first.types(), (QStringList{u"turn.started"_s, u"delta"_s, u"turn.completed"_s}));
+    const auto events = first.events();
+    QString text;
+    for (const auto &event : events) {
+        if (event.at("type") == "delta")
+            text += QString::fromStdString(std::string(event.at("text").as_string()));
+    }
+    const auto &done = events.back();
+    EXPECT_EQ(QString::fromStdString(std::string(done.at("text").as_string())), text);
+    EXPECT_EQ(done.at("state"), "submitted");
+    EXPECT_EQ(done.at("charged"), 3);
+    EXPECT_EQ(done.at("balance"), 997);
+    EXPECT_TRUE(done.at("requestId").is_string());
+    EXPECT_FALSE(done.as_object().contains("notice"));
+
+    const auto again = run({u"chat"_s, u"-c"_s, u"--jsonl"_s, u"--cheaper"_s, u"你记得我叫什么吗"_s});
+    EXPECT_EQ(again.code, 0);
+    EXPECT_TRUE(again.types().contains(u"memories"_s));
+    EXPECT_EQ(again.events().front().at("conversationId"), events.front().at("conversationId"));
+    EXPECT_EQ(again.events().back().at("charged"), 1);
+
+    const auto crisis = run({u"chat"_s, u"--incognito"_s, u"--jsonl"_s, u"我不想活了"_s});
+    EXPECT_TRUE(crisis.types().contains(u"safety"_s));
+    EXPECT_EQ(look(u"/api/app/conversations"_s, m_token).at("conversations").as_array().size(), 1u);
+}
+
+TEST_F(TerminalTest, EveryOutcomeHasItsCodeAndItsSentence) {
+    struct Case {
+        QByteArray fault;
+        int code;
+        QString sentence;
+        std::string state;
+        std::size_t charged;
+    };
+    const auto stream = [](const QByteArray &rest) {
+        return R"({"route":"/relay/chat/stream","times":1,)" + rest + "}";
+    };
+    std::size_t charged = 0;
+    for (const auto &one : std::initializer_list<Case>{
+             {stream(R"("status":402,"body":{"error":"insufficient_pip"})"), 1,
+              u"本次结果与结算尚未确认。输入已保留在对话中，请先查看账单。"_s, "failed", 0},
+             {stream(R"("status":503,"body":{"error":"relay_unconfigured"})"), 1,
+              u"对话服务暂时未接通。你的输入已保留，可以稍后重试。"_s, "failed", 0},
+             {stream(R"("status":500)"), 4, u"连接中断，已收到的内容保留。尚未确认本次结算，请先查看账单。"_s,
+              "unknown", 0},
+             {stream(R"("cutAfterEvents":2)"), 4, u"连接中断，已收到的内容保留。尚未确认本次结算，请先查看账单。"_s,
+              "unknown", 0},
+             {stream(R"("noDone":true)"), 4, u"连接已结束，尚未确认本次结果与结算。已收到的内容保留，请先查看账单。"_s,
+              "unknown", 0},
+             {stream(R"("abort":true)"), 4, u"连接已结束，尚未确认本次结果与结算。已收到的内容保留，请先查看账单。"_s,
+              "unknown", 0},
+             {stream(R"("empty":true)"), 0,
+              u"这一轮没吐出内容。钱已经按这一轮算过了，所以不自动重试（重试会再扣一次）——换个说法再问一次。"_s,
+              "submitted", 1},
+             {stream(R"("garbage":true)"), 0, {}, "submitted", 1},
+             {stream(R"("chunkBytes":1)"), 0, {}, "submitted", 1},
+             {stream(R"("status":404)"), 0, {}, "submitted", 1},
+             {R"({"route":"/relay/chat*","times":2,"status":404})", 4,
+              u"连接中断，结果与结算尚未确认。输入已保留在对话中，请先查看账单。"_s, "unknown", 0},
+         }) {
+        fault(one.fault);
+        const auto plain = run({u"chat"_s, u"说点什么"_s});
+        EXPECT_EQ(plain.code, one.code) << one.fault.constData() << plain.err.toStdString();
+        EXPECT_TRUE(plain.err.contains(one.sentence)) << one.fault.constData() << plain.err.toStdString();
+        EXPECT_EQ(lastState(), one.state) << one.fault.constData();
+        charged += one.charged;
+        EXPECT_EQ(charges(), charged) << one.fault.constData();
+    }
+}
+
+TEST_F(TerminalTest, FailedSaveIsANoteAndADraft) {
+    fault(R"({"route":"/app/conversation/sync","times":-1,"status":500})");
+    const auto turn = run({u"chat"_s, u"--jsonl"_s, u"别丢了我"_s});
+    EXPECT_EQ(turn.code, 0);
+    EXPECT_TRUE(turn.err.contains(u"尚未同步，草稿已保存在本机，连接恢复后可重试。"_s)) << turn.err.toStdString();
+    const auto listed = run({u"conversations"_s, u"list"_s});
+    EXPECT_TRUE(listed.out.contains(u"草稿"_s)) << listed.out.toStdString();
+    const auto id = QString::fromStdString(std::string(turn.events().front().at("conversationId").as_string()));
+    EXPECT_TRUE(run({u"conversations"_s, u"show"_s, id}).out.contains(u"别丢了我"_s));
+
+    fault({});
+    EXPECT_EQ(run({u"chat"_s, u"--conversation"_s, id, u"现在呢"_s}).code, 0);
+    EXPECT_EQ(look(u"/api/app/conversations"_s, m_token).at("conversations").as_array().size(), 1u);
+    EXPECT_FALSE(run({u"conversations"_s, u"list"_s}).out.contains(u"草稿"_s));
+}
+
+TEST_F(TerminalTest, CtrlCStopsTheReplyAndKeepsIt) {
+    fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
+    QProcess program;
+    start(program, {u"chat"_s, u"--jsonl"_s, u"慢慢说"_s}, m_token);
+    program.closeWriteChannel();
+    QByteArray out;
+    while (!out.contains("\"delta\"") && program.waitForReadyRead(20'000))
+        out += program.readAllStandardOutput();
+    ASSERT_TRUE(out.contains("\"delta\""));
+    ::kill(pid_t(program.processId()), SIGINT);
+    const auto stopped = finish(program);
+    EXPECT_EQ(stopped.code, 130);
+    const auto last = stopped.events().back();
+    EXPECT_EQ(last.at("type"), "turn.failed");
+    EXPECT_EQ(last.at("state"), "unknown");
+    EXPECT_EQ(last.at("reason"), "正在停止等待；已确认的结果会保留");
+    EXPECT_EQ(lastState(), "unknown");
+    EXPECT_EQ(charges(), 0u);
+}
+
+TEST_F(TerminalTest, WhoIsThere) {
+    EXPECT_TRUE(run({u"whoami"_s}).out.contains(u"13900000001"_s));
+    EXPECT_EQ(run({u"whoami"_s}, {}, u""_s).code, 3);
+    EXPECT_EQ(run({u"whoami"_s}, {}, u"wrong"_s).code, 3);
+    EXPECT_EQ(run({u"chat"_s, u"你好"_s}, {}, u"wrong"_s).code, 3);
+    // A token that cannot be verified is used all the same; the turn tells.
+    fault(R"({"route":"/app/auth/me","times":-1,"status":500})");
+    EXPECT_EQ(run({u"chat"_s, u"你好"_s}).code, 0);
+}
+
+TEST_F(TerminalTest, SignInLeavesNothingInClear) {
+    const auto code = [&](const QString &phone) {
+        auto api = client();
+        api.base = QUrl(m_site.toString() + u"/api"_s);
+        return await(AuthService(api).sendSms({.phone = phone, .dialCode = u"+86"_s}))->devCode->toUtf8();
+    };
+    Q_UNUSED(code);
+    const auto in = run({u"sign-in"_s, u"--phone"_s, u"139-0000 0002"_s}, "\n", u""_s);
+    EXPECT_EQ(in.code, 0) << in.err.toStdString();
+    EXPECT_TRUE(in.err.contains(u"开发环境已自动填入验证码"_s));
+    EXPECT_EQ(run({u"sign-in"_s, u"--phone"_s, u"1390000000"_s}, "\n", u""_s).code, 2);
+    const auto registered =
+        run({u"sign-in"_s, u"--email"_s, u"a@b.example"_s, u"--register"_s}, "\nlong-Secret-77\n", u""_s);
+    EXPECT_EQ(registered.code, 0) << registered.err.toStdString();
+    const auto secret = run({u"sign-in"_s, u"--email"_s, u"a@b.example"_s}, "long-Secret-77\n", u""_s);
+    EXPECT_EQ(secret.code, 0) << secret.err.toStdString();
+    EXPECT_EQ(run({u"sign-in"_s, u"--email"_s, u"a@b.example"_s}, "wrong\n", u""_s).code, 1);
+    QDirIterator files(m_home.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        EXPECT_FALSE(bytes.contains("sbx_")) << file.fileName().toStdString();
+        EXPECT_FALSE(bytes.contains("long-Secret-77")) << file.fileName().toStdString();
+    }
+}
+
+TEST_F(TerminalTest, CrisisLeavesNoTrace) {
+    const auto page = run({u"crisis"_s, u"cn"_s});
+    EXPECT_EQ(page.code, 0);
+    EXPECT_TRUE(page.out.contains(u"真人热线置顶 · 不用登录 · 不记录你来过"_s));
+    EXPECT_TRUE(look(u"/sandbox/telemetry"_s).at("events").as_array().empty());
+    EXPECT_FALSE(QDir(m_home.filePath(u"data"_s)).exists());
+
+    QProcess dead;
+    dead.setProcessEnvironment(environment());
+    dead.start(QCoreApplication::applicationDirPath() + u"/lumenpair"_s,
+               {u"--site"_s, u"http://127.0.0.1:1"_s, u"crisis"_s});
+    const auto offline = finish(dead);
+    EXPECT_EQ(offline.code, 1);
+    EXPECT_TRUE(offline.out.contains(u"清单没读到（网络连接失败，请检查网络后重试）。"_s)) << offline.out.toStdString();
+}
+
+TEST_F(TerminalTest, UsageErrors) {
+    for (const QStringList &arguments : {QStringList{u"chat"_s, u"-c"_s, u"--incognito"_s},
+                                         {u"chat"_s, u"--conversation"_s, u"x"_s, u"--incognito"_s},
+                                         {u"sign-in"_s},
+                                         {u"nonsense"_s},
+                                         {u"--profile"_s, u"../x"_s, u"whoami"_s}})
+        EXPECT_EQ(run(arguments).code, 2) << arguments.join(u' ').toStdString();
+    const auto odd = run({u"chat"_s, u"--conversation"_s, u"a b"_s, u"你好"_s});
+    EXPECT_EQ(odd.code, 1);
+    EXPECT_TRUE(odd.err.contains(u"地址不合法"_s)) << odd.err.toStdString();
+}
+
+TEST_F(TerminalTest, AReaderWhoLeavesIsNoError) {
+    QProcess shell;
+    auto env = environment();
+    env.insert(u"LMP_TOKEN"_s, m_token);
+    shell.setProcessEnvironment(env);
+    shell.start(u"/bin/sh"_s, {u"-c"_s, u"\"$0\" --site \"$1\" chat 你好 | true; echo"_s,
+                               QCoreApplication::applicationDirPath() + u"/lumenpair"_s, m_site.toString()});
+    EXPECT_EQ(finish(shell).code, 0);
+    EXPECT_TRUE(eventually([&] { return charges() == 1; }));
+    EXPECT_EQ(lastState(), "submitted");
+}
+
+} // namespace lmp
