@@ -5,6 +5,7 @@
 #include "SandboxRouter.h"
 #include "SandboxServices.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <httplib.h>
 #include <sqlite3.h>
@@ -171,6 +172,9 @@ void SandboxServer::Endpoint::serve(const httplib::Request &http, httplib::Respo
         request.path = http.path;
         if (const auto mark = http.target.find('?'); mark != std::string::npos)
             request.query = parseFields(std::string_view(http.target).substr(mark + 1), false);
+        if (std::any_of(request.query.begin(), request.query.end(),
+                        [](const auto &field) { return !isUtf8(field.second); }))
+            throw SandboxFailure(400, "bad_request", "请求地址里有无效的文字。");
         request.token = tokenOf(http);
         request.body = std::move(body);
         auto answer = answerTo(request);
