@@ -142,7 +142,7 @@ void addGuestTrial(SandboxRouter &router, SandboxServices &services) {
         const JsonFields fields(body);
         const auto token = fields.text("guestToken");
         TwinContext context;
-        context.messages = {{"user", fields.text("message", 64 * 1024)}};
+        context.messages = {{"user", fields.text("message", 65536)}};
         context.crisisLayer = CrisisDetector::layerOf(context.userText());
         context.incognito = true;
         services.guests.requireRound(token);

@@ -16,6 +16,9 @@ void addControlRoutes(SandboxRouter &router, SandboxServices &services) {
         services.faults.clear();
         return SandboxAnswer::json(services.faults.toJson());
     });
+    router.get("/sandbox/status", [&services](const SandboxRequest &) {
+        return SandboxAnswer::json({{"streams", services.slots.taken()}, {"model", services.voice.modelName()}});
+    });
     router.get("/sandbox/charges", [&services](const SandboxRequest &request) {
         return SandboxAnswer::json(services.ledger.statement(services.tokens.userOf(request)));
     });

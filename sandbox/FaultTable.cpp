@@ -30,7 +30,9 @@ std::optional<FaultRule> FaultTable::take(const std::string &path) {
     if (found == m_rules.end())
         return std::nullopt;
     FaultRule rule = *found;
-    if (found->times > 0 && --found->times == 0)
+    if (found->times > 0)
+        --found->times;
+    if (found->times == 0)
         m_rules.erase(found);
     return rule;
 }

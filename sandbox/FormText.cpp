@@ -44,6 +44,32 @@ FormFields parseFields(std::string_view text, bool plusIsBlank) {
     return fields;
 }
 
+bool isUtf8(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t size = lead < 0x80   ? 1
+                                 : lead < 0xC2 ? 0
+                                 : lead < 0xE0 ? 2
+                                 : lead < 0xF0 ? 3
+                                 : lead < 0xF5 ? 4
+                                               : 0;
+        if (size == 0 || i + size > text.size())
+            return false;
+        unsigned int point = size == 1 ? lead : lead & (0xFFU >> (size + 1));
+        for (std::size_t k = 1; k < size; ++k) {
+            const auto next = static_cast<unsigned char>(text[i + k]);
+            if ((next & 0xC0U) != 0x80U)
+                return false;
+            point = (point << 6) | (next & 0x3FU);
+        }
+        const bool overlong = (size == 3 && point < 0x800) || (size == 4 && point < 0x10000);
+        if (overlong || (point >= 0xD800 && point <= 0xDFFF) || point > 0x10FFFF)
+            return false;
+        i += size;
+    }
+    return true;
+}
+
 std::string percentEncoded(std::string_view text) {
     static constexpr char hex[] = "0123456789ABCDEF";
     std::string result;

@@ -13,6 +13,9 @@ using FormFields = std::map<std::string, std::string>;
 /// query strings arrive as they stand.
 FormFields parseFields(std::string_view text, bool plusIsBlank);
 
+/// False for bytes that are no UTF-8 text: echoed in an answer they would spoil its JSON.
+bool isUtf8(std::string_view text);
+
 /// `text` with everything but unreserved characters escaped.
 std::string percentEncoded(std::string_view text);
 

@@ -52,10 +52,11 @@ std::vector<std::string> HandleRules::candidates(const SandboxAccount &account) 
         if (isHandleByte(c) && base.size() < 14)
             base += c;
     if (base.empty() || !isLetter(base.front()))
-        base = "u" + base;
+        base.insert(0, 1, 'u');
     const auto tail = account.id.substr(account.id.size() - 4);
+    const std::string withTail = base + "_" + tail;
     std::vector<std::string> result;
-    for (const auto &candidate : {base, base + "_" + tail, "hi_" + base, base + tail, "lmp_" + tail})
+    for (const auto &candidate : {base, withTail, "hi_" + base, base + tail, "lmp_" + tail})
         if (objection(candidate).empty())
             result.push_back(candidate);
     return result;

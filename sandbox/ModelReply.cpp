@@ -7,8 +7,8 @@ namespace lmp::sandbox {
 
 namespace {
 
-constexpr std::size_t longestLine = 1 << 20;
-constexpr std::size_t longestReply = 256 * 1024;
+constexpr std::size_t longestLine = 1UL << 20;
+constexpr std::size_t longestReply = 256UL * 1024;
 constexpr int connectSeconds = 10;
 constexpr int silenceSeconds = 60;
 

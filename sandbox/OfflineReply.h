@@ -16,6 +16,7 @@ private:
     std::vector<std::string> m_pieces;
     std::size_t m_at = 0;
     std::chrono::milliseconds m_pace;
+    std::chrono::steady_clock::time_point m_due = std::chrono::steady_clock::now();
     const StopSignal &m_stop;
 };
 

@@ -47,8 +47,8 @@ SandboxAnswer plain(SandboxServices &services, const SandboxRequest &request) {
     answer["model"] = services.voice.modelName();
     if (!turn->usedMemories().empty())
         answer["usedMemories"] = turn->usedMemories();
-    if (turn->safety())
-        answer["safety"] = *turn->safety();
+    if (const auto &safety = turn->safety())
+        answer["safety"] = *safety;
     return SandboxAnswer::json(answer);
 }
 

@@ -28,7 +28,9 @@ RelayStream::Step RelayStream::advance(const ByteSink &sink) {
     switch (m_stage) {
     case Stage::safety:
         m_stage = Stage::reply;
-        return m_turn->safety() ? send(sink, {{"safety", *m_turn->safety()}}) : Step::more;
+        if (const auto &safety = m_turn->safety())
+            return send(sink, {{"safety", *safety}});
+        return Step::more;
     case Stage::reply:
         return sendReply(sink);
     case Stage::memories:

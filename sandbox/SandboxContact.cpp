@@ -1,5 +1,6 @@
 #include "SandboxContact.h"
 
+#include "FormText.h"
 #include "SandboxFailure.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ std::string normalizedEmail(const std::string &email) {
         text += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     const auto at = text.find('@');
     const bool usable = at != std::string::npos && at > 0 && at + 1 < text.size() && text.rfind('@') == at &&
-                        text.size() <= 254 &&
+                        text.size() <= 254 && isUtf8(text) &&
                         std::none_of(text.begin(), text.end(), [](unsigned char c) { return c <= ' ' || c == 127; });
     if (!usable)
         throw SandboxFailure(400, "email_invalid", "邮箱地址不对，请核对后再试。");

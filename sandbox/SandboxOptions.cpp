@@ -80,7 +80,7 @@ SandboxOptions::parse(const std::vector<std::string> &arguments) {
         else if (flag == "--google-client-id")
             options.googleClientIds.push_back(value);
         else if (!readNumber(value, number->second.low, number->second.high, *number->second.target))
-            return "参数 " + flag + " 的值不对：" + value;
+            return std::string("参数 ").append(flag).append(" 的值不对：").append(value);
     }
     return options;
 }

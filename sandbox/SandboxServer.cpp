@@ -5,6 +5,7 @@
 #include "SandboxRouter.h"
 #include "SandboxServices.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <httplib.h>
 #include <sqlite3.h>
@@ -76,7 +77,7 @@ private:
     void configure();
     void serve(const httplib::Request &request, httplib::Response &response, std::string body);
     SandboxAnswer answerTo(SandboxRequest &request);
-    SandboxAnswer faultyAnswer(SandboxRequest &request);
+    SandboxAnswer faultyAnswer(const SandboxRequest &request, const FaultRule &fault);
     void requireLocal(const httplib::Request &request) const;
     void readAndServe(const httplib::Request &request, httplib::Response &response,
                       const httplib::ContentReader &reader);
@@ -171,6 +172,9 @@ void SandboxServer::Endpoint::serve(const httplib::Request &http, httplib::Respo
         request.path = http.path;
         if (const auto mark = http.target.find('?'); mark != std::string::npos)
             request.query = parseFields(std::string_view(http.target).substr(mark + 1), false);
+        if (std::any_of(request.query.begin(), request.query.end(),
+                        [](const auto &field) { return !isUtf8(field.second); }))
+            throw SandboxFailure(400, "bad_request", "请求地址里有无效的文字。");
         request.token = tokenOf(http);
         request.body = std::move(body);
         auto answer = answerTo(request);
@@ -193,11 +197,10 @@ SandboxAnswer SandboxServer::Endpoint::answerTo(SandboxRequest &request) {
     // The switch itself must stay within reach whatever is switched on.
     if (request.path != "/sandbox/faults")
         request.fault = m_services.faults.take(request.path);
-    return request.fault ? faultyAnswer(request) : m_router.answer(request);
+    return request.fault ? faultyAnswer(request, *request.fault) : m_router.answer(request);
 }
 
-SandboxAnswer SandboxServer::Endpoint::faultyAnswer(SandboxRequest &request) {
-    const auto &fault = *request.fault;
+SandboxAnswer SandboxServer::Endpoint::faultyAnswer(const SandboxRequest &request, const FaultRule &fault) {
     if (fault.delayMs > 0 && m_services.stop.wait(std::chrono::milliseconds(fault.delayMs)))
         throw SandboxFailure(503, "stopping", "服务正在关闭。");
     if (!fault.replacesAnswer())

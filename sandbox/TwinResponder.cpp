@@ -71,9 +71,11 @@ TwinResponder::Reply TwinResponder::reply(const TwinContext &context) {
                                          &TwinResponder::spokeOfFeeling,
                                          &TwinResponder::askedForKnowledge};
     std::optional<std::string> text;
-    for (const auto intent : intents)
-        if ((text = (responder.*intent)()))
+    for (const auto intent : intents) {
+        text = (responder.*intent)();
+        if (text)
             break;
+    }
     if (!text)
         text = responder.takenUp();
     const bool introduced = std::any_of(context.messages.begin(), context.messages.end(), [](const ChatTurn &turn) {
@@ -183,7 +185,7 @@ std::optional<std::string> TwinResponder::learned() {
     std::string said;
     for (const auto &memory : m_context.fresh)
         said += (said.empty() ? "" : "，") + memory.content;
-    const std::string keeping = m_context.incognito ? "这是无痕对话，聊完我不会留下。" : "我记下了：你" + said + "。";
+    std::string keeping = m_context.incognito ? "这是无痕对话，聊完我不会留下。" : "我记下了：你" + said + "。";
     if (first.slot == "name") {
         const auto called = shortened(first.content.substr(std::string_view("叫").size()), 16);
         return called + "，你好。" + keeping +

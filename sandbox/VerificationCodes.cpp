@@ -9,7 +9,7 @@ namespace lmp::sandbox {
 
 namespace {
 
-constexpr std::int64_t lifetimeMs = 5 * 60 * 1000;
+constexpr std::int64_t lifetimeMs = 300'000;
 constexpr int mostAttempts = 5;
 
 enum class Outcome { accepted, wrong, expired, exhausted };

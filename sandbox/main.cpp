@@ -2,6 +2,7 @@
 #include "SandboxServer.h"
 
 #include <boost/json.hpp>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -29,7 +30,7 @@ void endWithParent() {
 /// A request that will not end may not keep the program alive.
 void endSoon() {
     std::thread([] {
-        std::this_thread::sleep_for(std::chrono::seconds(2));
+        std::this_thread::sleep_for(std::chrono::seconds(1));
         std::_Exit(0);
     }).detach();
 }
