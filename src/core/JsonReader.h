@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/JsonFailure.h"
+#include "core/JsonRest.h"
 #include "core/JsonTypeName.h"
 
 #include <boost/describe.hpp>
@@ -136,23 +137,44 @@ private:
         if (!object)
             return mismatch<R>(at);
         bool good = true;
+        std::size_t known = 0;
         // Services write keys in one order, mostly ours: the next key is tried before the object is searched.
         auto next = object->begin();
         boost::mp11::mp_for_each<boost::describe::describe_members<R, boost::describe::mod_public>>([&](auto D) {
             if (!good)
                 return;
             constexpr std::string_view name(D.name);
-            auto found = next != object->end() && next->key() == name ? next : object->find(name);
-            if (found == object->end()) {
-                using Member = std::remove_cvref_t<decltype(to.*D.pointer)>;
-                if constexpr (!IsOptional<Member>::value)
-                    good = missing(at, name);
-                return;
+            using Member = std::remove_cvref_t<decltype(to.*D.pointer)>;
+            if constexpr (std::is_same_v<Member, JsonRest>) {
+                if (known < object->size())
+                    (to.*D.pointer).keys = restOf<R>(*object);
+            } else {
+                auto found = next != object->end() && next->key() == name ? next : object->find(name);
+                if (found == object->end()) {
+                    if constexpr (!IsOptional<Member>::value)
+                        good = missing(at, name);
+                    return;
+                }
+                ++known;
+                good = read(found->value(), to.*D.pointer, JsonPlace{&at, name, -1});
+                next = found + 1;
             }
-            good = read(found->value(), to.*D.pointer, JsonPlace{&at, name, -1});
-            next = found + 1;
         });
         return good;
+    }
+
+    /// What is left of an object beside the fields of `R`, in ordinary memory.
+    template <class R>
+    static std::shared_ptr<const boost::json::object> restOf(const boost::json::object &object) {
+        auto rest = std::make_shared<boost::json::object>();
+        for (const auto &[key, value] : object) {
+            bool field = false;
+            boost::mp11::mp_for_each<boost::describe::describe_members<R, boost::describe::mod_public>>(
+                [&](auto D) { field = field || std::string_view(key.data(), key.size()) == D.name; });
+            if (!field)
+                rest->emplace(key, boost::json::value(value, boost::json::storage_ptr()));
+        }
+        return rest;
     }
 
     template <class T>

@@ -9,6 +9,18 @@
 
 namespace lmp::detail {
 
+void JsonWriter::writeRest(const JsonRest &rest, bool &first) {
+    if (!rest.keys)
+        return;
+    for (const auto &[key, value] : *rest.keys) {
+        if (!std::exchange(first, false))
+            text += ',';
+        writeString(QString::fromUtf8(key.data(), qsizetype(key.size())));
+        text += ':';
+        writeValue(value);
+    }
+}
+
 void JsonWriter::writeInteger(qint64 value) {
     char digits[24];
     const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;

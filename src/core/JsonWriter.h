@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/JsonRest.h"
 #include "core/JsonTypeName.h"
 
 #include <QByteArray>
@@ -83,17 +84,22 @@ private:
         bool first = true;
         boost::mp11::mp_for_each<boost::describe::describe_members<R, boost::describe::mod_public>>([&](auto D) {
             const auto &member = record.*D.pointer;
-            if constexpr (IsOptional<std::remove_cvref_t<decltype(member)>>::value) {
-                if (!member)
-                    return;
+            if constexpr (std::is_same_v<std::remove_cvref_t<decltype(member)>, JsonRest>) {
+                writeRest(member, first);
+            } else {
+                if constexpr (IsOptional<std::remove_cvref_t<decltype(member)>>::value) {
+                    if (!member)
+                        return;
+                }
+                text += std::exchange(first, false) ? "\"" : ",\"";
+                text.append(D.name) += "\":";
+                write(member);
             }
-            text += std::exchange(first, false) ? "\"" : ",\"";
-            text.append(D.name) += "\":";
-            write(member);
         });
         text += '}';
     }
 
+    void writeRest(const JsonRest &rest, bool &first);
     void writeInteger(qint64 value);
     void writeReal(double value);
     void writeString(const QString &value);
