@@ -17,13 +17,15 @@ class PoolAwaiter {
 public:
     using Value = std::invoke_result_t<F>;
 
-    explicit PoolAwaiter(F work)
-        : m_work(std::move(work)) {}
+    /// @param pool where it runs; a pool of one thread runs things in the order in which they were given
+    explicit PoolAwaiter(F work, QThreadPool *pool = QThreadPool::globalInstance())
+        : m_work(std::move(work))
+        , m_pool(pool) {}
 
     bool await_ready() const noexcept { return false; }
     void await_suspend(std::coroutine_handle<> handle) {
         m_handle = handle;
-        QThreadPool::globalInstance()->start([work = std::move(m_work), waiting = m_waiting, this]() mutable {
+        m_pool->start([work = std::move(m_work), waiting = m_waiting, this]() mutable {
             auto value = std::make_shared<Value>(work());
             // The receiver lives on the waiting thread and dies with the frame; the call is then dropped with it.
             QMetaObject::invokeMethod(
@@ -39,6 +41,7 @@ public:
 
 private:
     F m_work;
+    QThreadPool *m_pool;
     std::coroutine_handle<> m_handle;
     std::optional<Value> m_value;
     std::shared_ptr<QObject> m_waiting{new QObject, [](QObject *object) {
