@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+#include <boost/describe.hpp>
+
+namespace lmp {
+
+/// A number that a person in distress can call.
+struct CrisisResource {
+    QString label;
+    QString phone;
+    bool operator==(const CrisisResource &) const = default;
+};
+BOOST_DESCRIBE_STRUCT(CrisisResource, (), (label, phone))
+
+} // namespace lmp
