@@ -12,17 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-APIError errorOf(HTTPExchange::End end, APIError::Session session) {
-    switch (end) {
-    case HTTPExchange::End::TimedOut:
-        return APIError::timedOut(session);
-    case HTTPExchange::End::NotHTTP:
-        return APIError::invalidResponse();
-    default:
-        return APIError::network();
-    }
-}
-
 /// Ends `exchange` when a stop is requested, on whichever thread that happens.
 struct StopExchange {
     HTTPExchange *exchange;
@@ -79,7 +68,6 @@ QCoro::Task<Result<APIClient::Answer>> APIClient::send(Call call, qint64 maxByte
 
 QCoro::Task<Result<APIClient::Answer>> APIClient::exchange(HTTPExchange::Request request, URLSession session,
                                                            qint64 maxBytes, std::stop_token stop) {
-    const auto kind = session.kind;
     // Left to the event loop at the end: the coroutine may be resumed from one of its own signals.
     const std::unique_ptr<HTTPExchange, void (*)(HTTPExchange *)> running(
         new HTTPExchange(std::move(request), std::move(session), maxBytes), [](HTTPExchange *e) { e->deleteLater(); });
@@ -92,7 +80,7 @@ QCoro::Task<Result<APIClient::Answer>> APIClient::exchange(HTTPExchange::Request
     // The status of an answer that is too long to read is known all the same, and says more than its body.
     if (end == HTTPExchange::End::TooLarge)
         co_return Answer{*status, {}};
-    co_return std::unexpected(errorOf(end, kind));
+    co_return std::unexpected(*running->failure());
 }
 
 QCoro::Task<Result<APIClient::Answer>> APIClient::refused(APIError error) {

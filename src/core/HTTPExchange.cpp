@@ -55,6 +55,19 @@ void HTTPExchange::stop() {
     QMetaObject::invokeMethod(this, [this] { finish(End::Stopped); }, Qt::QueuedConnection);
 }
 
+std::optional<APIError> HTTPExchange::failure() const {
+    if (!m_end || *m_end == End::Complete)
+        return std::nullopt;
+    switch (*m_end) {
+    case End::TimedOut:
+        return APIError::timedOut(m_session.kind);
+    case End::NotHTTP:
+        return APIError::invalidResponse();
+    default:
+        return APIError::network();
+    }
+}
+
 QByteArray HTTPExchange::take() {
     QByteArray bytes = std::exchange(m_rest, {});
     if (m_reply)

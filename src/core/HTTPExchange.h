@@ -52,6 +52,8 @@ public:
     std::optional<int> status() const { return m_status; }
     /// Set once it has ended.
     std::optional<End> end() const { return m_end; }
+    /// Why it ended without a whole answer, in the words of its session; none while it runs and when it is complete.
+    std::optional<APIError> failure() const;
     /// What has arrived and was not taken yet.
     QByteArray take();
 
