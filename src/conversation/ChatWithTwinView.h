@@ -1,17 +1,20 @@
 #pragma once
 
-#include "conversation/ChatStreamFrame.h"
 #include "conversation/ConversationSendScope.h"
 #include "conversation/ConversationSession.h"
-#include "conversation/RelayChatResponse.h"
 #include "conversation/TurnOutcome.h"
+#include "conversation/TwinReplyRetry.h"
 #include "core/SSEClient.h"
 #include "identity/SafetyGateStore.h"
 
-#include <QPointer>
 #include <QVariantMap>
 
+#include <memory>
+
 namespace lmp {
+
+struct ChatStreamFrame;
+struct ChatTurn;
 
 /// The chat with one's twin: one turn at a time, from the input to a reply that is known, refused or not known.
 ///
@@ -19,16 +22,26 @@ namespace lmp {
 /// may have been charged is never sent again by itself, and what arrives for a turn that is no longer the current one
 /// is dropped. Failures are sentences in `errorText` and in the turn's outcome.
 ///
-/// Signals are the last thing a step does; a slot may stop the turn, open another conversation or delete the view.
+/// Signals are the last thing a step does: a slot may stop the turn, open another conversation or delete the view.
 class ChatWithTwinView : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool sending READ sending NOTIFY stateChanged)
     Q_PROPERTY(bool awaitingReply READ awaitingReply NOTIFY stateChanged)
 public:
-    /// Where stability events go.
+    using Reference = ConversationMessageDelivery::Reference;
+    /// Where product and stability events go.
     using Recorder = std::function<void(const QString &event, const QString &subjectType, const QString &subjectId,
                                         const QVariantMap &props)>;
-    using Reference = ConversationMessageDelivery::Reference;
+    struct FeedbackReq {
+        QString polarity; ///< "positive" or "negative"
+        std::optional<QString> reason = {};
+        QString conversationId = {};
+        QString messageId = {};
+        std::optional<QString> requestId = {};
+    };
+    struct OkResp {
+        std::optional<bool> ok;
+    };
     /// What else is under way on the screen, and holds an input back.
     struct Elsewhere {
         bool call = false;
@@ -57,13 +70,31 @@ public:
     bool awaitingReply() const { return m_turn != nullptr; }
     std::optional<Reference> activeSend() const;
     const std::optional<QString> &errorText() const { return m_errorText; }
-    std::optional<qint64> lastCharge() const { return m_lastCharge; } ///< Pip of the last turn
+    std::optional<qint64> lastCharge() const { return m_lastCharge; } ///< Pip, of the last turn
     std::optional<qint64> balance() const { return m_balance; }       ///< Pip
     const std::optional<QList<UsedMemory>> &showUsed() const { return m_showUsed; }
+    const QMap<QString, QString> &feedback() const { return m_feedback; } ///< polarity by message id
+    const std::optional<QString> &reasonsOpenFor() const { return m_reasonsOpenFor; }
 
     /// Opens the sheet of the memories that a reply drew on, if it drew on any.
     void openUsed(const QString &messageId);
     void closeUsed();
+
+    /// The reasons of a negative feedback, in the order in which they are offered.
+    static QStringList feedbackReasons();
+    void likeReply(const QString &messageId);
+    void openReasons(const QString &messageId);
+    void closeReasons();
+    /// @param reason one of `feedbackReasons`; any other is not sent
+    void dislikeReply(const QString &messageId, const QString &reason);
+
+    /// The retry of a reply or of a failed message; it and a turn exclude each other.
+    const TwinReplyRetry &retry() const { return m_retry; }
+    /// Asks for another answer to the message that a reply answered.
+    /// @return the sentence that says why not, or none when the retry is under way
+    std::optional<QString> retryReply(const QString &twinMessageId);
+    /// Asks for an answer to a failed message, edited or as it was. @return as above
+    std::optional<QString> retryMessage(const QString &userMessageId, std::optional<QString> editedInput = {});
 
 Q_SIGNALS:
     /// Any of the state above.
@@ -72,30 +103,52 @@ Q_SIGNALS:
     /// The next piece of the reply, as soon as it is there.
     void deltaReceived(const QString &text);
     void memoriesReceived(const QList<lmp::UsedMemory> &used);
-    /// Exactly one of these ends a turn, after its state is in the conversation and before it is saved; a turn that is
-    /// no longer current ends with neither.
+    /// Exactly one of these ends a turn, with its state in the conversation and its save begun (the session's
+    /// `saveEnded` comes later). A turn that is no longer current ends with neither.
     void turnCompleted(const lmp::TurnOutcome &outcome);
     void turnFailed(const lmp::TurnOutcome &outcome);
+    /// A retry ended: `text` is the sentence shown, or null when the new reply is in the conversation.
+    void retryEnded(const QString &messageId, const QString &text);
 
 private:
-    struct Turn;
+    using TurnPtr = std::shared_ptr<ChatTurn>;
+    enum class Step { More, Done, Aborted };
 
-    QCoro::Task<> run(std::shared_ptr<Turn> turn);
-    QCoro::Task<> runPlain(std::shared_ptr<Turn> turn);
-    bool isCurrent(const std::shared_ptr<Turn> &turn) const;
-    void abandon();
+    std::optional<QString> refusal(const QString &text, ConversationSendScope scope) const;
+    QCoro::Task<> run(TurnPtr turn);
+    QCoro::Task<> runPlain(TurnPtr turn);
+    /// Whether the turn may still write; one that may not is let go of.
+    bool isCurrent(const TurnPtr &turn);
+    Step take(const TurnPtr &turn, const QByteArray &data);
+    /// Takes over what a frame, or a whole answer, says.
+    void absorb(const TurnPtr &turn, const ChatStreamFrame &frame);
+    void grow(const TurnPtr &turn, const QString &delta);
+    void showSafety(const std::optional<boost::json::value> &safety,
+                    const std::optional<boost::json::value> &continuousUse);
+    void failStream(const TurnPtr &turn, const APIError &error);
+    void complete(const TurnPtr &turn);
+    void conclude(const TurnPtr &turn, TurnOutcome outcome);
+    void release();
+    void onOpened();
+    void choose(FeedbackReq request, const QString &event);
+    QCoro::Task<> postFeedback(FeedbackReq request);
 
     ConversationSession &m_session;
     SafetyGateStore &m_safety;
     APIClient m_api;
     SSEClient m_events;
     Recorder m_recorder;
+    TwinReplyRetry m_retry;
 
-    std::shared_ptr<Turn> m_turn; ///< the one under way
+    TurnPtr m_turn; ///< the one under way
     std::optional<QString> m_errorText;
     std::optional<qint64> m_lastCharge;
     std::optional<qint64> m_balance;
     std::optional<QList<UsedMemory>> m_showUsed;
+    QMap<QString, QString> m_feedback;
+    std::optional<QString> m_reasonsOpenFor;
 };
+BOOST_DESCRIBE_STRUCT(ChatWithTwinView::FeedbackReq, (), (polarity, reason, conversationId, messageId, requestId))
+BOOST_DESCRIBE_STRUCT(ChatWithTwinView::OkResp, (), (ok))
 
 } // namespace lmp

@@ -16,6 +16,8 @@ struct ConversationAccount {
     /// The identity of the current sign-in: another text after every sign-in and sign-out.
     std::function<QString()> generation;
 
+    /// The signed-in user's id, or none also where nobody tells.
+    std::optional<QString> current() const;
     /// The key of local records: the user's id, or "anonymous" when nobody is signed in.
     QString key() const;
     /// The current sign-in, or nothing where nobody tells.

@@ -72,14 +72,16 @@ public:
 
     /// Changes the open conversation; nothing happens when none is open. `changed` follows.
     void edit(const std::function<void(ConversationDTO &)> &change);
-    /// Adds `text` to the end of the last message if that is `messageId`: no search, no copy of what is there.
+    /// Adds `text` to the end of a message, at the price of `text` alone. `changed` does not follow: a growing reply is
+    /// followed by its pieces.
     void appendText(const QString &messageId, const QString &text);
 
     /// Keeps what there is now in the draft cache without waiting, so that a crash in the middle of a turn costs no
     /// input. Incognito: nothing.
     void keep();
     /// Sends the conversation to the service, after the save under way if there is one. `saveEnded` follows once, when
-    /// nothing more is to be saved, always through the event loop.
+    /// nothing more is to be saved, always through the event loop; it does not when another conversation is opened
+    /// first.
     void save();
 
 Q_SIGNALS:
@@ -89,8 +91,14 @@ Q_SIGNALS:
     void saveEnded(const lmp::ConversationSession::Saved &saved);
 
 private:
-    void adopt(ConversationDTO conversation, bool known);
-    QCoro::Task<> saveAll();
+    /// Puts away what is open.
+    void leave();
+    /// Opens what the service has, or what this machine kept; one of them is there.
+    void adopt(const std::optional<ConversationDTO> &copy, const std::optional<ConversationDraftCache::Entry> &draft,
+               Copy wanted);
+    void forgetDraft();
+    QCoro::Task<> saveOnce();
+    void settle(quint64 edits, std::optional<qint64> revision);
     void endSave(const Saved &saved);
 
     ConversationService m_service;

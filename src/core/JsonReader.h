@@ -151,17 +151,17 @@ private:
             if constexpr (std::is_same_v<Member, JsonRest>) {
                 if (known < object->size())
                     (to.*D.pointer).keys = restOf<R>(*object);
-                return;
+            } else {
+                auto found = next != object->end() && next->key() == name ? next : object->find(name);
+                if (found == object->end()) {
+                    if constexpr (!IsOptional<Member>::value)
+                        good = missing(at, name);
+                    return;
+                }
+                ++known;
+                good = read(found->value(), to.*D.pointer, JsonPlace{&at, name, -1});
+                next = found + 1;
             }
-            auto found = next != object->end() && next->key() == name ? next : object->find(name);
-            if (found == object->end()) {
-                if constexpr (!IsOptional<Member>::value)
-                    good = missing(at, name);
-                return;
-            }
-            ++known;
-            good = read(found->value(), to.*D.pointer, JsonPlace{&at, name, -1});
-            next = found + 1;
         });
         return good;
     }
