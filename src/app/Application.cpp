@@ -11,7 +11,8 @@ using namespace std::chrono_literals;
 
 Application::Application(Options options)
     : m_options(std::move(options))
-    , m_support(m_options.profile) {}
+    , m_support(m_options.profile)
+    , m_webAuth(m_opener, m_clock) {}
 
 Application::~Application() {
     Telemetry::install(nullptr);
@@ -77,6 +78,27 @@ ConversationAccount Application::account() const {
                 [auth] {
                     return auth ? QString::number(auth->authenticationGeneration()) : QString();
                 }};
+}
+
+std::unique_ptr<LoginModel> Application::makeLoginModel() {
+    if (const auto provider = googleProvider(); provider && !m_google)
+        m_google = std::make_unique<GoogleSignIn>(*provider, m_webAuth);
+    if (!m_apple)
+        m_apple = std::make_unique<AppleSignInCoordinator>();
+    return std::make_unique<LoginModel>(*m_auth, m_clock,
+                                        LoginModel::Providers{.google = m_google.get(), .apple = m_apple.get()});
+}
+
+std::optional<GoogleProvider> Application::googleProvider() const {
+    if (RequestURL::isLoopback(m_site.root))
+        return GoogleProvider::sandbox(m_site);
+    const QString clientId = QStringLiteral(LMP_GOOGLE_CLIENT_ID);
+    if (clientId.isEmpty())
+        return std::nullopt;
+    return GoogleProvider{.authorizationEndpoint = QUrl(u"https://accounts.google.com/o/oauth2/v2/auth"_s),
+                          .tokenEndpoint = QUrl(u"https://oauth2.googleapis.com/token"_s),
+                          .clientId = clientId,
+                          .clientSecret = QStringLiteral(LMP_GOOGLE_CLIENT_SECRET)};
 }
 
 QString Application::keychainSuffix() const {

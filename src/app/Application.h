@@ -4,12 +4,14 @@
 #include "conversation/ConversationAccount.h"
 #include "conversation/ConversationDraftCache.h"
 #include "core/AuthStore.h"
+#include "core/LoginModel.h"
 #include "core/SSEClient.h"
 #include "core/Site.h"
 #include "core/Telemetry.h"
 #include "identity/SafetyGateStore.h"
 #include "platform/ApplicationSupport.h"
 #include "platform/SystemClock.h"
+#include "platform/SystemOpener.h"
 
 #include <QObject>
 
@@ -56,12 +58,17 @@ public:
     SafetyGateStore &safety() { return m_safety; }
     Clock &clock() { return m_clock; }
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
+    /// The state of one sign-in, with the providers that this service has. The application outlives it.
+    std::unique_ptr<LoginModel> makeLoginModel();
+    WebAuthPresenter &webAuth() { return m_webAuth; }
     /// Who is signed in, as conversations ask for it.
     ConversationAccount account() const;
 
 private:
     QCoro::Task<std::expected<QString, QString>> findService();
     void makeStores();
+    /// Google's client of this deployment, or none where it has none.
+    std::optional<GoogleProvider> googleProvider() const;
     /// What sets this site's and profile's token apart in the keychain; empty for the ordinary ones.
     QString keychainSuffix() const;
 
@@ -75,6 +82,10 @@ private:
     std::unique_ptr<AuthStore> m_auth;
     std::unique_ptr<Telemetry> m_telemetry;
     SafetyGateStore m_safety;
+    SystemOpener m_opener;
+    WebAuthPresenter m_webAuth;
+    std::unique_ptr<GoogleSignIn> m_google;
+    std::unique_ptr<AppleSignInCoordinator> m_apple;
 };
 
 } // namespace lmp

@@ -4,7 +4,7 @@
 #include "terminal/AccountCommands.h"
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
-#include "terminal/SignInCommand.h"
+#include "terminal/GuestCommand.h"
 
 #include <csignal>
 
@@ -49,6 +49,7 @@ QCoro::Task<> TerminalApplication::main() {
     else
         m_console.error(opened.error());
     m_chat.reset();
+    m_signIn.reset();
     co_await m_application.close();
     QCoreApplication::exit(int(code));
 }
@@ -59,7 +60,10 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         m_chat = std::make_unique<ChatCommand>(m_application, m_console, m_input, m_line);
         return m_chat->run();
     case CommandLine::Command::SignIn:
-        return SignInCommand::run(&m_application, &m_console, &m_input, m_line);
+        if (m_line.guest)
+            return GuestCommand::run(&m_application, &m_console, &m_input);
+        m_signIn = std::make_unique<SignInCommand>(m_application, m_console, m_input, m_line);
+        return m_signIn->run();
     case CommandLine::Command::SignOut:
         return AccountCommands::signOut(&m_application, &m_console);
     case CommandLine::Command::WhoAmI:

@@ -4,6 +4,7 @@
 #include "terminal/ChatCommand.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Console.h"
+#include "terminal/SignInCommand.h"
 #include "terminal/SignalWatcher.h"
 #include "terminal/StandardInput.h"
 
@@ -34,7 +35,8 @@ private:
     StandardInput m_input;
     SignalWatcher m_signals;
     Application m_application;
-    std::unique_ptr<ChatCommand> m_chat; ///< while it runs
+    std::unique_ptr<ChatCommand> m_chat;     ///< while it runs
+    std::unique_ptr<SignInCommand> m_signIn; ///< while it runs
 };
 
 } // namespace lmp
