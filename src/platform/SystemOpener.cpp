@@ -1,0 +1,65 @@
+#include "platform/SystemOpener.h"
+
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// RFC 3966 without its parameters: digits, the separators people write, and a leading '+' for a number of the world.
+bool isTelephone(const QString &text) {
+    QStringView number = QStringView(text).sliced(4);
+    if (number.startsWith(u'+'))
+        number = number.sliced(1);
+    const auto isDigit = [](QChar c) {
+        return c >= u'0' && c <= u'9';
+    };
+    const auto digits = std::ranges::count_if(number, isDigit);
+    return digits >= 3 && digits <= 15 && number.size() <= 24 && isDigit(number.back()) &&
+           std::ranges::all_of(number, [&](QChar c) { return isDigit(c) || u"-.()"_s.contains(c); });
+}
+
+bool hasDesktop() {
+#ifdef Q_OS_LINUX
+    // Without one the opener falls back to a browser inside our own terminal.
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+#else
+    return true;
+#endif
+}
+
+} // namespace
+
+bool SystemOpener::mayOpen(const QUrl &url) {
+    const QString text = url.toString(QUrl::FullyEncoded);
+    if (text.startsWith("tel:"_L1))
+        return isTelephone(text);
+    return url.isValid() && (url.scheme() == "http"_L1 || url.scheme() == "https"_L1) && !url.host().isEmpty();
+}
+
+bool SystemOpener::open(const QUrl &url) {
+    if (!mayOpen(url) || !hasDesktop())
+        return false;
+#ifdef Q_OS_MACOS
+    const QString program = u"/usr/bin/open"_s;
+#else
+    const QString program = QStandardPaths::findExecutable(u"xdg-open"_s);
+#endif
+    if (program.isEmpty())
+        return false;
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments({url.toString(QUrl::FullyEncoded)});
+    // What it prints is not ours to show, and what is typed here is not for it.
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    return process.startDetached();
+}
+
+} // namespace lmp
