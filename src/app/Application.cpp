@@ -21,8 +21,10 @@ Application::~Application() {
 QCoro::Task<std::expected<void, QString>> Application::open() {
     const QPointer self(this);
     const auto root = co_await findService();
-    if (!self || !root)
-        co_return std::unexpected(root.error_or(QString()));
+    if (!self)
+        co_return std::unexpected(QString());
+    if (!root)
+        co_return std::unexpected(root.error());
     m_site = Site::at(*root);
     if (!m_site.api.isValid())
         co_return std::unexpected(APIError::unusableURL().reason + u"："_s + *root);
@@ -39,7 +41,9 @@ QCoro::Task<std::expected<QString, QString>> Application::findService() {
     m_sandbox = std::make_unique<SandboxProcess>(*folder + u"/sandbox.sqlite"_s);
     const auto outcome = m_sandbox->start();
     const auto url = co_await outcome;
-    co_return url.transform([](const QUrl &address) { return address.toString(); });
+    if (!url)
+        co_return std::unexpected(url.error());
+    co_return url->toString();
 }
 
 void Application::makeStores() {
@@ -99,6 +103,16 @@ std::optional<GoogleProvider> Application::googleProvider() const {
                           .tokenEndpoint = QUrl(u"https://oauth2.googleapis.com/token"_s),
                           .clientId = clientId,
                           .clientSecret = QStringLiteral(LMP_GOOGLE_CLIENT_SECRET)};
+}
+
+ChatWithTwinView::Recorder Application::recorder() const {
+    return [](const QString &event, const QString &subjectType, const QString &subjectId, const QVariantMap &props) {
+        Telemetry::Props values;
+        for (const auto &[key, value] : props.asKeyValueRange())
+            values.insert(key, value.typeId() == QMetaType::QString ? JSONValue(value.toString())
+                                                                    : JSONValue(value.toDouble()));
+        Telemetry::note(event, {subjectType, subjectId}, values);
+    };
 }
 
 QString Application::keychainSuffix() const {

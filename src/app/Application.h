@@ -1,8 +1,7 @@
 #pragma once
 
 #include "app/SandboxProcess.h"
-#include "conversation/ConversationAccount.h"
-#include "conversation/ConversationDraftCache.h"
+#include "conversation/ChatWithTwinView.h"
 #include "core/AuthStore.h"
 #include "core/LoginModel.h"
 #include "core/SSEClient.h"
@@ -63,6 +62,8 @@ public:
     WebAuthPresenter &webAuth() { return m_webAuth; }
     /// Who is signed in, as conversations ask for it.
     ConversationAccount account() const;
+    /// Where a chat's stability events go.
+    ChatWithTwinView::Recorder recorder() const;
 
 private:
     QCoro::Task<std::expected<QString, QString>> findService();

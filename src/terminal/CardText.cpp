@@ -1,5 +1,6 @@
 #include "terminal/CardText.h"
 
+#include "conversation/ConversationTexts.h"
 #include "identity/CrisisTexts.h"
 
 namespace lmp {
@@ -20,7 +21,7 @@ QString CardText::continuousUse(const ContinuousUseNotice &notice) {
 }
 
 QString CardText::used(const QList<UsedMemory> &used) {
-    QString text = u"本次用到你的 %1 条记忆"_s.arg(used.size());
+    QString text = ConversationTexts::usedMemoriesNote(used.size());
     for (const UsedMemory &memory : used)
         text += u"\n  · "_s + memory.content + u"（"_s + memory.truth + u"）"_s;
     return text;

@@ -1,17 +1,12 @@
 #include "terminal/ChatCommand.h"
 
+#include "conversation/ConversationTexts.h"
 #include "terminal/ChatOutput.h"
 #include "terminal/SessionGate.h"
 
 namespace lmp {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-const QString incognitoBanner = ConversationSession::incognitoBanner();
-
-} // namespace
 
 ChatCommand::ChatCommand(Application &application, Console &console, StandardInput &input, const CommandLine &line)
     : m_application(application)
@@ -20,13 +15,7 @@ ChatCommand::ChatCommand(Application &application, Console &console, StandardInp
     , m_line(line)
     , m_session(ConversationService(application.api()), application.drafts(), application.account(),
                 application.clock())
-    , m_view(m_session, application.safety(), application.api(), application.events(),
-             [](const QString &event, const QString &type, const QString &id, const QVariantMap &props) {
-                 Telemetry::Props values;
-                 for (const auto &[key, value] : props.asKeyValueRange())
-                     values.insert(key, JSONValue::of(value));
-                 Telemetry::note(event, {type, id}, values);
-             })
+    , m_view(m_session, application.safety(), application.api(), application.events(), application.recorder())
     , m_output(std::make_unique<ChatOutput>(console, m_view, application.safety(), line.jsonl)) {
     m_view.surface = u"terminal"_s;
     m_view.cheaperMode = line.cheaper;
@@ -63,8 +52,6 @@ QCoro::Task<ExitCode> ChatCommand::run() {
     }
     if (const auto refused = co_await SessionGate::pass(&m_application, &m_console))
         co_return *refused;
-    if (!m_application.auth().notice().isEmpty())
-        m_console.note(m_application.auth().notice());
     const auto opened = co_await openConversation();
     if (!opened) {
         m_console.error(opened.error());
@@ -92,7 +79,7 @@ QCoro::Task<std::optional<QString>> ChatCommand::question() {
 
 QCoro::Task<std::expected<void, QString>> ChatCommand::openConversation() {
     if (m_line.incognito)
-        m_console.note(incognitoBanner);
+        m_console.note(ConversationTexts::incognitoBanner());
     QString id = m_line.conversationId;
     if (m_line.continueLast) {
         const auto last = co_await lastConversation();
@@ -128,7 +115,7 @@ QCoro::Task<std::expected<QString, QString>> ChatCommand::lastConversation() {
 QCoro::Task<ExitCode> ChatCommand::converse() {
     m_console.note(u"回车发送 · Ctrl-C 停下回答 · Ctrl-D 离开"_s);
     while (!m_leaving) {
-        const auto text = co_await m_input.line(u"你：");
+        const auto text = co_await m_input.line(u"你："_s);
         if (m_leaving)
             break;
         if (!text && m_interrupted)

@@ -3,6 +3,7 @@
 #include "app/Application.h"
 #include "conversation/ChatWithTwinView.h"
 #include "terminal/CommandLine.h"
+#include "terminal/ExitCode.h"
 #include "terminal/StandardInput.h"
 
 #include <memory>

@@ -1,6 +1,7 @@
 #include "terminal/ConversationCommands.h"
 
 #include "conversation/ConversationSession.h"
+#include "conversation/ConversationTexts.h"
 #include "terminal/SessionGate.h"
 
 namespace lmp {
@@ -19,7 +20,7 @@ QString stateMark(std::optional<ConversationDeliveryState> state) {
     if (state == ConversationDeliveryState::failed)
         return u"（没有发出）"_s;
     if (state == ConversationDeliveryState::unknown || state == ConversationDeliveryState::pending)
-        return u"（结果待确认，请先查看账单）"_s;
+        return u"（"_s + ConversationTexts::unknownMessage() + u"）"_s;
     return {};
 }
 
@@ -33,7 +34,7 @@ void showDrafts(Application *application, Console *console) {
     for (const auto &draft : drafts->entries)
         console->reply(row(draft.snapshot.id, draft.snapshot.title, u"（草稿，尚未同步）"_s));
     if (drafts->unreadable > 0)
-        console->error(QString::number(drafts->unreadable) + u" 份本机草稿暂时无法读取，原文件已保留。"_s);
+        console->error(ConversationTexts::draftsKeptUnread(drafts->unreadable));
 }
 
 } // namespace

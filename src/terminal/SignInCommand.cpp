@@ -91,8 +91,6 @@ QCoro::Task<ExitCode> SignInCommand::finish() {
     if (const auto notice = m_model->newAccountNotice())
         m_console.note(notice->title + u'\n' + notice->advice);
     co_await auth.keychainSettled(10s);
-    if (!auth.notice().isEmpty())
-        m_console.note(auth.notice());
     const UserInfo user = *auth.user();
     m_console.note(u"已登录："_s + user.username.value_or(user.id));
     co_return ExitCode::Submitted;

@@ -42,9 +42,10 @@ int TerminalApplication::run() {
 QCoro::Task<> TerminalApplication::main() {
     const auto opened = co_await m_application.open();
     ExitCode code = ExitCode::Failed;
-    if (opened)
+    if (opened) {
+        followNotices();
         code = co_await command();
-    else if (m_line.command == CommandLine::Command::Crisis)
+    } else if (m_line.command == CommandLine::Command::Crisis)
         CrisisCommand::withoutService(m_console, opened.error());
     else
         m_console.error(opened.error());
@@ -52,6 +53,16 @@ QCoro::Task<> TerminalApplication::main() {
     m_signIn.reset();
     co_await m_application.close();
     QCoreApplication::exit(int(code));
+}
+
+void TerminalApplication::followNotices() {
+    auto &auth = m_application.auth();
+    connect(&auth, &AuthStore::noticeChanged, this, [this, &auth] {
+        // The sandbox's own account is none the worse for not being kept: it signs in again by itself.
+        const bool automatic = m_application.usesOwnSandbox() && m_line.command != CommandLine::Command::SignIn;
+        if (!automatic && !auth.notice().isEmpty())
+            m_console.note(auth.notice());
+    });
 }
 
 QCoro::Task<ExitCode> TerminalApplication::command() {

@@ -27,6 +27,7 @@ public:
 private:
     QCoro::Task<> main();
     QCoro::Task<ExitCode> command();
+    void followNotices();
     void onSignal(int signal);
     static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStart);
 

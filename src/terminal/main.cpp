@@ -1,6 +1,7 @@
 #include "terminal/TerminalApplication.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 #include <clocale>
 #include <cstdio>
@@ -13,6 +14,9 @@ int main(int argc, char **argv) {
         std::fputs(line.error().text.toUtf8().constData(), line.error().usageError ? stderr : stdout);
         return line.error().usageError ? 2 : 0;
     }
+    // What a person can act on is said in sentences; the log is for whoever asks for it.
+    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
+        QLoggingCategory::setFilterRules(QStringLiteral("com.tolvey.quillet.*=false"));
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("lumenpair"));
     QCoreApplication::setApplicationVersion(QStringLiteral(LMP_VERSION));
