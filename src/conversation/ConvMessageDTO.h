@@ -6,6 +6,7 @@
 #include "conversation/TalkRole.h"
 #include "conversation/UsedMemory.h"
 
+#include <QList>
 #include <QString>
 
 #include <boost/describe.hpp>

@@ -3,6 +3,7 @@
 #include "conversation/ConvMessageDTO.h"
 #include "conversation/ConversationWorkspaceDTO.h"
 
+#include <QList>
 #include <QString>
 
 #include <boost/describe.hpp>

@@ -4,6 +4,7 @@
 #include "conversation/ConversationSelectionDTO.h"
 #include "conversation/ConversationWorkDTO.h"
 
+#include <QList>
 #include <QString>
 
 #include <boost/describe.hpp>

@@ -9,10 +9,9 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 
 TEST(SafetyExtractionTest, WhatIsNoCrisisYieldsNoSignal) {
-    for (const char *answer :
-         {R"({})", R"([])", R"(7)", R"({"safety":null})", R"({"safety":[true]})", R"({"safety":{}})",
-          R"({"safety":{"crisis":false,"guidance":"g"}})", R"({"safety":{"crisis":"true"}})",
-          R"({"safety":{"crisis":1}})", R"({"crisis":true})"})
+    for (const char *answer : {R"({})", R"([])", R"(7)", R"({"safety":null})", R"({"safety":[true]})",
+                               R"({"safety":{}})", R"({"safety":{"crisis":false,"guidance":"g"}})",
+                               R"({"safety":{"crisis":"true"}})", R"({"safety":{"crisis":1}})", R"({"crisis":true})"})
         EXPECT_FALSE(SafetyExtraction::crisis(boost::json::parse(answer))) << answer;
 }
 
@@ -33,7 +32,8 @@ TEST(SafetyExtractionTest, AWrongFieldCostsThatFieldAlone) {
 
 TEST(SafetyExtractionTest, NumbersAreGivenOnlyWhenVerified) {
     const QList<CrisisResource> some{{u"a"_s, u"1"_s}};
-    for (const auto &[resources, verified, given] : std::initializer_list<std::tuple<QList<CrisisResource>, bool, bool>>{
+    for (const auto &[resources, verified, given] :
+         std::initializer_list<std::tuple<QList<CrisisResource>, bool, bool>>{
              {some, true, true}, {some, false, false}, {{}, true, false}, {{}, false, false}}) {
         CrisisSignal signal;
         signal.resources = resources;
@@ -48,10 +48,10 @@ TEST(SafetyExtractionTest, ContinuousUse) {
     };
     EXPECT_EQ(notice(R"({"continuousUse":{"minutes":90,"message":"歇会儿","x":1}})"),
               (ContinuousUseNotice{90, u"歇会儿"_s}));
-    for (const char *answer : {R"({})", R"({"continuousUse":90})", R"({"continuousUse":{"minutes":"90","message":"m"}})",
-                               R"({"continuousUse":{"minutes":1.5,"message":"m"}})",
-                               R"({"continuousUse":{"minutes":90}})", R"({"continuousUse":{"message":"m"}})",
-                               R"({"continuousUse":{"minutes":90,"message":null}})"})
+    for (const char *answer :
+         {R"({})", R"({"continuousUse":90})", R"({"continuousUse":{"minutes":"90","message":"m"}})",
+          R"({"continuousUse":{"minutes":1.5,"message":"m"}})", R"({"continuousUse":{"minutes":90}})",
+          R"({"continuousUse":{"message":"m"}})", R"({"continuousUse":{"minutes":90,"message":null}})"})
         EXPECT_FALSE(notice(answer)) << answer;
 }
 
