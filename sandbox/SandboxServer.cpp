@@ -98,6 +98,11 @@ void SandboxServer::Endpoint::configure() {
         return new httplib::ThreadPool(static_cast<std::size_t>(size));
     };
     m_server.set_tcp_nodelay(true);
+    // The library's own choice lets a second sandbox share the port, and half of the requests.
+    m_server.set_socket_options([](socket_t socket) {
+        const int on = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    });
     // One request a connection: an idle connection never holds a thread, and a body that was refused unread cannot be
     // taken for the next request.
     m_server.set_keep_alive_max_count(1);

@@ -46,7 +46,7 @@ TEST_F(AuthRoutesTest, CodesAreBoundCountedAndWorkOnce) {
     EXPECT_EQ(login("13800138000", code)["error"], "code_invalid") << "used up";
 
     const auto expired = send("13800138000");
-    now += 5 * 60 * 1000;
+    now += 300'000;
     EXPECT_EQ(login("13800138000", expired)["error"], "code_expired");
 
     const auto guarded = send("13800138000");
@@ -156,7 +156,7 @@ TEST_F(AuthRoutesTest, AppleTokensSignInAndLinkByEmail) {
     EXPECT_EQ(created.json().at("userInfo").at("legacyLinked"), false);
     EXPECT_EQ(created.json().at("userInfo").at("username"), "林小满");
     EXPECT_EQ(post("/api/app/auth/google", {{"idToken", fresh}}).status, 401) << "another provider's token";
-    now += 11 * 60 * 1000;
+    now += 660'000;
     EXPECT_EQ(post("/api/app/auth/apple", {{"identityToken", fresh}}).status, 401) << "expired";
 }
 

@@ -73,6 +73,7 @@ TEST_F(RelayRoutesTest, AnEmptyPurseIsToldBeforeAnythingRuns) {
 
 TEST_F(RelayRoutesTest, TurnsSideBySideAreEachChargedOnce) {
     std::vector<std::future<int>> turns;
+    turns.reserve(12);
     for (int i = 0; i < 12; ++i)
         turns.push_back(std::async(std::launch::async, [this] { return say("你好").status; }));
     for (auto &one : turns)
@@ -128,15 +129,15 @@ TEST_F(RelayRoutesTest, TheReminderComesAfterAnHourWithoutAPause) {
     };
     EXPECT_FALSE(reminded());
     for (int i = 0; i < 6; ++i) {
-        now += 9 * 60'000;
+        now += 540'000;
         EXPECT_FALSE(reminded()) << i;
     }
-    now += 9 * 60'000;
+    now += 540'000;
     const auto notice = say("嗯").json().at("continuousUse").as_object();
     EXPECT_EQ(notice.at("minutes"), 63);
     EXPECT_FALSE(notice.at("message").as_string().empty());
     EXPECT_FALSE(reminded()) << "not on every turn";
-    now += 10 * 60'000;
+    now += 600'000;
     EXPECT_FALSE(reminded()) << "a pause starts it afresh";
 }
 

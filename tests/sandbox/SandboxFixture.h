@@ -53,6 +53,12 @@ struct StreamAnswer {
 };
 
 class SandboxFixture : public ::testing::Test {
+public:
+    ~SandboxFixture() override {
+        server.reset();
+        std::filesystem::remove_all(m_folder);
+    }
+
 protected:
     SandboxFixture() {
         std::string name = (std::filesystem::temp_directory_path() / "sandbox-XXXXXX").string();
@@ -63,10 +69,6 @@ protected:
         options.clock = [this] {
             return now.load();
         };
-    }
-    ~SandboxFixture() override {
-        server.reset();
-        std::filesystem::remove_all(m_folder);
     }
 
     void start() {

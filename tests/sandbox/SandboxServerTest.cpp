@@ -49,6 +49,7 @@ TEST_F(SandboxServerTest, TwoOnOneFileKeepItWhole) {
     SandboxServer second(options);
     ASSERT_TRUE(second.start());
     std::vector<std::future<int>> turns;
+    turns.reserve(16);
     for (int i = 0; i < 16; ++i)
         turns.push_back(std::async(std::launch::async, [&, i] {
             httplib::Client client("127.0.0.1", i % 2 ? second.port() : server->port());
@@ -181,6 +182,10 @@ struct Program {
 };
 
 TEST_F(SandboxServerTest, TheProgramSaysWhereItIsAndEndsWithItsParentOrASignal) {
+    start();
+    auto taken = options;
+    taken.port = server->port();
+    EXPECT_FALSE(SandboxServer(taken).start()) << "a port belongs to one sandbox";
     for (const bool bySignal : {false, true}) {
         const Program program(options.state);
         const auto url = std::string(boost::json::parse(program.line).at("url").as_string());
