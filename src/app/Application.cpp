@@ -34,7 +34,8 @@ QCoro::Task<std::expected<void, QString>> Application::open() {
 
 QCoro::Task<std::expected<QString, QString>> Application::findService() {
     if (!usesOwnSandbox())
-        co_return m_options.site;
+        // As const: returned as it is, the member would be moved out.
+        co_return std::as_const(m_options.site);
     const auto folder = m_support.folder(u"Sandbox"_s);
     if (!folder)
         co_return std::unexpected(u"本机沙盒没有地方存数据：建不了文件夹 "_s + m_support.root() + u"/Sandbox"_s);

@@ -32,12 +32,12 @@ APIClient SandboxFixture::client(const QString &token) const {
 }
 
 void SandboxFixture::fault(const QByteArray &rule) {
-    ASSERT_TRUE(await(client().request<boost::json::value>(u"/sandbox/faults"_s, "DELETE")));
+    ASSERT_TRUE(await(client().request<APIClient::Empty>(u"/sandbox/faults"_s, "DELETE")));
     if (rule.isEmpty())
         return;
     const auto value = Json::decode<boost::json::value>(rule);
     ASSERT_TRUE(value) << rule.constData();
-    ASSERT_TRUE(await(client().request<boost::json::value>(u"/sandbox/faults"_s, "POST", *value)));
+    ASSERT_TRUE(await(client().request<APIClient::Empty>(u"/sandbox/faults"_s, "POST", *value)));
 }
 
 QString SandboxFixture::signIn(const QString &phone) {
@@ -53,9 +53,10 @@ QString SandboxFixture::signIn(const QString &phone) {
 }
 
 boost::json::value SandboxFixture::look(const QString &path, const QString &token) {
-    const auto answer = await(client(token).request<boost::json::value>(path));
+    const auto answer = await(client(token).getData(path));
     EXPECT_TRUE(answer) << path.toStdString();
-    return answer.value_or(boost::json::value());
+    return answer ? Json::decode<boost::json::value>(answer->bytes).value_or(boost::json::value())
+                  : boost::json::value();
 }
 
 } // namespace lmp
