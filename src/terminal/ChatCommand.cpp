@@ -167,9 +167,9 @@ bool ChatCommand::interrupt(bool leave) {
     }
     if (!m_input.isWaiting())
         return false;
+    m_input.cancel();
     if (!m_leaving)
         m_console.note(u"再按一次 Ctrl-C 离开。"_s);
-    m_input.cancel();
     return true;
 }
 
