@@ -2,8 +2,10 @@
 
 #include "core/RequestURL.h"
 
+#include <QCoreApplication>
 #include <QNetworkInterface>
 #include <QNetworkProxyFactory>
+#include <QThread>
 #include <QThreadStorage>
 
 #include <algorithm>
@@ -24,6 +26,8 @@ public:
     }
 };
 
+QThreadStorage<QNetworkAccessManager *> managers;
+
 } // namespace
 
 URLSession URLSession::normal() {
@@ -39,12 +43,14 @@ URLSession URLSession::events() {
 }
 
 QNetworkAccessManager &URLSession::manager() {
-    static QThreadStorage<QNetworkAccessManager *> managers;
     if (!managers.hasLocalData()) {
         auto *made = new QNetworkAccessManager;
         made->setAutoDeleteReplies(false);
         made->setProxyFactory(new ProxyFactory);
         managers.setLocalData(made);
+        // Qt clears the main thread's storage too late, if at all, for the manager's own thread to end in order.
+        if (qApp && qApp->thread() == QThread::currentThread())
+            qAddPostRoutine([] { managers.setLocalData(nullptr); });
     }
     return *managers.localData();
 }
