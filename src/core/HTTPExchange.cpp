@@ -102,7 +102,11 @@ void HTTPExchange::send() {
     auto *oneShot = new OneShotBody(body);
     m_reply = manager.sendCustomRequest(request, m_request.method, oneShot);
     oneShot->setParent(m_reply);
-    m_reply->setReadBufferSize(m_session.readBuffer);
+    // A request with a body of its own kind starts through the event loop, and the limit is lost on a reply that has
+    // not started.
+    QMetaObject::invokeMethod(
+        m_reply, [reply = m_reply, limit = m_session.readBuffer] { reply->setReadBufferSize(limit); },
+        Qt::QueuedConnection);
     watchReply();
     m_silence.start();
 }
