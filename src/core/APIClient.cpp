@@ -1,6 +1,6 @@
 #include "core/APIClient.h"
 
-#include "core/ExchangeAwaiter.h"
+#include "core/HTTPCall.h"
 #include "core/RequestURL.h"
 #include "platform/Log.h"
 
@@ -9,16 +9,6 @@
 namespace lmp {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// Ends `exchange` when a stop is requested, on whichever thread that happens.
-struct StopExchange {
-    HTTPExchange *exchange;
-    void operator()() const { QMetaObject::invokeMethod(exchange, &HTTPExchange::stop, Qt::QueuedConnection); }
-};
-
-} // namespace
 
 APIClient::APIClient(QUrl baseURL, TokenProvider provider)
     : base(std::move(baseURL))
@@ -68,19 +58,11 @@ QCoro::Task<Result<APIClient::Answer>> APIClient::send(Call call, qint64 maxByte
 
 QCoro::Task<Result<APIClient::Answer>> APIClient::exchange(HTTPExchange::Request request, URLSession session,
                                                            qint64 maxBytes, std::stop_token stop) {
-    // Left to the event loop at the end: the coroutine may be resumed from one of its own signals.
-    const std::unique_ptr<HTTPExchange, void (*)(HTTPExchange *)> running(
-        new HTTPExchange(std::move(request), std::move(session), maxBytes), [](HTTPExchange *e) { e->deleteLater(); });
-    const std::stop_callback onStop(stop, StopExchange{running.get()});
-    running->start();
-    const auto end = co_await ExchangeAwaiter(*running);
-    const auto status = running->status();
-    if (end == HTTPExchange::End::Complete)
-        co_return Answer{*status, running->take()};
+    auto outcome = co_await HTTPCall::run(std::move(request), std::move(session), maxBytes, std::move(stop));
     // The status of an answer that is too long to read is known all the same, and says more than its body.
-    if (end == HTTPExchange::End::TooLarge)
-        co_return Answer{*status, {}};
-    co_return std::unexpected(*running->failure());
+    if (outcome.end == HTTPExchange::End::Complete || outcome.end == HTTPExchange::End::TooLarge)
+        co_return Answer{*outcome.status, std::move(outcome.body)};
+    co_return std::unexpected(*outcome.failure);
 }
 
 QCoro::Task<Result<APIClient::Answer>> APIClient::refused(APIError error) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AuthService.h"
+#include "core/SSEClient.h"
 #include "platform/Clock.h"
 #include "platform/Keychain.h"
 
@@ -68,6 +69,7 @@ public:
 
     const APIClient &api() const { return m_api; }
     AuthService service() const { return AuthService(m_api); }
+    SSEClient sse() const { return SSEClient(m_api.base, m_api.tokenProvider); }
 
     /// Waits until the start has ended: `phase` is no longer loading, or verification has failed.
     QCoro::Task<> settled();

@@ -27,6 +27,7 @@ QCoro::Task<HTTPCall::Outcome> HTTPCall::run(HTTPExchange::Request request, URLS
     outcome.status = running->status();
     if (outcome.end == HTTPExchange::End::Complete)
         outcome.body = running->take();
+    outcome.failure = running->failure();
     co_return outcome;
 }
 

@@ -15,8 +15,9 @@ class HTTPCall {
 public:
     struct Outcome {
         HTTPExchange::End end = HTTPExchange::End::Failed;
-        std::optional<int> status; ///< as soon as the headers came, even when the rest did not
-        QByteArray body;
+        std::optional<int> status;       ///< as soon as the headers came, even when the rest did not
+        QByteArray body;                 ///< of a complete answer
+        std::optional<APIError> failure; ///< of an answer that is not complete
     };
 
     /// @param stop ends the exchange early, from any thread
