@@ -81,7 +81,7 @@ std::expected<ConversationMessageDelivery::Reference, QString> ChatWithTwinView:
     message.role = TalkRole::user;
     message.text = text;
     message.deliveryState = ConversationDeliveryState::pending;
-    const auto reference = m_session.referenceTo(message.id);
+    auto reference = m_session.referenceTo(message.id);
     m_session.edit([&](ConversationDTO &conversation) {
         if (conversation.title.isEmpty())
             conversation.title = ConversationTitle::of(text);
