@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QByteArrayView>
+
+namespace lmp {
+
+/// Each takes arbitrary bytes and aborts when a promise about them is broken. Free of state; any thread.
+void fuzzEvents(QByteArrayView input);
+void fuzzRecords(QByteArrayView input);
+
+} // namespace lmp
