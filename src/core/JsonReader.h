@@ -59,7 +59,10 @@ private:
         } else if constexpr (std::is_integral_v<T>) {
             return readInteger(from, to, at);
         } else if constexpr (std::is_floating_point_v<T>) {
-            return from.is_number() ? (to = from.to_number<T>(), true) : mismatch<T>(at);
+            if (!from.is_number())
+                return mismatch<T>(at);
+            to = from.to_number<T>();
+            return std::isfinite(to) || fail(JsonFailure::Kind::Corrupted, at, jsonTypeName<T>());
         } else if constexpr (std::is_same_v<T, QString>) {
             const auto *found = from.if_string();
             return found ? (to = QString::fromUtf8(found->data(), qsizetype(found->size())), true) : mismatch<T>(at);

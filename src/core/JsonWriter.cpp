@@ -12,13 +12,7 @@ namespace lmp::detail {
 void JsonWriter::writeRest(const JsonRest &rest, bool &first) {
     if (!rest.keys)
         return;
-    for (const auto &[key, value] : *rest.keys) {
-        if (!std::exchange(first, false))
-            text += ',';
-        writeString(QString::fromUtf8(key.data(), qsizetype(key.size())));
-        text += ':';
-        writeValue(value);
-    }
+    writeMembers(*rest.keys, first);
 }
 
 void JsonWriter::writeInteger(qint64 value) {
@@ -37,8 +31,12 @@ void JsonWriter::writeReal(double value) {
 
 void JsonWriter::writeString(const QString &value) {
     const QByteArray utf8 = value.toUtf8();
+    writeEscaped(utf8);
+}
+
+void JsonWriter::writeEscaped(QByteArrayView utf8) {
     text += '"';
-    const char *run = utf8.constData();
+    const char *run = utf8.data();
     const char *const end = run + utf8.size();
     for (const char *at = run; at != end; ++at) {
         const auto c = static_cast<unsigned char>(*at);
@@ -74,8 +72,38 @@ void JsonWriter::writeString(const QString &value) {
 }
 
 void JsonWriter::writeValue(const boost::json::value &value) {
-    const std::string serialized = boost::json::serialize(value);
-    text.append(serialized.data(), qsizetype(serialized.size()));
+    if (const auto *object = value.if_object()) {
+        text += '{';
+        bool first = true;
+        writeMembers(*object, first);
+        text += '}';
+    } else if (const auto *array = value.if_array()) {
+        text += '[';
+        for (bool first = true; const auto &element : *array) {
+            if (!std::exchange(first, false))
+                text += ',';
+            writeValue(element);
+        }
+        text += ']';
+    } else if (const auto *string = value.if_string()) {
+        writeEscaped({string->data(), qsizetype(string->size())});
+    } else if (const auto *real = value.if_double()) {
+        // What came as a number beyond a double's range goes back as one; "Infinity" is no JSON.
+        std::isfinite(*real) ? writeReal(*real) : void(text += *real < 0 ? "-1e999" : "1e999");
+    } else {
+        const std::string serialized = boost::json::serialize(value);
+        text.append(serialized.data(), qsizetype(serialized.size()));
+    }
+}
+
+void JsonWriter::writeMembers(const boost::json::object &object, bool &first) {
+    for (const auto &[key, value] : object) {
+        if (!std::exchange(first, false))
+            text += ',';
+        writeEscaped({key.data(), qsizetype(key.size())});
+        text += ':';
+        writeValue(value);
+    }
 }
 
 } // namespace lmp::detail

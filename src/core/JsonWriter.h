@@ -106,7 +106,9 @@ private:
     void writeInteger(qint64 value);
     void writeReal(double value);
     void writeString(const QString &value);
+    void writeEscaped(QByteArrayView utf8);
     void writeValue(const boost::json::value &value);
+    void writeMembers(const boost::json::object &object, bool &first);
 };
 
 } // namespace lmp::detail

@@ -80,6 +80,19 @@ TEST(JsonTest, WholeNumbers) {
     }
 }
 
+TEST(JsonTest, NumbersBeyondADouble) {
+    const auto carried = Json::decode<boost::json::value>(R"({"k\u0001":[1e600,-1e600,1e300]})");
+    ASSERT_TRUE(carried);
+    const QByteArray text = Json::encode(*carried);
+    const auto again = Json::decode<boost::json::value>(text);
+    ASSERT_TRUE(again) << text.constData();
+    EXPECT_EQ(*again, *carried);
+    const auto typed = Json::decode<QList<double>>("[1e300,1e600]");
+    ASSERT_FALSE(typed);
+    EXPECT_EQ(typed.error().kind, JsonFailure::Kind::Corrupted);
+    EXPECT_EQ(typed.error().path, u"[1]"_s);
+}
+
 TEST(JsonTest, RefusesWhatIsNoJson) {
     for (const QByteArray text :
          {"", " ", "{\"n\":1}x", "{\"n\":1,}", "{'n':1}", "{\"n\":1", "\xff", "{\"n\":NaN}", "{\"n\":1 /*c*/}",
