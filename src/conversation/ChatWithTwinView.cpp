@@ -33,6 +33,15 @@ struct SafetyBlocks {
 };
 BOOST_DESCRIBE_STRUCT(SafetyBlocks, (), (safety, continuousUse))
 
+void show(SafetyGateStore &gate, const SafetyBlocks &blocks) {
+    if (const auto envelope = blocks.safety ? SafetyExtraction::envelope(*blocks.safety) : std::nullopt) {
+        if (auto signal = SafetyExtraction::signal(*envelope))
+            gate.show(*std::move(signal));
+    }
+    if (auto notice = blocks.continuousUse ? SafetyExtraction::notice(*blocks.continuousUse) : std::nullopt)
+        gate.show(*std::move(notice));
+}
+
 } // namespace
 
 ChatWithTwinView::ChatWithTwinView(ConversationSession &session, SafetyGateStore &safety, APIClient api,
@@ -72,8 +81,7 @@ std::optional<QString> ChatWithTwinView::refusal(const QString &text, Conversati
 std::expected<ConversationMessageDelivery::Reference, QString> ChatWithTwinView::send(const QString &text,
                                                                                       ConversationSendScope scope) {
     // A turn that was left behind without a word from the session holds nothing back.
-    if (m_turn)
-        isCurrent(TurnPtr(m_turn));
+    recheck();
     if (auto why = refusal(text, scope))
         return std::unexpected(*std::move(why));
     ConvMessageDTO message;
@@ -194,9 +202,21 @@ bool ChatWithTwinView::isCurrent(const TurnPtr &turn) {
         return false;
     if (m_session.holds(turn->reference) && m_session.account().signIn() == turn->signIn)
         return true;
+    letGo();
+    return false;
+}
+
+void ChatWithTwinView::recheck() {
+    if (m_turn)
+        isCurrent(TurnPtr(m_turn));
+}
+
+void ChatWithTwinView::letGo() {
+    const QPointer self(this);
     release();
     Q_EMIT stateChanged();
-    return false;
+    if (self)
+        Q_EMIT turnAbandoned();
 }
 
 ChatWithTwinView::Step ChatWithTwinView::take(const TurnPtr &turn, const QByteArray &data) {
@@ -205,7 +225,7 @@ ChatWithTwinView::Step ChatWithTwinView::take(const TurnPtr &turn, const QByteAr
         if (turn->skippedFrames++ == 0)
             turn->skippedReason = frame.error().describe(Json::typeName<ChatStreamFrame>());
         if (const auto blocks = Json::decode<SafetyBlocks>(data))
-            showSafety(blocks->safety, blocks->continuousUse);
+            show(m_safety, *blocks);
         return Step::More;
     }
     absorb(turn, *frame);
@@ -235,7 +255,7 @@ void ChatWithTwinView::absorb(const TurnPtr &turn, const ChatStreamFrame &frame)
     if (self && m_turn == turn && frame.usedMemories)
         Q_EMIT memoriesReceived(*frame.usedMemories);
     if (self && m_turn == turn)
-        showSafety(frame.safety, frame.continuousUse);
+        show(m_safety, {frame.safety, frame.continuousUse});
 }
 
 void ChatWithTwinView::grow(const TurnPtr &turn, const QString &delta) {
@@ -251,18 +271,6 @@ void ChatWithTwinView::grow(const TurnPtr &turn, const QString &delta) {
     reply.text = delta;
     reply.replyToUserMessageId = turn->reference.messageId;
     m_session.edit([&](ConversationDTO &conversation) { conversation.messages.push_back(reply); });
-}
-
-void ChatWithTwinView::showSafety(const std::optional<boost::json::value> &safety,
-                                  const std::optional<boost::json::value> &continuousUse) {
-    // The gate outlives the view; a slot of the first card may end the view before the second.
-    SafetyGateStore &gate = m_safety;
-    if (const auto envelope = safety ? SafetyExtraction::envelope(*safety) : std::nullopt) {
-        if (auto signal = SafetyExtraction::signal(*envelope))
-            gate.show(*std::move(signal));
-    }
-    if (auto notice = continuousUse ? SafetyExtraction::notice(*continuousUse) : std::nullopt)
-        gate.show(*std::move(notice));
 }
 
 void ChatWithTwinView::complete(const TurnPtr &turn) {
@@ -313,14 +321,15 @@ void ChatWithTwinView::release() {
 }
 
 void ChatWithTwinView::onOpened() {
-    if (m_turn)
-        release();
     m_errorText.reset();
     m_lastCharge.reset();
     m_showUsed.reset();
     m_feedback.clear();
     m_reasonsOpenFor.reset();
-    Q_EMIT stateChanged();
+    if (m_turn)
+        letGo();
+    else
+        Q_EMIT stateChanged();
 }
 
 void ChatWithTwinView::openUsed(const QString &messageId) {

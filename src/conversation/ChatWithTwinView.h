@@ -53,16 +53,18 @@ public:
     ~ChatWithTwinView() override;
 
     // What the opening screen says of this chat; read when a turn starts.
-    QString surface;                  ///< passed through
+    QString surface;
     std::optional<QString> companion; ///< the companion character
     bool cheaperMode = false;         ///< shorter replies
     Elsewhere elsewhere;
 
     /// Starts a turn: the message is in the conversation, pending, when this returns.
-    /// @return the reference of the message, or the sentence that says why nothing was submitted; the input then stays
-    /// in its box
+    /// @return its reference, or the sentence that says why nothing was submitted; the input then stays in its box
     std::expected<Reference, QString> send(const QString &text,
                                            ConversationSendScope scope = ConversationSendScope::discussion);
+    /// Lets go of a turn that is no longer the current one; to be called when somebody else is signed in, since a
+    /// stream that is silent finds out only with its next event.
+    void recheck();
     /// Ends the turn under way at once: the text stays, and what became of it is unknown.
     void stop();
 
@@ -75,25 +77,21 @@ public:
     const std::optional<QList<UsedMemory>> &showUsed() const { return m_showUsed; }
     const QMap<QString, QString> &feedback() const { return m_feedback; } ///< polarity by message id
     const std::optional<QString> &reasonsOpenFor() const { return m_reasonsOpenFor; }
-
-    /// Opens the sheet of the memories that a reply drew on, if it drew on any.
+    /// The sheet of the memories that a reply drew on, if it drew on any.
     void openUsed(const QString &messageId);
     void closeUsed();
 
-    /// The reasons of a negative feedback, in the order in which they are offered.
+    /// The reasons of a dislike, in the order in which they are offered; any other is not sent.
     static QStringList feedbackReasons();
     void likeReply(const QString &messageId);
     void openReasons(const QString &messageId);
     void closeReasons();
-    /// @param reason one of `feedbackReasons`; any other is not sent
     void dislikeReply(const QString &messageId, const QString &reason);
-
     /// The retry of a reply or of a failed message; it and a turn exclude each other.
     const TwinReplyRetry &retry() const { return m_retry; }
-    /// Asks for another answer to the message that a reply answered.
+    /// Asks for another answer to the message that a reply answered, or to a failed message, edited or as it was.
     /// @return the sentence that says why not, or none when the retry is under way
     std::optional<QString> retryReply(const QString &twinMessageId);
-    /// Asks for an answer to a failed message, edited or as it was. @return as above
     std::optional<QString> retryMessage(const QString &userMessageId, std::optional<QString> editedInput = {});
 
 Q_SIGNALS:
@@ -103,10 +101,11 @@ Q_SIGNALS:
     /// The next piece of the reply, as soon as it is there.
     void deltaReceived(const QString &text);
     void memoriesReceived(const QList<lmp::UsedMemory> &used);
-    /// Exactly one of these ends a turn, with its state in the conversation and its save begun (the session's
-    /// `saveEnded` comes later). A turn that is no longer current ends with neither.
+    /// Exactly one of these three ends a turn. After the first two its state is in the conversation and its save begun
+    /// (the session's `saveEnded` comes later); an abandoned one is no longer the current one and has written nothing.
     void turnCompleted(const lmp::TurnOutcome &outcome);
     void turnFailed(const lmp::TurnOutcome &outcome);
+    void turnAbandoned();
     /// A retry ended: `text` is the sentence shown, or null when the new reply is in the conversation.
     void retryEnded(const QString &messageId, const QString &text);
 
@@ -123,11 +122,10 @@ private:
     /// Takes over what a frame, or a whole answer, says.
     void absorb(const TurnPtr &turn, const ChatStreamFrame &frame);
     void grow(const TurnPtr &turn, const QString &delta);
-    void showSafety(const std::optional<boost::json::value> &safety,
-                    const std::optional<boost::json::value> &continuousUse);
     void failStream(const TurnPtr &turn, const APIError &error);
     void complete(const TurnPtr &turn);
     void conclude(const TurnPtr &turn, TurnOutcome outcome);
+    void letGo();
     void release();
     void onOpened();
     void choose(FeedbackReq request, const QString &event);

@@ -35,6 +35,16 @@ protected:
         chat->surface = u"terminal"_s;
     }
 
+    /// A request that is still open when the test ends would take its task with it.
+    void TearDown() override {
+        if (chat)
+            chat->stop();
+        EXPECT_TRUE(eventually([this] { return !session.isSaving(); }));
+        // Answers that were written before this one's have arrived when it has.
+        await(session.service().list());
+        settle();
+    }
+
     struct Recorded {
         QString event, subjectType, subjectId;
         QVariantMap props;

@@ -355,6 +355,8 @@ TEST_F(OpenStreamTest, AnAbandonedTurnWritesNothing) {
     };
     server.on("/api/app/conversation?id=c9", StubServer::reply(200, conversation("c9", 4, "")));
     bool first = true;
+    int abandoned = 0, cases = 0;
+    QObject::connect(chat.get(), &ChatWithTwinView::turnAbandoned, [&] { ++abandoned; });
     for (const Case &c : std::initializer_list<Case>{
              {"another conversation",
               [this] {
@@ -402,16 +404,25 @@ TEST_F(OpenStreamTest, AnAbandonedTurnWritesNothing) {
         EXPECT_FALSE(safety.crisis());
         EXPECT_FALSE(chat->errorText());
         EXPECT_FALSE(chat->lastCharge());
+        EXPECT_EQ(abandoned, ++cases);
     }
     EXPECT_TRUE(completed.empty() && failed.empty());
     EXPECT_TRUE(bodies("/app/conversation/sync").empty());
     EXPECT_TRUE(bodies("/relay/chat").empty());
 }
 
+TEST_F(OpenStreamTest, ASilentStreamIsLetGoOfWhenTheAccountChanges) {
+    user.reset();
+    chat->recheck();
+    EXPECT_FALSE(chat->sending());
+    EXPECT_TRUE(eventually([this] { return !held; })) << "the request ends with it";
+    EXPECT_TRUE(completed.empty() && failed.empty());
+}
+
 TEST_F(OpenStreamTest, AViewMayEndInsideItsOwnSignals) {
     QObject::connect(chat.get(), &ChatWithTwinView::deltaReceived, [this] { chat.reset(); });
     finishStream();
-    EXPECT_FALSE(chat);
+    EXPECT_TRUE(eventually([this] { return !chat; }));
     EXPECT_TRUE(completed.empty() && failed.empty());
 }
 
