@@ -31,7 +31,7 @@ HTTPExchange::HTTPExchange(Request request, URLSession session, qint64 maxBytes)
     : m_request(std::move(request))
     , m_session(std::move(session))
     , m_maxBytes(maxBytes) {
-    m_silence.setInterval(m_session.requestTimeout);
+    m_silence.setSingleShot(true);
     m_whole.setInterval(m_session.resourceTimeout);
     m_whole.setSingleShot(true);
     m_connectivity.setInterval(1s);
@@ -73,6 +73,8 @@ QByteArray HTTPExchange::take() {
     if (m_reply)
         bytes += m_reply->readAll();
     m_taken += bytes.size();
+    if (!bytes.isEmpty())
+        heard();
     return bytes;
 }
 
@@ -108,13 +110,14 @@ void HTTPExchange::send() {
         m_reply, [reply = m_reply, limit = m_session.readBuffer] { reply->setReadBufferSize(limit); },
         Qt::QueuedConnection);
     watchReply();
-    m_silence.start();
+    heard();
+    m_silence.start(m_session.requestTimeout);
 }
 
 void HTTPExchange::watchReply() {
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &HTTPExchange::onHeaders);
     connect(m_reply, &QNetworkReply::readyRead, this, &HTTPExchange::onReadyRead);
-    connect(m_reply, &QNetworkReply::uploadProgress, &m_silence, qOverload<>(&QTimer::start));
+    connect(m_reply, &QNetworkReply::uploadProgress, this, &HTTPExchange::heard);
     // Queued, since a reply may finish inside the call that made it.
     connect(m_reply, &QNetworkReply::finished, this, &HTTPExchange::onFinished, Qt::QueuedConnection);
     // A manager that dies with its thread deletes its replies and finishes none of them.
@@ -125,20 +128,20 @@ void HTTPExchange::watchReply() {
 }
 
 void HTTPExchange::onHeaders() {
-    m_silence.start();
+    heard();
     const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (m_status || !status.isValid() || status.toInt() < 200 || redirect(status.toInt()))
         return;
     m_status = status.toInt();
+    m_length = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
     Q_EMIT responded();
 }
 
 void HTTPExchange::onReadyRead() {
-    m_silence.start();
+    heard();
     if (!m_status)
         return;
-    const qint64 length = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
-    if (m_taken + m_reply->bytesAvailable() > m_maxBytes || length > m_maxBytes) {
+    if (m_length > m_maxBytes || m_taken + m_reply->bytesAvailable() > m_maxBytes) {
         finish(End::TooLarge);
         return;
     }
@@ -160,8 +163,12 @@ void HTTPExchange::onFinished() {
 void HTTPExchange::onSilence() {
     // A reader that has not taken what is there makes the silence, not the service.
     if (m_reply && m_reply->bytesAvailable() > 0)
-        return;
-    finish(End::TimedOut);
+        heard();
+    const std::chrono::milliseconds left = m_session.requestTimeout - std::chrono::milliseconds(m_heard.elapsed());
+    if (left > 0ms)
+        m_silence.start(left);
+    else
+        finish(End::TimedOut);
 }
 
 bool HTTPExchange::redirect(int status) {
@@ -199,7 +206,6 @@ void HTTPExchange::release() {
     if (auto *reply = std::exchange(m_reply, nullptr)) {
         // abort() finishes the reply on the spot; nobody is to hear of that.
         reply->disconnect(this);
-        reply->disconnect(&m_silence);
         reply->abort();
         reply->deleteLater();
     }

@@ -2,6 +2,7 @@
 
 #include "core/URLSession.h"
 
+#include <QElapsedTimer>
 #include <QNetworkReply>
 #include <QObject>
 #include <QTimer>
@@ -69,6 +70,7 @@ private:
     void onHeaders();
     void onReadyRead();
     void onFinished();
+    void heard() { m_heard.start(); }
     void onSilence();
     bool redirect(int status);
     void release();
@@ -81,9 +83,11 @@ private:
     QByteArray m_rest; ///< bytes that were still in the reply when it was released
     std::optional<int> m_status;
     std::optional<End> m_end;
-    qint64 m_taken = 0; ///< bytes handed out so far
+    qint64 m_taken = 0;  ///< bytes handed out so far
+    qint64 m_length = 0; ///< as the headers announce it
     int m_hops = 0;
-    QTimer m_silence;
+    QElapsedTimer m_heard; ///< since the service was last heard of, or the reader last made room
+    QTimer m_silence;      ///< looks at m_heard now and then: an event restarts a clock, not a timer
     QTimer m_whole;
     QTimer m_connectivity;
 };

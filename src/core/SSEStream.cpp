@@ -46,7 +46,6 @@ private:
     void conclude();
     void fail(APIError error);
     void onResponse();
-    void notify();
     void wake();
     void forgetEvents() {
         m_events.clear();
@@ -63,7 +62,6 @@ private:
     bool m_over = false;
     std::optional<APIError> m_error; ///< why it is over, when not by its end
     std::coroutine_handle<> m_waiting;
-    bool m_notified = false;
     std::stop_token m_stop;
     std::optional<std::stop_callback<OnStop>> m_onStop;
 };
@@ -77,8 +75,9 @@ SSEStream::State::State(Result<HTTPExchange::Request> request, URLSession sessio
     m_exchange =
         std::make_unique<HTTPExchange>(*std::move(request), std::move(session), std::numeric_limits<qint64>::max());
     connect(m_exchange.get(), &HTTPExchange::responded, this, &State::onResponse);
-    connect(m_exchange.get(), &HTTPExchange::readyRead, this, &State::notify);
-    connect(m_exchange.get(), &HTTPExchange::ended, this, &State::notify);
+    connect(m_exchange.get(), &HTTPExchange::readyRead, this, &State::wake);
+    // Queued, since an exchange also ends while its manager is being destroyed, and nobody is to run then.
+    connect(m_exchange.get(), &HTTPExchange::ended, this, &State::wake, Qt::QueuedConnection);
     m_exchange->start();
     m_onStop.emplace(m_stop, OnStop{this});
 }
@@ -162,6 +161,7 @@ SSEStream::Next SSEStream::State::take() {
 void SSEStream::State::abandon() {
     // From here on nobody is to be resumed, not even by a wake-up that is queued already.
     m_waiting = nullptr;
+    m_over = true;
     m_onStop.reset();
     if (m_exchange) {
         m_exchange->disconnect(this);
@@ -173,17 +173,12 @@ void SSEStream::State::abandon() {
 void SSEStream::State::onResponse() {
     if (isRefusal())
         QTimer::singleShot(errorBodyTime, m_exchange.get(), &HTTPExchange::stop);
-    notify();
-}
-
-/// Queued rather than at once: the signal comes from inside the network reply, and the consumer may end it.
-void SSEStream::State::notify() {
-    if (m_waiting && !std::exchange(m_notified, true))
-        QMetaObject::invokeMethod(this, &State::wake, Qt::QueuedConnection);
 }
 
 void SSEStream::State::wake() {
-    m_notified = false;
+    // What nobody pulls stays unread.
+    if (!m_waiting && !m_stop.stop_requested())
+        return;
     const bool ready = advance();
     if (m_waiting && ready)
         std::exchange(m_waiting, nullptr).resume();

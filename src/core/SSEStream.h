@@ -31,7 +31,7 @@ public:
     /// An event, none at the end, or why there are no more. The last two are repeated when asked again.
     using Next = Result<std::optional<SSEEvent>>;
 
-    /// Ready at once while events are buffered; otherwise the consumer resumes through the event loop.
+    /// Ready at once while events are buffered; otherwise the consumer resumes from the event loop.
     class [[nodiscard]] Awaiter {
     public:
         explicit Awaiter(State *state)
