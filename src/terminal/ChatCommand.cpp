@@ -25,14 +25,12 @@ ChatCommand::ChatCommand(Application &application, Console &console, StandardInp
     };
     connect(&m_view, &ChatWithTwinView::turnCompleted, this, ended);
     connect(&m_view, &ChatWithTwinView::turnFailed, this, ended);
-    // A turn that somebody else ended (signed out elsewhere) ends with neither of the two.
-    connect(
-        &m_view, &ChatWithTwinView::stateChanged, this,
-        [this] {
-            if (m_turnEnded && !m_view.sending())
-                m_turnEnded->resolve(std::nullopt);
-        },
-        Qt::QueuedConnection);
+    connect(&m_view, &ChatWithTwinView::turnAbandoned, this, [this] {
+        if (m_turnEnded)
+            m_turnEnded->resolve(std::nullopt);
+    });
+    // A stream that says nothing would not notice that its sign-in has ended.
+    connect(&application.auth(), &AuthStore::generationChanged, &m_view, &ChatWithTwinView::recheck);
     connect(&m_session, &ConversationSession::saveEnded, this, [this](const ConversationSession::Saved &saved) {
         if (m_saveEnded)
             m_saveEnded->resolve(saved);

@@ -21,6 +21,7 @@ ChatOutput::ChatOutput(Console &console, ChatWithTwinView &view, SafetyGateStore
     });
     connect(&view, &ChatWithTwinView::turnCompleted, this, &ChatOutput::onCompleted);
     connect(&view, &ChatWithTwinView::turnFailed, this, &ChatOutput::onFailed);
+    connect(&view, &ChatWithTwinView::turnAbandoned, this, &ChatOutput::onAbandoned);
     connect(&safety, &SafetyGateStore::crisisChanged, this, &ChatOutput::onCrisis);
     connect(&safety, &SafetyGateStore::continuousUseChanged, this, &ChatOutput::onContinuousUse);
 }
@@ -76,6 +77,14 @@ void ChatOutput::onFailed(const TurnOutcome &outcome) {
         m_console.error(*outcome.reason);
     if (outcome.charged)
         sayCharge(outcome);
+}
+
+void ChatOutput::onAbandoned() {
+    const QString reason = u"登录已变化，没有等到这一轮的结果与结算。请先查看账单。"_s;
+    if (m_jsonl)
+        return emitLine(jsonl::TurnFailed{.state = u"unknown"_s, .reason = reason});
+    endReply();
+    m_console.error(reason);
 }
 
 void ChatOutput::sayCharge(const TurnOutcome &outcome) {

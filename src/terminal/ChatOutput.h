@@ -21,6 +21,7 @@ private:
     void onDelta(const QString &text);
     void onCompleted(const TurnOutcome &outcome);
     void onFailed(const TurnOutcome &outcome);
+    void onAbandoned();
     void onCrisis();
     void onContinuousUse();
     void sayCharge(const TurnOutcome &outcome);

@@ -16,7 +16,7 @@ int main(int argc, char **argv) {
     }
     // What a person can act on is said in sentences; the log is for whoever asks for it.
     if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
-        QLoggingCategory::setFilterRules(QStringLiteral("com.tolvey.quillet.*=false"));
+        QLoggingCategory::setFilterRules(QStringLiteral("com.tolvey.quillet.*=false\ndefault.warning=false"));
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("lumenpair"));
     QCoreApplication::setApplicationVersion(QStringLiteral(LMP_VERSION));
