@@ -1,0 +1,204 @@
+#!/usr/bin/env python3
+"""Measures our programs beside their peers and prints each figure as a ratio.
+
+    figures.py FOLDER [FIGURE...]     FOLDER holds the benchmark programs; FIGURE is one of the names below
+
+Only ratios count: the programs of a figure run in turns, so that whatever else the machine does falls on all of them.
+Each line says what is measured, the medians, the ratio and what it must hold; the exit status is 1 when one does not.
+"""
+
+import json
+import os
+import re
+import shutil
+import statistics
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+ROUNDS = int(os.environ.get("LMP_BENCH_ROUNDS", "7"))
+EVENTS = 200_000
+
+
+class Figures:
+    def __init__(self, programs):
+        self.programs = programs
+        self.missed = []
+
+    def program(self, name):
+        return str(self.programs / name)
+
+    def hold(self, name, text, good):
+        """Prints one figure and remembers whether it holds."""
+        print(f"  {'holds ' if good else 'MISSED'} {name}: {text}", flush=True)
+        if not good:
+            self.missed.append(name)
+
+    def note(self, text):
+        print(f"         {text}", flush=True)
+
+
+class EventServer:
+    """The other side of the wire, for as long as the block lasts."""
+
+    def __init__(self, figures):
+        self.process = subprocess.Popen([figures.program("bench_event_server")], stdout=subprocess.PIPE, text=True)
+        self.port = int(self.process.stdout.readline())
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.process.wait()
+
+    def url(self, query):
+        return f"http://127.0.0.1:{self.port}/?{query}"
+
+
+def run(command):
+    """One run. Returns the "name=value" words it printed, and "wall_ms"."""
+    started = time.perf_counter()
+    done = subprocess.run(command, stdout=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True, check=True)
+    words = {name: float(value) for name, value in re.findall(r"(\w+)=([\d.]+)", done.stdout)}
+    return words | {"wall_ms": (time.perf_counter() - started) * 1e3}
+
+
+def alternate(commands, rounds=ROUNDS):
+    """Runs all commands in turns, after a round that does not count. Returns the median of every word of each."""
+    runs = {label: [] for label in commands}
+    for number in range(rounds + 1):
+        for label, command in commands.items():
+            words = run(command)
+            if number > 0:
+                runs[label].append(words)
+    return {
+        label: {word: statistics.median(one[word] for one in many) for word in many[0]} for label, many in runs.items()
+    }
+
+
+def event_readers(figures, url, mode="chat"):
+    readers = {
+        "ours": [figures.program("bench_event_reader"), url, mode],
+        "qt_json": [figures.program("bench_qt_event_reader"), url, "json"],
+    }
+    if mode == "chat":
+        readers["qt_count"] = [figures.program("bench_qt_event_reader"), url, "count"]
+        readers["python"] = [sys.executable, str(HERE / "event_reader.py"), url]
+    if node := shutil.which("node"):
+        readers["node"] = [node, str(HERE / "event_reader.mjs"), url]
+    return readers
+
+
+def show_speeds(figures, medians):
+    figures.note(", ".join(f"{label} {EVENTS / one['ms']:,.0f} k/s" for label, one in medians.items()))
+
+
+def same_work(medians):
+    texts = {label: one["text"] for label, one in medians.items() if label != "qt_count"}
+    if len(set(texts.values())) != 1:
+        raise SystemExit(f"the readers did not read the same: {texts}")
+
+
+def close(figures):
+    """200,000 deltas into typed frames, the body to the end of the connection"""
+    with EventServer(figures) as server:
+        medians = alternate(event_readers(figures, server.url(f"n={EVENTS}&mode=close")))
+    same_work(medians)
+    show_speeds(figures, medians)
+    ratio = medians["qt_json"]["ms"] / medians["ours"]["ms"]
+    figures.hold("close", f"{ratio:.2f} x the QJsonDocument reader (at least 1.0)", ratio >= 1.0)
+
+
+def chunk(figures):
+    """The same, each event an HTTP chunk of its own"""
+    with EventServer(figures) as server:
+        medians = alternate(event_readers(figures, server.url(f"n={EVENTS}&mode=chunk")))
+    same_work(medians)
+    show_speeds(figures, medians)
+    ratio = medians["qt_count"]["ms"] / medians["ours"]["ms"]
+    figures.hold("chunk", f"{ratio:.2f} x counting bytes only (at least 0.9)", ratio >= 0.9)
+
+
+def latency(figures):
+    """One event each 2 ms, from the server's write to the typed frame"""
+    with EventServer(figures) as server:
+        medians = alternate(event_readers(figures, server.url("n=1000&pace=2000"), "timed"))
+    for label, one in medians.items():
+        figures.note(f"{label}: p50 {one['p50_us']:.0f} us, p99 {one['p99_us']:.0f} us, CPU {one['cpu_us']:.0f} us")
+    ours = medians["ours"]
+    ratio = ours["p50_us"] / medians["qt_json"]["p50_us"]
+    figures.hold("latency p50", f"{ratio:.2f} x Qt (at most 1.3)", ratio <= 1.3)
+    figures.hold("latency p99", f"{ours['p99_us']:.0f} us (under 1,000)", ours["p99_us"] < 1000)
+    figures.hold("latency CPU", f"{ours['cpu_us']:.0f} us an event (at most 100)", ours["cpu_us"] <= 100)
+
+
+def memory(figures):
+    """A stream of 500 MB"""
+    events = 7_200_000
+    with EventServer(figures) as server:
+        one = run([figures.program("bench_event_reader"), server.url(f"n={events}&mode=close"), "drop"])
+    body = one["bytes"] + one["events"] * len("data: \n\n")
+    figures.note(f"{body / 1e6:.0f} MB in {one['ms'] / 1e3:.1f} s, {one['events'] / one['ms']:,.0f} k events/s")
+    growth = one["growth_kb"] / 1024
+    figures.hold("memory", f"grows by {growth:.1f} MB (under 20)", growth < 20 and body >= 500e6)
+
+
+def records(figures):
+    """A conversation of 20,000 messages into records, and back"""
+    done = subprocess.run(
+        [
+            figures.program("bench_json"),
+            "--benchmark_enable_random_interleaving=true",
+            f"--benchmark_repetitions={ROUNDS}",
+            "--benchmark_min_time=0.3",
+            "--benchmark_format=json",
+        ],
+        stdout=subprocess.PIPE,
+        stderr=subprocess.DEVNULL,
+        text=True,
+        check=True,
+    )
+    speeds = {}
+    for one in json.loads(done.stdout)["benchmarks"]:
+        if one.get("error_occurred"):
+            raise SystemExit(f"{one['name']}: {one['error_message']}")
+        if one.get("aggregate_name") == "median":
+            speeds[one["run_name"].removeprefix("reading/")] = one["bytes_per_second"] / 1e6
+    figures.note(", ".join(f"{label} {speed:.0f} MB/s" for label, speed in speeds.items()))
+    by_hand = speeds["ours"] / speeds["by_hand"]
+    qt = speeds["ours"] / speeds["qt"]
+    writing = speeds["writing"] / speeds["ours"]
+    figures.hold("records by hand", f"{by_hand:.2f} x Boost.JSON by hand (at least 0.85)", by_hand >= 0.85)
+    figures.hold("records Qt", f"{qt:.2f} x QJsonDocument (at least 1.8)", qt >= 1.8)
+    figures.hold("records writing", f"{writing:.2f} x reading (at least 1.0)", writing >= 1.0)
+
+
+def version(figures):
+    """lumenpair --version, from exec to exit"""
+    medians = alternate(
+        {"ours": [figures.program("lumenpair"), "--version"], "qt_core": [figures.program("bench_qt_core")]}, 40
+    )
+    figures.note(", ".join(f"{label} {one['wall_ms']:.1f} ms" for label, one in medians.items()))
+    ratio = medians["ours"]["wall_ms"] / medians["qt_core"]["wall_ms"]
+    figures.hold("version", f"{ratio:.2f} x a program that makes a QCoreApplication (at most 1.5)", ratio <= 1.5)
+
+
+ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, version)}
+
+
+def main():
+    if len(sys.argv) < 2 or any(name not in ALL for name in sys.argv[2:]):
+        raise SystemExit(__doc__ + "\nFigures: " + ", ".join(ALL))
+    figures = Figures(Path(sys.argv[1]).resolve())
+    for name in sys.argv[2:] or ALL:
+        print(f"{name}: {ALL[name].__doc__} (load {os.getloadavg()[0]:.1f})", flush=True)
+        ALL[name](figures)
+    if figures.missed:
+        raise SystemExit("missed: " + ", ".join(figures.missed))
+
+
+if __name__ == "__main__":
+    main()
