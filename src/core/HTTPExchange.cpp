@@ -14,9 +14,13 @@ namespace {
 
 constexpr int maxRedirects = 16;
 
-/// Errors that only repeat what the status says already; the answer itself is whole.
-bool isStatusError(QNetworkReply::NetworkError error) {
-    return (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
+/// Errors that only repeat what the status says already; the answer itself is whole. On a status that is no error they
+/// mean something else: a body that did not decompress is told in the same words.
+bool isStatusError(int status, QNetworkReply::NetworkError error) {
+    if (status < 400)
+        return false;
+    return error == QNetworkReply::ProxyAuthenticationRequiredError || // what Qt calls a 407
+           (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
            error == QNetworkReply::ProtocolInvalidOperationError || // what Qt calls a 400
            (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
 }
@@ -152,7 +156,7 @@ void HTTPExchange::onFinished() {
     if (!m_reply || sender() != m_reply)
         return;
     const auto error = m_reply->error();
-    if (error == QNetworkReply::NoError || (m_status && isStatusError(error)))
+    if (error == QNetworkReply::NoError || (m_status && isStatusError(*m_status, error)))
         finish(m_status ? End::Complete : End::NotHTTP);
     else if (!m_status && isProtocolError(error))
         finish(End::NotHTTP);
@@ -161,8 +165,8 @@ void HTTPExchange::onFinished() {
 }
 
 void HTTPExchange::onSilence() {
-    // A reader that has not taken what is there makes the silence, not the service.
-    if (m_reply && m_reply->bytesAvailable() > 0)
+    // Where the buffer is bounded, a reader that leaves it full holds the sender back and makes the silence itself.
+    if (m_reply && m_session.readBuffer > 0 && m_reply->bytesAvailable() >= m_session.readBuffer / 2)
         heard();
     const std::chrono::milliseconds left = m_session.requestTimeout - std::chrono::milliseconds(m_heard.elapsed());
     if (left > 0ms)

@@ -41,7 +41,10 @@ Result<QUrl> RequestURL::join(const QUrl &base, const QString &path) {
     if (!path.startsWith(u'/'))
         text += u'/';
     text += path;
-    const QUrl url = std::ranges::all_of(path, mayStand) && escapesHold(path) ? QUrl(text, QUrl::StrictMode) : QUrl();
+    // Behind a query or a fragment the path would be swallowed, and every request would ask for the same thing.
+    const bool forms =
+        !base.hasQuery() && !base.hasFragment() && std::ranges::all_of(path, mayStand) && escapesHold(path);
+    const QUrl url = forms ? QUrl(text, QUrl::StrictMode) : QUrl();
     const bool usable =
         url.isValid() && (url.scheme() == "http"_L1 || url.scheme() == "https"_L1) && !url.host().isEmpty();
     if (!usable)

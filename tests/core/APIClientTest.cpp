@@ -50,6 +50,8 @@ TEST_F(APIClientTest, JoinsBaseAndPath) {
              {u"http://h/api"_s, u"/app/c?id=a&b=%20"_s, u"http://h/api/app/c?id=a&b=%20"_s},
              {u"h/api"_s, u"/app"_s, {}},
              {u"ftp://h"_s, u"/app"_s, {}},
+             {u"http://h/?x=1"_s, u"/app"_s, {}},
+             {u"http://h/#x"_s, u"/app"_s, {}},
              {u"http://h"_s, u"/app?id=a b"_s, {}},
              {u"http://h"_s, u"/app?id=\r\nX: y"_s, {}},
              {u"http://h"_s, u"/app?id=%zz"_s, {}},
@@ -98,6 +100,7 @@ TEST_F(APIClientTest, ErrorBodies) {
              {500, "", u"请求失败（500）"_s, {}, {}, {}},
              {400, R"({"error":7,"reason":"r"})", u"请求失败（400）"_s, {}, {}, {}},
              {304, "", u"请求失败（304）"_s, {}, {}, {}},
+             {407, "", u"请求失败（407）"_s, {}, {}, {}},
              {401, R"({"error":"unauthorized"})", u"unauthorized"_s, u"unauthorized"_s, {}, {}},
          }) {
         server.on("/api/e", StubServer::reply(status, body, "WWW-Authenticate: Basic realm=\"x\"\r\n"));
@@ -184,6 +187,21 @@ TEST_F(APIClientTest, TransportFailures) {
         QObject::connect(timer, &QTimer::timeout, &socket, [&socket] { socket.write(" "); });
         timer->start(5);
     });
+    // A body that began and then stalls is as silent as none, long before the whole time is up.
+    server.on("/api/begun", [](const auto &, QTcpSocket &socket) {
+        socket.write("HTTP/1.1 200 OK\r\nContent-Length: 50\r\n\r\n{\"title\":");
+    });
+    // What does not decompress is no whole answer.
+    server.on("/api/packed", StubServer::reply(200, "\x1f\x8b\x08\0\0\0\0\0\0\x03 this is no deflate stream"_ba,
+                                               "Content-Encoding: gzip\r\n"));
+    auto patient = client();
+    patient.session.requestTimeout = 60ms;
+    patient.session.resourceTimeout = 60s;
+    EXPECT_EQ(get<Titled>(patient, u"/begun"_s).error().reason, u"等太久了，再试一次。"_s);
+    const auto packed = await(client().getData(u"/packed"_s));
+    ASSERT_FALSE(packed);
+    EXPECT_EQ(packed.error(), APIError::network());
+
     auto quick = client();
     quick.session.requestTimeout = quick.slowSession.requestTimeout = 60ms;
     quick.session.resourceTimeout = quick.slowSession.resourceTimeout = 300ms;
