@@ -6,6 +6,7 @@
 #include <coroutine>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace lmp {
 
@@ -22,31 +23,42 @@ public:
         : m_work(std::move(work))
         , m_pool(pool) {}
 
+    ~PoolAwaiter() { m_wait->handle = nullptr; }
+    PoolAwaiter(const PoolAwaiter &) = delete;
+    PoolAwaiter &operator=(const PoolAwaiter &) = delete;
+
     bool await_ready() const noexcept { return false; }
     void await_suspend(std::coroutine_handle<> handle) {
-        m_handle = handle;
-        m_pool->start([work = std::move(m_work), waiting = m_waiting, this]() mutable {
+        m_wait->handle = handle;
+        m_pool->start([work = std::move(m_work), wait = m_wait]() mutable {
             auto value = std::make_shared<Value>(work());
-            // The receiver lives on the waiting thread and dies with the frame; the call is then dropped with it.
             QMetaObject::invokeMethod(
-                waiting.get(),
-                [this, value] {
-                    m_value = std::move(*value);
-                    m_handle.resume();
+                wait->receiver,
+                [wait, value] {
+                    wait->value = std::move(*value);
+                    if (const auto waiting = std::exchange(wait->handle, nullptr))
+                        waiting.resume();
                 },
                 Qt::QueuedConnection);
         });
     }
-    Value await_resume() { return *std::move(m_value); }
+    Value await_resume() { return *std::move(m_wait->value); }
 
 private:
+    /// Shared with the work, which may end after the frame is gone. All of it belongs to the waiting thread.
+    struct Wait {
+        std::coroutine_handle<> handle;
+        std::optional<Value> value;
+        QObject *receiver = new QObject;
+        Wait() = default;
+        Wait(const Wait &) = delete;
+        Wait &operator=(const Wait &) = delete;
+        ~Wait() { receiver->deleteLater(); }
+    };
+
     F m_work;
     QThreadPool *m_pool;
-    std::coroutine_handle<> m_handle;
-    std::optional<Value> m_value;
-    std::shared_ptr<QObject> m_waiting{new QObject, [](QObject *object) {
-                                           object->deleteLater();
-                                       }};
+    std::shared_ptr<Wait> m_wait = std::make_shared<Wait>();
 };
 
 } // namespace lmp
