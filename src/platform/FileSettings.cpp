@@ -28,7 +28,7 @@ FileSettings::FileSettings(QString path)
 
 std::optional<QByteArray> FileSettings::value(const QString &key) const {
     if (!m_loaded) {
-        m_values = load();
+        m_values = load().value_or(Values());
         m_loaded = true;
     }
     const auto it = m_values.constFind(key);
@@ -43,12 +43,14 @@ bool FileSettings::remove(const QString &key) {
     return change([&](Values &values) { values.remove(key); });
 }
 
-FileSettings::Values FileSettings::load() const {
+/// @return none when there are settings that the system does not let us read: they are not ours to replace
+std::optional<FileSettings::Values> FileSettings::load() const {
     const auto bytes = AtomicFile::read(m_path);
+    if (!bytes && bytes.error().code == ENOENT)
+        return Values();
     if (!bytes) {
-        if (bytes.error().code != ENOENT)
-            qCWarning(logPlatform) << "settings cannot be read:" << bytes.error().reason;
-        return {};
+        qCWarning(logPlatform) << "settings cannot be read:" << bytes.error().reason;
+        return std::nullopt;
     }
     QDataStream stream(*bytes);
     stream.setVersion(QDataStream::Qt_6_4);
@@ -59,10 +61,15 @@ FileSettings::Values FileSettings::load() const {
         stream >> values;
     if (head == magic && stream.status() == QDataStream::Ok)
         return values;
-    const QString kept = m_path + u".unreadable"_s;
-    std::rename(QFile::encodeName(m_path).constData(), QFile::encodeName(kept).constData());
+    QString kept = m_path + u".unreadable"_s;
+    for (int number = 2; QFile::exists(kept); ++number)
+        kept = m_path + u".unreadable.%1"_s.arg(number);
+    if (std::rename(QFile::encodeName(m_path).constData(), QFile::encodeName(kept).constData()) != 0) {
+        qCWarning(logPlatform) << "settings could not be understood, and not be put aside either";
+        return std::nullopt;
+    }
     qCWarning(logPlatform) << "settings could not be understood and were put aside";
-    return {};
+    return Values();
 }
 
 bool FileSettings::change(const std::function<void(Values &)> &edit) {
@@ -70,7 +77,10 @@ bool FileSettings::change(const std::function<void(Values &)> &edit) {
     QLockFile lock(m_path + u".lock"_s);
     if (!lock.tryLock(std::chrono::milliseconds(500).count()))
         qCWarning(logPlatform) << "settings are locked by another process; writing all the same";
-    Values values = load();
+    auto read = load();
+    if (!read)
+        return false;
+    Values values = *std::move(read);
     edit(values);
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);

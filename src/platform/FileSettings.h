@@ -11,7 +11,8 @@ namespace lmp {
 /// The user defaults of a platform that has none: one file of the profile's folder, replaced whole at each change.
 ///
 /// Read at the first use and kept in memory; a change reads again first, so that two processes keep each other's keys.
-/// A file that cannot be understood is moved aside and kept.
+/// A file that cannot be understood is moved aside and kept; one that cannot be read is left as it is, and nothing is
+/// stored then.
 class FileSettings : public Settings {
 public:
     /// @param path the file; its folder must exist.
@@ -23,7 +24,7 @@ public:
 
 private:
     using Values = QHash<QString, QByteArray>;
-    Values load() const;
+    std::optional<Values> load() const;
     bool change(const std::function<void(Values &)> &edit);
 
     QString m_path;
