@@ -2,7 +2,10 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstring>
+#include <poll.h>
 #include <unistd.h>
+#include <utility>
 
 namespace lmp {
 
@@ -22,7 +25,8 @@ void Console::reply(const QString &text) {
 }
 
 void Console::line(const QByteArray &bytes) {
-    write(STDOUT_FILENO, bytes + '\n');
+    // JSON escapes no C1 controls.
+    write(STDOUT_FILENO, (m_outputIsTerminal ? harmless(QString::fromUtf8(bytes)).toUtf8() : bytes) + '\n');
 }
 
 void Console::note(const QString &text) {
@@ -58,16 +62,27 @@ void Console::say(const QString &text, const char *color) {
     write(STDERR_FILENO, bytes);
 }
 
+void Console::loseOutput(int code) {
+    if (std::exchange(m_outputIsClosed, true) || code == EPIPE)
+        return;
+    error(QStringLiteral("写不进标准输出：") + QString::fromLocal8Bit(std::strerror(code)));
+}
+
 void Console::write(int fd, const QByteArray &bytes) {
     qsizetype done = 0;
     while (done < bytes.size()) {
         const ssize_t n = ::write(fd, bytes.constData() + done, size_t(bytes.size() - done));
-        if (n > 0)
+        if (n > 0) {
             done += n;
-        else if (errno == EPIPE && fd == STDOUT_FILENO)
-            m_outputIsClosed = true;
-        if (n <= 0 && errno != EINTR)
-            return;
+            continue;
+        }
+        if (errno == EAGAIN) {
+            // Somebody we share the stream with made it non-blocking.
+            pollfd room{fd, POLLOUT, 0};
+            ::poll(&room, 1, -1);
+        } else if (errno != EINTR) {
+            return fd == STDOUT_FILENO ? loseOutput(errno) : void();
+        }
     }
 }
 

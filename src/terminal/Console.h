@@ -15,7 +15,8 @@ public:
 
     bool outputIsTerminal() const { return m_outputIsTerminal; }
     bool inputIsTerminal() const { return m_inputIsTerminal; }
-    /// The reader of standard output has gone. A turn under way is still brought to its end and saved.
+    /// The reader of standard output has gone, or nothing more can be written to it. A turn under way is still brought
+    /// to its end and saved.
     bool outputIsClosed() const { return m_outputIsClosed; }
 
     /// Text of others (a reply, a title): as it is into a pipe, without control characters onto a terminal, where they
@@ -34,6 +35,7 @@ public:
 
 private:
     void write(int fd, const QByteArray &bytes);
+    void loseOutput(int code);
     void say(const QString &text, const char *color);
 
     bool m_outputIsTerminal;

@@ -3,11 +3,28 @@
 #include <QCoreApplication>
 #include <QLoggingCategory>
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/// A standard stream that we were started without would be the next file or socket that anything opens: what is said
+/// would be written into it, and what it holds read as typed.
+void openMissingStreams() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(fd, F_GETFD) == -1 && errno == EBADF)
+            ::open("/dev/null", O_RDWR);
+    }
+}
+
+} // namespace
 
 int main(int argc, char **argv) {
     const auto start = lmp::SystemClock().monotonic();
+    openMissingStreams();
     std::setlocale(LC_ALL, "");
     auto line = lmp::CommandLine::parse(argc, argv);
     if (!line) {
