@@ -1,5 +1,6 @@
 #include "terminal/SignalWatcher.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -30,12 +31,25 @@ int openPipe(int (&ends)[2]) {
     return ends[0];
 }
 
-void install(void (*handler)(int)) {
+/// SIGQUIT too: it would end the program at a prompt and leave the terminal without echo.
+constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+std::array<struct sigaction, signals.size()> former;
+
+void install() {
     struct sigaction action = {};
-    action.sa_handler = handler;
+    action.sa_handler = &handle;
     action.sa_flags = SA_RESTART;
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        ::sigaction(signal, &action, nullptr);
+    for (std::size_t at = 0; at < signals.size(); ++at) {
+        ::sigaction(signals[at], nullptr, &former[at]);
+        // Whoever started us so that it is ignored (nohup) means it.
+        if (former[at].sa_handler != SIG_IGN)
+            ::sigaction(signals[at], &action, nullptr);
+    }
+}
+
+void restore() {
+    for (std::size_t at = 0; at < signals.size(); ++at)
+        ::sigaction(signals[at], &former[at], nullptr);
 }
 
 } // namespace
@@ -49,11 +63,11 @@ SignalWatcher::SignalWatcher(QObject *parent)
         while (::read(m_pipe[0], &byte, 1) == 1)
             Q_EMIT caught(byte);
     });
-    install(&handle);
+    install();
 }
 
 SignalWatcher::~SignalWatcher() {
-    install(SIG_DFL);
+    restore();
     writeEnd = -1;
     ::close(m_pipe[0]);
     ::close(m_pipe[1]);

@@ -5,9 +5,10 @@
 
 namespace lmp {
 
-/// Turns SIGINT, SIGTERM and SIGHUP into a Qt signal, so that they are handled between events and not inside one.
+/// Turns SIGINT, SIGTERM, SIGHUP and SIGQUIT into a Qt signal, so that they are handled between events and not inside
+/// one.
 ///
-/// One for the process, UI thread; the former handlers come back with its end.
+/// One for the process, UI thread; the former handlers come back with its end. A signal that was ignored stays so.
 class SignalWatcher : public QObject {
     Q_OBJECT
 public:
