@@ -116,7 +116,8 @@ QCoro::Task<ExitCode> ChatCommand::converse() {
         const auto text = co_await m_input.line(u"你："_s);
         if (m_leaving)
             break;
-        if (!text && m_interrupted)
+        // The prompt was taken away; the end of input is another matter, whatever came before it.
+        if (!text && std::exchange(m_promptCancelled, false))
             continue;
         if (!text)
             co_return ExitCode::Submitted;
@@ -132,14 +133,18 @@ QCoro::Task<ExitCode> ChatCommand::turn(QString text) {
     m_saveEnded.emplace();
     const auto sent = m_view.send(text);
     if (!sent) {
+        m_turnEnded.reset();
+        m_saveEnded.reset();
         m_console.error(sent.error());
         co_return ExitCode::Failed;
     }
     const auto ended = *m_turnEnded;
     const auto outcome = co_await ended;
     m_turnEnded.reset();
-    if (!outcome)
+    if (!outcome) {
+        m_saveEnded.reset();
         co_return ExitCode::Unknown;
+    }
     // An interruption while it is being saved leaves the rest to the local copy.
     const auto saving = *m_saveEnded;
     const auto saved = co_await saving;
@@ -165,6 +170,7 @@ bool ChatCommand::interrupt(bool leave) {
     }
     if (!m_input.isWaiting())
         return false;
+    m_promptCancelled = true;
     m_input.cancel();
     if (!m_leaving)
         m_console.note(u"再按一次 Ctrl-C 离开。"_s);

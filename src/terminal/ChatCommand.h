@@ -45,7 +45,8 @@ private:
     std::unique_ptr<ChatOutput> m_output;
     std::optional<Later<std::optional<TurnOutcome>>> m_turnEnded;
     std::optional<Later<std::optional<ConversationSession::Saved>>> m_saveEnded;
-    bool m_interrupted = false; ///< once already, with nothing said since
+    bool m_interrupted = false;     ///< once already, with nothing said since
+    bool m_promptCancelled = false; ///< the line that is waited for will not come
     bool m_leaving = false;
 };
 

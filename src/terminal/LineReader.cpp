@@ -99,6 +99,9 @@ void LineReader::deliver(std::optional<QString> text) {
         setEcho(true);
     else
         rl_callback_handler_remove();
+    // The editor ends the line of an answer, and leaves the one of none unfinished.
+    if (!text && !m_isSecret)
+        std::fputc('\n', stderr);
     // Later, since the editor is still inside its own call.
     QMetaObject::invokeMethod(this, [this, text = std::move(text)] { Q_EMIT line(text); }, Qt::QueuedConnection);
 }
