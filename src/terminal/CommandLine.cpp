@@ -4,8 +4,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QHash>
+#include <QRegularExpression>
 
+#include <array>
 #include <sstream>
 
 namespace lmp {
@@ -63,7 +64,7 @@ void addSession(CLI::App &app, CommandLine &line, Words &words) {
     in->callback([&line, email, phone, guest, google] {
         line.command = CommandLine::Command::SignIn;
         if (email->empty() && phone->empty() && guest->empty() && google->empty())
-            throw CLI::RequiredError("--email, --phone, --google / --guest");
+            throw CLI::RequiredError("--email / --phone / --google / --guest");
     });
     app.add_subcommand("sign-out", "退出登录")->group("命令")->callback([&line] {
         line.command = CommandLine::Command::SignOut;
@@ -94,18 +95,33 @@ QString fromUtf8(const std::string &text) {
     return QString::fromUtf8(text.data(), qsizetype(text.size()));
 }
 
-/// What is wrong with the line, in the person's language; the parser's own words name the option.
+/// What is wrong with the line, in the person's language. The parser's own words are English: of them only the options
+/// and arguments that they name are kept.
 QString complaint(const CLI::ParseError &error) {
-    static const QHash<QString, QString> meanings = {
-        {u"ExtrasError"_s, u"不认识这些参数"_s},
-        {u"ExcludesError"_s, u"这些选项不能同时用"_s},
-        {u"RequiresError"_s, u"这个选项要和另一个一起用"_s},
-        {u"RequiredError"_s, u"还缺少必填的内容"_s},
-        {u"ArgumentMismatch"_s, u"参数的个数不对"_s},
-        {u"ConversionError"_s, u"参数的写法不对"_s},
+    using CLI::ExitCodes;
+    struct Meaning {
+        ExitCodes code;
+        QString text;
+        QRegularExpression named; ///< its captures are what is named
     };
-    const QString meaning = meanings.value(fromUtf8(error.get_name()), u"命令写得不对"_s);
-    return meaning + u"："_s + fromUtf8(error.what()) + u"\n用 --help 看用法。\n"_s;
+    static const auto pattern = [](const QString &text) {
+        return QRegularExpression(text, QRegularExpression::DotMatchesEverythingOption);
+    };
+    static const std::array meanings{
+        Meaning{ExitCodes::ExtrasError, u"不认识这些参数"_s, pattern(u"not expected: (.+)$"_s)},
+        Meaning{ExitCodes::ExcludesError, u"这些选项不能同时用"_s, pattern(u"^(.+) excludes (.+)$"_s)},
+        Meaning{ExitCodes::RequiresError, u"这些选项要一起用"_s, pattern(u"^(.+) requires (.+)$"_s)},
+        Meaning{ExitCodes::RequiredError, u"还缺少必填的内容"_s, pattern(u"^(?!A subcommand)(.+) is required$"_s)},
+        Meaning{ExitCodes::ArgumentMismatch, u"参数的个数不对"_s, pattern(u"^([^:]+):"_s)},
+    };
+    QString text = u"命令写得不对"_s;
+    for (const Meaning &meaning : meanings) {
+        if (error.get_exit_code() != int(meaning.code))
+            continue;
+        const auto named = meaning.named.match(fromUtf8(error.what())).capturedTexts().mid(1);
+        text = meaning.text + (named.isEmpty() ? QString() : u"："_s + named.join(u"、"_s));
+    }
+    return text + u"\n用 --help 看用法。\n"_s;
 }
 
 void takeOver(CommandLine &line, const Words &words) {
