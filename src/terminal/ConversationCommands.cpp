@@ -25,16 +25,19 @@ QString stateMark(std::optional<ConversationDeliveryState> state) {
 }
 
 /// Drafts first, as whoever lost the network looks for them.
-void showDrafts(Application *application, Console *console) {
+/// @return whether there are any
+bool showDrafts(Application *application, Console *console) {
     const auto drafts = application->drafts().list(application->account().userId());
     if (!drafts) {
-        console->error(drafts.error().reason);
-        return;
+        const bool nobody = drafts.error().kind == ConversationDraftCache::CacheError::Kind::missingAccount;
+        console->error(nobody ? u"现在核实不了是谁，存在本机的草稿先不列出。"_s : drafts.error().reason);
+        return false;
     }
     for (const auto &draft : drafts->entries)
         console->reply(row(draft.snapshot.id, draft.snapshot.title, u"（草稿，尚未同步）"_s));
     if (drafts->unreadable > 0)
         console->error(ConversationTexts::draftsKeptUnread(drafts->unreadable));
+    return !drafts->entries.isEmpty();
 }
 
 } // namespace
@@ -43,14 +46,14 @@ QCoro::Task<ExitCode> ConversationCommands::list(Application *application, Conso
     if (const auto refused = co_await SessionGate::pass(application, console))
         co_return *refused;
     const auto all = co_await ConversationService(application->api()).list();
-    showDrafts(application, console);
+    const bool local = showDrafts(application, console);
     if (!all) {
         console->error(u"近期项目读取失败，请刷新重试。（"_s + all.error().reason + u"）"_s);
         co_return all.error().status == 401 ? ExitCode::NotSignedIn : ExitCode::Failed;
     }
     for (const auto &summary : all->conversations)
         console->reply(row(summary.id, summary.title));
-    if (all->conversations.isEmpty())
+    if (all->conversations.isEmpty() && !local)
         console->note(u"还没有对话。"_s);
     co_return ExitCode::Submitted;
 }

@@ -21,7 +21,8 @@ QCoro::Task<std::optional<ExitCode>> SessionGate::pass(Application *application,
         co_return std::nullopt;
     }
     if (!application->usesOwnSandbox() || application->tokenIsGiven()) {
-        console->error(u"还没有登录。先运行 lumenpair sign-in。"_s);
+        console->error(application->tokenIsGiven() ? u"环境变量 LMP_TOKEN 里的登录无效或已过期。"_s
+                                                   : u"还没有登录。先运行 lumenpair sign-in。"_s);
         co_return ExitCode::NotSignedIn;
     }
     const auto answer = co_await LocalAccount::signIn(auth.service());

@@ -51,6 +51,9 @@ QCoro::Task<ExitCode> SignInCommand::run() {
         if (const auto ended = co_await askPassword())
             co_return *ended;
     }
+    // Nothing would be sent, and whoever is signed in already would look like the answer.
+    if (!m_model->canSubmit())
+        co_return complain(u"这个号码或地址不能用来登录。"_s, ExitCode::Usage);
     co_await m_model->submit();
     co_return co_await finish();
 }
