@@ -14,9 +14,9 @@ T await(QCoro::Task<T> task) {
     return QCoro::waitFor(std::move(task));
 }
 
-/// Runs the event loop until `condition` holds. @return false after 10 s without it: a test that hangs says so.
-inline bool eventually(const std::function<bool()> &condition) {
-    const QDeadlineTimer deadline(10'000);
+/// Runs the event loop until `condition` holds. @return false after `limit` ms without it: a test that hangs says so.
+inline bool eventually(const std::function<bool()> &condition, int limit = 10'000) {
+    const QDeadlineTimer deadline(limit);
     while (!condition()) {
         if (deadline.hasExpired())
             return false;

@@ -11,7 +11,15 @@ struct SandboxLine {
 };
 BOOST_DESCRIBE_STRUCT(SandboxLine, (), (url))
 
+QProcessEnvironment SandboxFixture::sandboxEnvironment() const {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const QString &name : {u"LUMENPAIR_MODEL_URL"_s, u"LUMENPAIR_MODEL_KEY"_s, u"LUMENPAIR_MODEL"_s})
+        environment.remove(name);
+    return environment;
+}
+
 void SandboxFixture::SetUp() {
+    m_sandbox.setProcessEnvironment(sandboxEnvironment());
     m_sandbox.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_sandbox.start(
         QCoreApplication::applicationDirPath() + u"/lumenpair-sandbox"_s,

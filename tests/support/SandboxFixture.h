@@ -16,6 +16,8 @@ class SandboxFixture : public ::testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+    /// What the sandbox finds in its environment: no model, unless a test has one.
+    virtual QProcessEnvironment sandboxEnvironment() const;
 
     /// Replaces all faults by this one; an empty text leaves none.
     void fault(const QByteArray &rule);

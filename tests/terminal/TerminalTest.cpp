@@ -1,6 +1,10 @@
+#include "support/PseudoTerminal.h"
 #include "support/SandboxFixture.h"
+#include "support/StubServer.h"
 
 #include <QDirIterator>
+#include <QRegularExpression>
+#include <QStandardPaths>
 
 #include <csignal>
 
@@ -44,6 +48,7 @@ protected:
         env.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
         env.insert(u"XDG_RUNTIME_DIR"_s, m_home.path());
         env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+        env.insert(u"TERM"_s, u"xterm"_s);
         return env;
     }
     void start(QProcess &program, const QStringList &arguments, const QString &token) const {
@@ -55,7 +60,8 @@ protected:
                       QStringList{u"--site"_s, m_site.toString()} + arguments);
     }
     Run finish(QProcess &program) {
-        EXPECT_TRUE(program.waitForFinished(60'000));
+        // With the event loop running, since a stub in this process may have to answer meanwhile.
+        EXPECT_TRUE(eventually([&] { return program.state() == QProcess::NotRunning; }, 60'000));
         return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -2,
                 QString::fromUtf8(program.readAllStandardOutput()), QString::fromUtf8(program.readAllStandardError())};
     }
@@ -77,6 +83,16 @@ protected:
                 state = message.at("deliveryState").as_string();
         }
         return state;
+    }
+    void expectNothingInClear() {
+        QDirIterator files(m_home.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            const QByteArray bytes = file.readAll();
+            EXPECT_FALSE(bytes.contains("sbx_")) << file.fileName().toStdString();
+            EXPECT_FALSE(bytes.contains("long-Secret-77")) << file.fileName().toStdString();
+        }
     }
     std::size_t charges() { return look(u"/sandbox/charges"_s, m_token).at("charges").as_array().size(); }
 
@@ -218,30 +234,20 @@ TEST_F(TerminalTest, WhoIsThere) {
 }
 
 TEST_F(TerminalTest, SignInLeavesNothingInClear) {
-    const auto code = [&](const QString &phone) {
-        auto api = client();
-        api.base = QUrl(m_site.toString() + u"/api"_s);
-        return await(AuthService(api).sendSms({.phone = phone, .dialCode = u"+86"_s}))->devCode->toUtf8();
-    };
-    Q_UNUSED(code);
     const auto in = run({u"sign-in"_s, u"--phone"_s, u"139-0000 0002"_s}, "\n", u""_s);
     EXPECT_EQ(in.code, 0) << in.err.toStdString();
     EXPECT_TRUE(in.err.contains(u"开发环境已自动填入验证码"_s));
     EXPECT_EQ(run({u"sign-in"_s, u"--phone"_s, u"1390000000"_s}, "\n", u""_s).code, 2);
+    // Nothing was sent, and whoever is signed in already is not the answer.
+    const auto nobody = run({u"sign-in"_s, u"--phone"_s, u"abc"_s, u"--password"_s}, "secret\n");
+    EXPECT_EQ(nobody.code, 2) << nobody.err.toStdString();
     const auto registered =
         run({u"sign-in"_s, u"--email"_s, u"a@b.example"_s, u"--register"_s}, "\nlong-Secret-77\n", u""_s);
     EXPECT_EQ(registered.code, 0) << registered.err.toStdString();
     const auto secret = run({u"sign-in"_s, u"--email"_s, u"a@b.example"_s}, "long-Secret-77\n", u""_s);
     EXPECT_EQ(secret.code, 0) << secret.err.toStdString();
     EXPECT_EQ(run({u"sign-in"_s, u"--email"_s, u"a@b.example"_s}, "wrong\n", u""_s).code, 1);
-    QDirIterator files(m_home.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        QFile file(files.next());
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray bytes = file.readAll();
-        EXPECT_FALSE(bytes.contains("sbx_")) << file.fileName().toStdString();
-        EXPECT_FALSE(bytes.contains("long-Secret-77")) << file.fileName().toStdString();
-    }
+    expectNothingInClear();
 }
 
 TEST_F(TerminalTest, CrisisLeavesNoTrace) {
@@ -264,9 +270,18 @@ TEST_F(TerminalTest, UsageErrors) {
     for (const QStringList &arguments : {QStringList{u"chat"_s, u"-c"_s, u"--incognito"_s},
                                          {u"chat"_s, u"--conversation"_s, u"x"_s, u"--incognito"_s},
                                          {u"sign-in"_s},
+                                         {u"sign-in"_s, u"--register"_s},
+                                         {u"conversations"_s, u"show"_s},
+                                         {u"conversations"_s},
+                                         {u"--site"_s},
                                          {u"nonsense"_s},
-                                         {u"--profile"_s, u"../x"_s, u"whoami"_s}})
-        EXPECT_EQ(run(arguments).code, 2) << arguments.join(u' ').toStdString();
+                                         {u"--profile"_s, u"../x"_s, u"whoami"_s}}) {
+        const auto refused = run(arguments);
+        EXPECT_EQ(refused.code, 2) << arguments.join(u' ').toStdString();
+        // The parser speaks English; the person is spoken to in Chinese.
+        EXPECT_FALSE(refused.err.contains(QRegularExpression(u"required|expected|excludes|requires"_s)))
+            << refused.err.toStdString();
+    }
     const auto odd = run({u"chat"_s, u"--conversation"_s, u"a b"_s, u"你好"_s});
     EXPECT_EQ(odd.code, 1);
     EXPECT_TRUE(odd.err.contains(u"地址不合法"_s)) << odd.err.toStdString();
@@ -282,6 +297,177 @@ TEST_F(TerminalTest, AReaderWhoLeavesIsNoError) {
     EXPECT_EQ(finish(shell).code, 0);
     EXPECT_TRUE(eventually([&] { return charges() == 1; }));
     EXPECT_EQ(lastState(), "submitted");
+}
+
+TEST_F(TerminalTest, StartsWithoutStandardStreams) {
+    // The next thing that is opened must not become one of them.
+    const auto shell = [&](const QString &script) {
+        QProcess program;
+        auto env = environment();
+        env.insert(u"LMP_TOKEN"_s, m_token);
+        program.setProcessEnvironment(env);
+        program.start(u"/bin/sh"_s, {u"-c"_s, script, QCoreApplication::applicationDirPath() + u"/lumenpair"_s,
+                                     u"--site"_s, m_site.toString()});
+        return finish(program);
+    };
+    EXPECT_EQ(shell(u"exec \"$0\" \"$@\" chat <&-"_s).code, 2);
+    EXPECT_EQ(shell(u"exec \"$0\" \"$@\" chat 你好 <&- >&- 2>&-"_s).code, 0);
+    EXPECT_EQ(lastState(), "submitted");
+    EXPECT_EQ(charges(), 1u);
+    if (QFile::exists(u"/dev/full"_s)) {
+        const auto full = shell(u"exec \"$0\" \"$@\" chat 你好 >/dev/full"_s);
+        EXPECT_EQ(full.code, 0);
+        EXPECT_TRUE(full.err.contains(u"写不进标准输出"_s)) << full.err.toStdString();
+    }
+}
+
+TEST_F(TerminalTest, ConversesOnATerminal) {
+    PseudoTerminal terminal;
+    ASSERT_TRUE(terminal.isOpen());
+    QProcess program;
+    terminal.attach(program);
+    start(program, {u"chat"_s}, m_token);
+    ASSERT_TRUE(terminal.shows(u"你："_s)) << terminal.shown().toStdString();
+    terminal.type("你好\r");
+    ASSERT_TRUE(terminal.shows(u"余额"_s)) << terminal.shown().toStdString();
+    ASSERT_TRUE(terminal.shows(u"你："_s));
+    terminal.type("\x03");
+    ASSERT_TRUE(terminal.shows(u"再按一次 Ctrl-C 离开。"_s));
+    ASSERT_TRUE(terminal.shows(u"你："_s));
+    // The end of input leaves, also after an interruption.
+    terminal.type("\x04");
+    EXPECT_EQ(finish(program).code, 0);
+    EXPECT_TRUE(terminal.echoes());
+    EXPECT_EQ(lastState(), "submitted");
+}
+
+TEST_F(TerminalTest, SecretsAreNotShownAndTheEchoComesBack) {
+    struct Case {
+        QByteArray keys;
+        int code;
+    };
+    for (const auto &[keys, code] :
+         std::initializer_list<Case>{{"\x03", 130}, {"\x1c", 130}, {"\x04", 2}, {"wrong-Secret-77\r", 1}}) {
+        PseudoTerminal terminal;
+        ASSERT_TRUE(terminal.isOpen());
+        QProcess program;
+        terminal.attach(program);
+        start(program, {u"sign-in"_s, u"--email"_s, u"nobody@b.example"_s}, {});
+        ASSERT_TRUE(terminal.shows(u"密码："_s)) << terminal.shown().toStdString();
+        ASSERT_TRUE(eventually([&] { return !terminal.echoes(); }));
+        terminal.type(keys);
+        EXPECT_EQ(finish(program).code, code) << terminal.shown().toStdString();
+        EXPECT_TRUE(terminal.echoes());
+        EXPECT_FALSE(terminal.shown().contains("Secret"));
+    }
+}
+
+TEST_F(TerminalTest, AKilledProgramLosesNoInput) {
+    fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
+    QProcess program;
+    start(program, {u"chat"_s, u"--jsonl"_s, u"别丢了这句"_s}, m_token);
+    program.closeWriteChannel();
+    QByteArray out;
+    ASSERT_TRUE(eventually([&] { return (out += program.readAllStandardOutput()).contains("\"delta\""); }, 60'000));
+    program.kill();
+    EXPECT_EQ(finish(program).code, -2);
+
+    const auto started = Json::decode<boost::json::value>(out.first(out.indexOf('\n')));
+    ASSERT_TRUE(started);
+    const auto id = QString::fromStdString(std::string(started->at("conversationId").as_string()));
+    const auto listed = run({u"conversations"_s, u"list"_s});
+    EXPECT_TRUE(listed.out.contains(id)) << listed.out.toStdString();
+    const auto shown = run({u"conversations"_s, u"show"_s, id});
+    EXPECT_EQ(shown.code, 0) << shown.err.toStdString();
+    EXPECT_TRUE(shown.out.contains(u"你：别丢了这句（"_s)) << shown.out.toStdString();
+}
+
+/// The program, the sandbox, and behind it an endpoint that speaks as the inference servers do.
+class TerminalModelTest : public TerminalTest {
+protected:
+    QProcessEnvironment sandboxEnvironment() const override {
+        auto env = TerminalTest::sandboxEnvironment();
+        env.insert(u"LUMENPAIR_MODEL_URL"_s, m_model.url().toString());
+        env.insert(u"LUMENPAIR_MODEL_KEY"_s, u"stub-key"_s);
+        env.insert(u"LUMENPAIR_MODEL"_s, u"stub-model"_s);
+        return env;
+    }
+    static QByteArray delta(const QByteArray &text) {
+        return R"(data: {"choices":[{"index":0,"delta":{"content":")" + text + "\"}}]}\n\n";
+    }
+
+    StubServer m_model;
+};
+
+TEST_F(TerminalModelTest, AModelStreamsToTheTerminal) {
+    // Cut anywhere, also within a character.
+    m_model.on("/v1/chat/completions", StubServer::events(delta("我在") + delta("听，😀") + "data: [DONE]\n\n", 5));
+    const auto turn = run({u"chat"_s, u"--jsonl"_s, u"模型在吗"_s});
+    ASSERT_EQ(turn.code, 0) << turn.err.toStdString();
+    QString text;
+    int deltas = 0;
+    for (const auto &event : turn.events()) {
+        if (event.at("type") != "delta")
+            continue;
+        text += QString::fromStdString(std::string(event.at("text").as_string()));
+        ++deltas;
+    }
+    EXPECT_EQ(text, u"我在听，😀"_s);
+    EXPECT_GE(deltas, 2);
+    EXPECT_EQ(turn.events().back().at("state"), "submitted");
+    ASSERT_EQ(m_model.requests.size(), 1u);
+    EXPECT_EQ(m_model.requests[0].headers["authorization"], "Bearer stub-key");
+    const auto asked = Json::decode<boost::json::value>(m_model.requests[0].body);
+    ASSERT_TRUE(asked);
+    EXPECT_EQ(asked->at("model"), "stub-model");
+    EXPECT_EQ(asked->at("stream"), true);
+    EXPECT_EQ(asked->at("messages").as_array().back().at("content"), "模型在吗");
+    EXPECT_EQ(charges(), 1u);
+
+    // An endpoint that fails after its first words has cost nothing, and what it said stays.
+    m_model.on("/v1/chat/completions", StubServer::events(delta("半句") + "data: {\"error\":{}}\n\n"));
+    const auto broken = run({u"chat"_s, u"再来"_s});
+    EXPECT_EQ(broken.code, 4) << broken.err.toStdString();
+    EXPECT_EQ(broken.out.trimmed(), u"半句"_s);
+    EXPECT_EQ(lastState(), "unknown");
+    EXPECT_EQ(charges(), 1u);
+}
+
+TEST_F(TerminalModelTest, AReplyCannotDriveTheTerminal) {
+    m_model.on("/v1/chat/completions",
+               StubServer::events(delta(R"(\u001b]0;title\u0007\u009b31m)") + delta("红") + "data: [DONE]\n\n"));
+    for (const QStringList &arguments : {QStringList{u"chat"_s, u"说"_s}, {u"chat"_s, u"--jsonl"_s, u"说"_s}}) {
+        PseudoTerminal terminal;
+        ASSERT_TRUE(terminal.isOpen());
+        QProcess program;
+        terminal.attach(program);
+        start(program, arguments, m_token);
+        EXPECT_EQ(finish(program).code, 0);
+        const QByteArray shown = terminal.shown();
+        EXPECT_TRUE(shown.contains("红")) << shown.toStdString();
+        EXPECT_FALSE(shown.contains("\x1b]")) << shown.toStdString();
+        EXPECT_FALSE(shown.contains("\xc2\x9b")) << shown.toStdString();
+    }
+}
+
+/// A session bus with a keyring of the test's own, for every program started through it.
+TEST_F(TerminalTest, TheKeyringKeepsTheTokenForTheNextStart) {
+    const QString bus = QStandardPaths::findExecutable(u"dbus-run-session"_s);
+    const QString keyring = QStandardPaths::findExecutable(u"gnome-keyring-daemon"_s);
+    if (bus.isEmpty() || keyring.isEmpty())
+        GTEST_SKIP() << "no dbus-run-session or no gnome-keyring-daemon";
+    QProcess session;
+    session.setProcessEnvironment(environment());
+    session.start(bus, {u"--"_s, u"/bin/sh"_s, u"-c"_s,
+                        u"printf secret | gnome-keyring-daemon --unlock --components=secrets >/dev/null 2>&1\n"
+                        "echo | \"$0\" \"$@\" sign-in --phone 13900000003 && \"$0\" \"$@\" whoami && "
+                        "\"$0\" \"$@\" sign-out && ! \"$0\" \"$@\" whoami"_s,
+                        QCoreApplication::applicationDirPath() + u"/lumenpair"_s, u"--site"_s, m_site.toString()});
+    session.closeWriteChannel();
+    const auto ended = finish(session);
+    EXPECT_EQ(ended.code, 0) << ended.err.toStdString();
+    EXPECT_TRUE(ended.out.contains(u"13900000003"_s)) << ended.err.toStdString();
+    expectNothingInClear();
 }
 
 } // namespace lmp
