@@ -3,13 +3,14 @@
 #
 #   setup build | setup build test | setup build test bench
 #
-# Quick when there is nothing to do, silent on standard output, and never reads standard input.
+# Quick when there is nothing to do, silent on standard output, and never reads standard input. Recommended packages
+# are left out, so what the program itself loads as it runs is named too: libsecret for the keychain, the certificates.
 
 debian_packages() {
   case $1 in
     build) echo clang-19 lld-19 cmake ninja-build ccache qt6-base-dev qcoro-qt6-dev qtkeychain-qt6-dev libboost1.81-dev \
                 libboost-json1.81-dev libcli11-dev libedit-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev \
-                libssl-dev zlib1g-dev libbrotli-dev pkgconf ;;
+                libssl-dev zlib1g-dev libbrotli-dev pkgconf ca-certificates libsecret-1-0 ;;
     test)  echo clang-format-19 libclang-rt-19-dev llvm-19 libgtest-dev libgmock-dev dbus-daemon gnome-keyring git \
                 python3 ;;
     tidy)  echo clang-tidy-19 ;;
