@@ -47,15 +47,15 @@ QUrl LoopbackReceiver::redirectUri() const {
 
 void LoopbackReceiver::accept() {
     while (auto *socket = m_server.nextPendingConnection()) {
-        if (m_partial.size() >= maxSockets) {
-            socket->abort();
-            socket->deleteLater();
-            continue;
-        }
+        // The oldest makes room: whoever holds connections open without asking must not keep the browser out.
+        if (m_oldestFirst.size() >= maxSockets)
+            m_oldestFirst.front()->abort();
+        m_oldestFirst.append(socket);
         m_partial.insert(socket, {});
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
         connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
             m_partial.remove(socket);
+            m_oldestFirst.removeOne(socket);
             socket->deleteLater();
         });
     }

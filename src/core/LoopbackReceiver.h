@@ -51,7 +51,8 @@ private:
     quint16 m_port = 0;
     std::optional<Callback> m_callback;
     QHash<QTcpSocket *, QByteArray> m_partial;
-    QTcpServer m_server; ///< last: its sockets report to the members above while it dies
+    QList<QTcpSocket *> m_oldestFirst; ///< all that are open
+    QTcpServer m_server;               ///< last: its sockets report to the members above while it dies
 };
 
 } // namespace lmp
