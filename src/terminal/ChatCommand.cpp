@@ -52,8 +52,10 @@ QCoro::Task<ExitCode> ChatCommand::run() {
         co_return *refused;
     const auto opened = co_await openConversation();
     if (!opened) {
-        m_console.error(opened.error());
-        co_return m_leaving ? ExitCode::Stopped : ExitCode::Failed;
+        m_console.error(opened.error().reason);
+        if (m_leaving)
+            co_return ExitCode::Stopped;
+        co_return opened.error().status == 401 ? ExitCode::NotSignedIn : ExitCode::Failed;
     }
     if (m_leaving)
         co_return ExitCode::Stopped;
@@ -75,7 +77,7 @@ QCoro::Task<std::optional<QString>> ChatCommand::question() {
     co_return std::nullopt;
 }
 
-QCoro::Task<std::expected<void, QString>> ChatCommand::openConversation() {
+QCoro::Task<Result<void>> ChatCommand::openConversation() {
     if (m_line.incognito)
         m_console.note(ConversationTexts::incognitoBanner());
     QString id = m_line.conversationId;
@@ -83,7 +85,7 @@ QCoro::Task<std::expected<void, QString>> ChatCommand::openConversation() {
         const auto last = co_await lastConversation();
         if (!last)
             co_return std::unexpected(last.error());
-        id = *last;
+        id = last->text;
     }
     if (id.isEmpty()) {
         m_session.begin({}, m_line.incognito);
@@ -91,23 +93,24 @@ QCoro::Task<std::expected<void, QString>> ChatCommand::openConversation() {
     }
     const auto loaded = co_await m_session.load(id);
     if (!loaded)
-        co_return std::unexpected(loaded.error().reason);
+        co_return std::unexpected(loaded.error());
     const auto *conversation = m_session.conversation();
-    m_console.note(u"接着「%1」（%2 条消息）"_s.arg(conversation->title).arg(conversation->messages.size()));
+    m_console.note(
+        u"接着「%1」（%2 条消息）"_s.arg(conversation->title, QString::number(conversation->messages.size())));
     if (m_session.conflicted())
         m_console.note(u"这段对话在别处有更新的内容，这里的改动先只存在本机。"_s);
     co_return {};
 }
 
-QCoro::Task<std::expected<QString, QString>> ChatCommand::lastConversation() {
+QCoro::Task<Result<ChatCommand::ConversationId>> ChatCommand::lastConversation() {
     const auto all = co_await ConversationService(m_application.api()).list();
     if (!all)
-        co_return std::unexpected(all.error().reason);
+        co_return std::unexpected(all.error());
     if (all->conversations.isEmpty()) {
         m_console.note(u"还没有对话，开始新的一段。"_s);
-        co_return QString();
+        co_return ConversationId();
     }
-    co_return all->conversations.front().id;
+    co_return ConversationId{all->conversations.front().id};
 }
 
 QCoro::Task<ExitCode> ChatCommand::converse() {

@@ -29,9 +29,14 @@ public:
     bool interrupt(bool leave);
 
 private:
+    /// Of the last conversation; empty when there is none yet.
+    struct ConversationId {
+        QString text;
+    };
+
     QCoro::Task<std::optional<QString>> question();
-    QCoro::Task<std::expected<void, QString>> openConversation();
-    QCoro::Task<std::expected<QString, QString>> lastConversation();
+    QCoro::Task<Result<void>> openConversation();
+    QCoro::Task<Result<ConversationId>> lastConversation();
     QCoro::Task<ExitCode> converse();
     QCoro::Task<ExitCode> turn(QString text);
     static ExitCode exitCode(const TurnOutcome &outcome);
