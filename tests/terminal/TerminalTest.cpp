@@ -84,15 +84,20 @@ protected:
         }
         return state;
     }
-    void expectNothingInClear() {
+    /// Whether any file of the program's home holds `bytes`; one that is being written does not count.
+    bool isOnDisk(const QByteArray &bytes) const {
         QDirIterator files(m_home.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
         while (files.hasNext()) {
             QFile file(files.next());
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            const QByteArray bytes = file.readAll();
-            EXPECT_FALSE(bytes.contains("sbx_")) << file.fileName().toStdString();
-            EXPECT_FALSE(bytes.contains("long-Secret-77")) << file.fileName().toStdString();
+            if (!file.fileName().endsWith(u".tmp"_s) && file.open(QIODevice::ReadOnly) &&
+                file.readAll().contains(bytes))
+                return true;
         }
+        return false;
+    }
+    void expectNothingInClear() const {
+        EXPECT_FALSE(isOnDisk("sbx_"));
+        EXPECT_FALSE(isOnDisk("long-Secret-77"));
     }
     std::size_t charges() { return look(u"/sandbox/charges"_s, m_token).at("charges").as_array().size(); }
 
@@ -228,6 +233,11 @@ TEST_F(TerminalTest, WhoIsThere) {
     EXPECT_EQ(run({u"whoami"_s}, {}, u""_s).code, 3);
     EXPECT_EQ(run({u"whoami"_s}, {}, u"wrong"_s).code, 3);
     EXPECT_EQ(run({u"chat"_s, u"你好"_s}, {}, u"wrong"_s).code, 3);
+    // A token that ran out since: whatever is asked for first.
+    for (const QStringList &arguments : {QStringList{u"conversations"_s, u"list"_s}, {u"chat"_s, u"-c"_s, u"你好"_s}}) {
+        fault(R"({"route":"/app/conversations","times":1,"status":401})");
+        EXPECT_EQ(run(arguments).code, 3) << arguments.join(u' ').toStdString();
+    }
     // A token that cannot be verified is used all the same; the turn tells.
     fault(R"({"route":"/app/auth/me","times":-1,"status":500})");
     EXPECT_EQ(run({u"chat"_s, u"你好"_s}).code, 0);
@@ -369,6 +379,9 @@ TEST_F(TerminalTest, AKilledProgramLosesNoInput) {
     program.closeWriteChannel();
     QByteArray out;
     ASSERT_TRUE(eventually([&] { return (out += program.readAllStandardOutput()).contains("\"delta\""); }, 60'000));
+    // The input goes to the disk beside the request, and while the reply is still on its way.
+    ASSERT_TRUE(eventually([&] { return isOnDisk("别丢了这句"); }));
+    EXPECT_EQ(program.state(), QProcess::Running);
     program.kill();
     EXPECT_EQ(finish(program).code, -2);
 
