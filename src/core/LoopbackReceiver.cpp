@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto callbackPath = "/callback"_L1;
 /// A browser's request for this page is far below both.
-constexpr qsizetype maxHead = 16 * 1024;
+constexpr qsizetype maxHead = 16384;
 constexpr qsizetype maxSockets = 16;
 
 /// As long for every wrong text as for the right one.
