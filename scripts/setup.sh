@@ -7,9 +7,9 @@
 
 debian_packages() {
   case $1 in
-    build) echo clang-19 lld-19 cmake ninja-build ccache qt6-base-dev qcoro-qt6-dev qtkeychain-qt6-dev libboost1.81-dev \
-                libboost-json1.81-dev libcli11-dev libedit-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev \
-                libssl-dev zlib1g-dev libbrotli-dev pkgconf ;;
+    build) echo clang-19 lld-19 cmake ninja-build ccache qt6-base-dev qcoro-qt6-dev qtkeychain-qt6-dev libsecret-1-0 \
+                libboost1.81-dev libboost-json1.81-dev libcli11-dev libedit-dev libcpp-httplib-dev libsqlitecpp-dev \
+                libsqlite3-dev libssl-dev zlib1g-dev libbrotli-dev pkgconf ;;
     test)  echo clang-format-19 libclang-rt-19-dev llvm-19 libgtest-dev libgmock-dev dbus-daemon gnome-keyring git \
                 python3 ;;
     tidy)  echo clang-tidy-19 ;;

@@ -27,6 +27,9 @@ protected:
     }
 
     void TearDown() override {
+        // What is under way ends through the event loop.
+        store.reset();
+        settle();
         keychain.release();
         EXPECT_TRUE(eventually([this] { return keychain.isIdle(); }));
     }
