@@ -58,8 +58,10 @@ public:
 
     /// A call without a body.
     template <class T>
-    QCoro::Task<Result<T>> request(const QString &path, const QByteArray &method = "GET", bool slow = false) const {
-        return decoded<T>(send({.path = path, .method = method, .slow = slow}, maxJsonBytes), path);
+    QCoro::Task<Result<T>> request(const QString &path, const QByteArray &method = "GET", bool slow = false,
+                                   std::stop_token stop = {}) const {
+        return decoded<T>(send({.path = path, .method = method, .slow = slow, .stop = std::move(stop)}, maxJsonBytes),
+                          path);
     }
 
     /// A call with a JSON body.

@@ -47,8 +47,8 @@ QCoro::Task<Result<ResetResp>> AuthService::resetPassword(const ResetReq &body) 
     return m_api.request<ResetResp>(u"/app/auth/reset"_s, "POST", body);
 }
 
-QCoro::Task<Result<MeResponse>> AuthService::me() const {
-    return m_api.request<MeResponse>(u"/app/auth/me"_s);
+QCoro::Task<Result<MeResponse>> AuthService::me(std::stop_token stop) const {
+    return m_api.request<MeResponse>(u"/app/auth/me"_s, "GET", false, std::move(stop));
 }
 
 QCoro::Task<Result<SessionResp>> AuthService::guestSession() const {

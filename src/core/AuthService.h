@@ -26,7 +26,7 @@ public:
     QCoro::Task<Result<AuthResponse>> appleLogin(const AppleReq &body) const;
     QCoro::Task<Result<SendCodeResponse>> requestResetCode(const ResetCodeReq &body) const;
     QCoro::Task<Result<ResetResp>> resetPassword(const ResetReq &body) const;
-    QCoro::Task<Result<MeResponse>> me() const;
+    QCoro::Task<Result<MeResponse>> me(std::stop_token stop = {}) const;
 
     QCoro::Task<Result<SessionResp>> guestSession() const;
     QCoro::Task<Result<ChatResp>> guestChat(const ChatBody &body) const;

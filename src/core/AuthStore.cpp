@@ -55,8 +55,8 @@ AuthStore::AuthStore(QUrl apiBase, Keychain &keychain, Clock &clock, const QStri
     , m_api(std::move(apiBase), tokenProvider()) {}
 
 AuthStore::~AuthStore() {
-    for (std::stop_source *sleeping : {&m_generationStop, &m_readStop, &m_settledStop, &m_writtenStop})
-        sleeping->request_stop();
+    for (std::stop_source *source : {&m_endStop, &m_generationStop, &m_readStop, &m_settledStop, &m_writtenStop})
+        source->request_stop();
 }
 
 std::optional<QString> AuthStore::token() const {
@@ -157,7 +157,7 @@ QCoro::Task<> AuthStore::verify() {
     setVerificationError({});
     const auto stop = m_generationStop.get_token();
     for (int attempt = 1;; ++attempt) {
-        const auto answer = co_await service().me();
+        const auto answer = co_await service().me(m_endStop.get_token());
         if (!self || !isCurrent(generation, *verified))
             co_return;
         if (answer) {
@@ -216,10 +216,10 @@ void AuthStore::signIn(const AuthResponse &answer) {
 }
 
 void AuthStore::signOut() {
-    const bool stored = m_persistent;
-    begin({}, true);
+    // Still the same kind of session: a second sign-out must not reach for what the first one spared.
+    begin({}, m_persistent);
     setNotice({});
-    if (stored)
+    if (m_persistent)
         store({});
     setPhase(Phase::signedOut);
 }

@@ -122,6 +122,7 @@ private:
     bool m_writing = false;
     std::optional<Write> m_pendingWrite; ///< the newest wish only: an older one is not worth carrying out
     QString m_notice;
+    std::stop_source m_endStop;        ///< ends the requests of this store
     std::stop_source m_generationStop; ///< ends the sleeps of this generation
     std::stop_source m_readStop;       ///< ends the watch over the keychain
     std::stop_source m_settledStop;    ///< wakes `settled`

@@ -23,7 +23,7 @@ public:
     struct Deployment {
         QUrl apiBase;
         QString appVersion;
-        QString viewport; ///< "terminal", or the window's size
+        QString viewport = {}; ///< "terminal", or the window's size
         APIClient::TokenProvider tokenProvider = {};
     };
 

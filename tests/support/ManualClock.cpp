@@ -31,17 +31,18 @@ struct WakeAwaiter {
 
 QCoro::Task<bool> ManualClock::sleep(std::chrono::milliseconds duration, std::stop_token stop) {
     const auto wake = std::shared_ptr<QObject>(new QObject, [](QObject *object) { object->deleteLater(); });
-    m_sleepers.push_back({m_monotonic + duration, wake});
+    const auto everybody = m_sleepers;
+    everybody->push_back({m_monotonic + duration, wake});
     WakeAwaiter awaiter{wake, std::move(stop)};
     const bool due = co_await awaiter;
-    m_sleepers.remove_if([&](const Sleeper &sleeper) { return sleeper.wake == wake; });
+    everybody->remove_if([&](const Sleeper &sleeper) { return sleeper.wake == wake; });
     co_return due;
 }
 
 void ManualClock::advance(std::chrono::milliseconds by) {
     m_monotonic += by;
     m_now = m_now.addMSecs(by.count());
-    for (const Sleeper &sleeper : m_sleepers) {
+    for (const Sleeper &sleeper : *m_sleepers) {
         if (sleeper.due <= m_monotonic && sleeper.wake->objectName().isEmpty())
             sleeper.wake->setObjectName(QStringLiteral("due"));
     }

@@ -19,7 +19,7 @@ public:
     /// Turns both hands and wakes whoever is due.
     void advance(std::chrono::milliseconds by);
     /// How many sleep now.
-    int sleepers() const { return int(m_sleepers.size()); }
+    int sleepers() const { return int(m_sleepers->size()); }
 
 private:
     struct Sleeper {
@@ -29,7 +29,8 @@ private:
 
     QDateTime m_now = QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5), Qt::UTC);
     std::chrono::nanoseconds m_monotonic{0};
-    std::list<Sleeper> m_sleepers;
+    /// Shared with those who sleep: the last may wake when the clock is gone.
+    std::shared_ptr<std::list<Sleeper>> m_sleepers = std::make_shared<std::list<Sleeper>>();
 };
 
 } // namespace lmp
