@@ -149,10 +149,11 @@ void addGuestTrial(SandboxRouter &router, SandboxServices &services) {
         const auto speech = services.voice.speak(context, 300, false);
         std::string reply;
         auto piece = speech.source->next(std::chrono::seconds(1));
-        for (; piece.kind == ReplySource::Piece::Kind::text || piece.kind == ReplySource::Piece::Kind::waiting;
+        for (; !services.stop.stopped() &&
+               (piece.kind == ReplySource::Piece::Kind::text || piece.kind == ReplySource::Piece::Kind::waiting);
              piece = speech.source->next(std::chrono::seconds(1)))
             reply += piece.text;
-        if (piece.kind == ReplySource::Piece::Kind::failed)
+        if (piece.kind != ReplySource::Piece::Kind::finished)
             throw SandboxFailure(502, "upstream_failed", "模型服务中断了，这一轮不计次数。");
         boost::json::object answer{{"reply", reply}, {"roundsLeft", services.guests.takeRound(token)}};
         if (context.crisisLayer)

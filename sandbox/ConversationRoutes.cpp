@@ -32,11 +32,11 @@ std::vector<ChatTurn> turnsUpTo(const boost::json::object &conversation, const s
     throw SandboxFailure::notFound("没有找到要重新回答的那条消息。");
 }
 
-std::string wholeReply(ReplySource &source) {
+std::string wholeReply(ReplySource &source, const StopSignal &stop) {
     std::string text;
     for (;;) {
         auto piece = source.next(std::chrono::seconds(1));
-        if (piece.kind == ReplySource::Piece::Kind::failed)
+        if (piece.kind == ReplySource::Piece::Kind::failed || stop.stopped())
             throw SandboxFailure(502, "upstream_failed", "模型服务中断了，这一轮没有计费。");
         if (piece.kind == ReplySource::Piece::Kind::finished)
             return text;
@@ -63,7 +63,7 @@ SandboxAnswer retry(SandboxServices &services, const SandboxRequest &request) {
     for (const auto &memory : speech.used)
         used.push_back({{"content", memory.content}, {"truth", memory.truth}});
     return SandboxAnswer::json({{"messageId", "m_" + randomHex(12)},
-                                {"text", wholeReply(*speech.source)},
+                                {"text", wholeReply(*speech.source, services.stop)},
                                 {"usedMemories", std::move(used)},
                                 {"requestId", "req_" + randomHex(10)},
                                 {"free", true}});

@@ -32,11 +32,19 @@ std::string folded(std::string_view text, bool keepBlanks) {
     return result;
 }
 
+/// One pass for each phrase, however long the text and however often it occurs.
 void removeAll(std::string &text, std::initializer_list<std::string_view> phrases) {
-    for (const auto phrase : phrases)
-        // Something has to stay in between, or removing could join two harmless halves.
-        for (auto at = text.find(phrase); at != std::string::npos; at = text.find(phrase))
-            text.replace(at, phrase.size(), "|");
+    for (const auto phrase : phrases) {
+        std::string rest;
+        std::size_t start = 0;
+        for (auto at = text.find(phrase); at != std::string::npos; at = text.find(phrase, start)) {
+            // Something has to stay in between, or removing could join two harmless halves.
+            rest.append(text, start, at - start).append("|");
+            start = at + phrase.size();
+        }
+        if (start > 0)
+            text = rest.append(text, start, std::string::npos);
+    }
 }
 
 bool containsAny(const std::string &text, std::initializer_list<std::string_view> phrases) {

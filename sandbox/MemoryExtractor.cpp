@@ -11,6 +11,9 @@ namespace lmp::sandbox {
 namespace {
 
 constexpr std::size_t longestMemory = 60;
+/// Beyond this a text is pasted material rather than something said about oneself, and each clause is looked up in all
+/// of it.
+constexpr std::size_t longestText = 8 * 1024;
 
 /// The text behind the first of `openings` that `clause` holds at its beginning or after a small word.
 std::optional<std::string> behind(std::string_view clause, const std::vector<std::string_view> &openings) {
@@ -111,6 +114,8 @@ std::optional<std::string> command(std::string_view text) {
 
 std::vector<TwinMemory> MemoryExtractor::fromText(std::string_view text) {
     std::vector<TwinMemory> found;
+    if (text.size() > longestText)
+        return found;
     for (const auto &clause : clauses(text)) {
         if (isQuestion(text, clause))
             continue;

@@ -148,7 +148,9 @@ void ModelReply::takeLine(std::string_view line) {
     }
     boost::json::error_code error;
     const auto answer = boost::json::parse(boost::json::string_view(line.data(), line.size()), error);
-    if (error || !answer.is_object() || answer.as_object().contains("error")) {
+    const auto *problem = !error && answer.is_object() ? answer.as_object().if_contains("error") : nullptr;
+    // Some endpoints name the key in every chunk, with nothing in it.
+    if (error || !answer.is_object() || (problem && !problem->is_null())) {
         end(Piece::Kind::failed);
         return;
     }

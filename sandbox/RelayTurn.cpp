@@ -6,6 +6,8 @@
 #include "SandboxCrypto.h"
 #include "SandboxServices.h"
 
+#include <cstdio>
+
 namespace lmp::sandbox {
 
 RelayTurn::RelayTurn(SandboxServices &services, std::string userId, TurnRequest request)
@@ -40,13 +42,22 @@ const boost::json::object &RelayTurn::complete() {
         const auto receipt = m_services.ledger.charge(m_userId, m_requestId, m_request.cost());
         m_receipt = boost::json::object{
             {"pipCharged", receipt.charged}, {"balance", receipt.balance}, {"requestId", m_requestId}};
+        keepTrimmings();
+    }
+    return *m_receipt;
+}
+
+void RelayTurn::keepTrimmings() {
+    // The charge stands, so its closing frame has to go out whatever becomes of these.
+    try {
         // Words said in despair are not for keeping.
         if (!m_request.incognito && !m_context.crisisLayer)
             m_services.memories.remember(m_userId, m_context.fresh);
         if (auto notice = m_services.usage.noteTurn(m_userId))
             (*m_receipt)["continuousUse"] = std::move(*notice);
+    } catch (const SQLite::Exception &error) {
+        std::fprintf(stderr, "lumenpair-sandbox: after a charge: %s\n", error.what());
     }
-    return *m_receipt;
 }
 
 boost::json::object RelayTurn::uncharged() {

@@ -27,6 +27,9 @@ public:
     const boost::json::array &usedMemories() const { return m_used; }
 
 private:
+    /// What the user said about themselves, and the time spent talking.
+    void keepTrimmings();
+
     SandboxServices &m_services;
     std::string m_userId;
     TurnRequest m_request;

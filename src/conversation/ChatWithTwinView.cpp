@@ -245,7 +245,10 @@ void ChatWithTwinView::absorb(const TurnPtr &turn, const ChatStreamFrame &frame)
     latest(turn->charged, frame.pipCharged);
     latest(turn->balance, frame.balance);
     latest(m_lastCharge, frame.pipCharged);
-    latest(m_balance, frame.balance);
+    if (frame.balance) {
+        m_balance = frame.balance;
+        m_balanceAccount = turn->reference.accountId;
+    }
     const QString delta = frame.delta.value_or(QString());
     grow(turn, delta);
     if (self && m_turn == turn && !delta.isEmpty())
@@ -299,6 +302,8 @@ void ChatWithTwinView::conclude(const TurnPtr &turn, TurnOutcome outcome) {
             outcome.text = reply->text;
         }
     });
+    // The save may take its time, and what a turn cost must not hang on the program living that long.
+    session.keep();
     session.save();
     if (self)
         Q_EMIT stateChanged();
@@ -323,6 +328,9 @@ void ChatWithTwinView::release() {
 void ChatWithTwinView::onOpened() {
     m_errorText.reset();
     m_lastCharge.reset();
+    // What one account holds says nothing of another's.
+    if (m_balanceAccount != m_session.account().key())
+        m_balance.reset();
     m_showUsed.reset();
     m_feedback.clear();
     m_reasonsOpenFor.reset();

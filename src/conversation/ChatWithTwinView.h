@@ -142,6 +142,7 @@ private:
     std::optional<QString> m_errorText;
     std::optional<qint64> m_lastCharge;
     std::optional<qint64> m_balance;
+    QString m_balanceAccount; ///< whose balance that is
     std::optional<QList<UsedMemory>> m_showUsed;
     QMap<QString, QString> m_feedback;
     std::optional<QString> m_reasonsOpenFor;

@@ -96,6 +96,9 @@ QCoro::Task<> TwinReplyRetry::run(ConversationRetryState::Operation operation, R
         co_return;
     }
     const QString text = apply(operation, request, before, *answer);
+    // Whoever heard of the change may have opened another conversation, or closed the chat.
+    if (!self || m_state.active != operation)
+        co_return;
     end(text.isNull() ? answer->messageId : QString(), text);
 }
 

@@ -124,6 +124,26 @@ TEST_F(ChatWithTwinViewTest, TheLastValueSeenIsKept) {
     server.on(stream, StubServer::events(frames({delta("a")})));
     EXPECT_FALSE(turn(u"嗯"_s).charged);
     EXPECT_FALSE(chat->lastCharge());
+    session.begin();
+    EXPECT_EQ(chat->balance(), 9) << "another conversation of the same account";
+    user = u"u2"_s;
+    session.begin();
+    EXPECT_FALSE(chat->balance()) << "what one account holds says nothing of another's";
+}
+
+TEST_F(ChatWithTwinViewTest, AReplyIsOnDiskWhileItsSaveHangs) {
+    server.on(stream, StubServer::events(frames({delta("好"), done})));
+    QTcpSocket *open = nullptr;
+    server.on("/api/app/conversation/sync", [&](const StubServer::Request &, QTcpSocket &socket) { open = &socket; });
+    ASSERT_TRUE(chat->send(u"在吗"_s));
+    ASSERT_TRUE(eventually([&] { return open != nullptr; }));
+    EXPECT_TRUE(eventually([&] {
+        const auto draft = drafts.read(user, session.conversation()->id);
+        return draft && *draft && (*draft)->snapshot.messages == session.conversation()->messages &&
+               (*draft)->snapshot.messages.size() == 2;
+    })) << "a crash now would cost what was paid for";
+    open->write(StubServer::message(200, R"({"ok":true,"revision":1})"));
+    EXPECT_TRUE(eventually([&] { return !session.isSaving() && draftFiles().isEmpty(); }));
 }
 
 TEST_F(ChatWithTwinViewTest, SafetyNeverSpoilsAChargedAnswer) {

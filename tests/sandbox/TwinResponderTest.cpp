@@ -51,6 +51,13 @@ TEST(MemoryExtractorTest, OnlyWhatIsSaidOutright) {
         EXPECT_EQ(MemoryExtractor::fromText(text), expected) << text;
 }
 
+TEST(MemoryExtractorTest, PastedTextIsNotAboutOneself) {
+    std::string pasted = "我叫小林。";
+    while (pasted.size() < 256 * 1024)
+        pasted += "今天天气不错。";
+    EXPECT_TRUE(MemoryExtractor::fromText(pasted).empty());
+}
+
 TEST(TwinResponderTest, SaysOnceThatItIsTheOfflineTwin) {
     EXPECT_THAT(TwinResponder::reply(contextOf({"今天下雨了"})).text, HasSubstr("离线分身"));
     EXPECT_THAT(TwinResponder::reply(contextOf({"今天下雨了", "还刮风"})).text, Not(HasSubstr("离线分身")));
