@@ -59,8 +59,9 @@ SampleMessage message(const object &from) {
     if (const auto *score = from.if_contains("score"))
         to.score = score->to_number<double>();
     if (const auto *tags = from.if_contains("tags")) {
+        to.tags.emplace();
         for (const auto &tag : tags->as_array())
-            to.tags = to.tags.value_or(QList<QString>()) << text(tag);
+            to.tags->append(text(tag));
     }
     if (const auto *found = from.if_contains("attachment"))
         to.attachment = attachment(found->as_object());

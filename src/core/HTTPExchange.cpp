@@ -101,7 +101,7 @@ void HTTPExchange::send() {
     request.setRawHeader("Connection", "close");
     for (const Header &header : m_request.headers)
         request.setRawHeader(header.name, header.value);
-    auto &manager = URLSession::manager();
+    auto &manager = m_session.manager();
     const QByteArray body = m_request.body.value_or(QByteArray());
     request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
     request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/JsonCodec.h"
+#include "core/JsonText.h"
 
 #include <QString>
 
@@ -43,7 +44,7 @@ template <>
 struct JsonCodec<JSONValue> {
     static bool read(const boost::json::value &from, JSONValue &to) {
         if (const auto *text = from.if_string())
-            to = QString::fromUtf8(text->data(), qsizetype(text->size()));
+            to = detail::jsonText(*text);
         else if (const auto *truth = from.if_bool())
             to = *truth;
         else if (from.is_number())

@@ -3,6 +3,7 @@
 #include "core/JsonCodec.h"
 #include "core/JsonFailure.h"
 #include "core/JsonRest.h"
+#include "core/JsonText.h"
 #include "core/JsonTypeName.h"
 
 #include <boost/describe.hpp>
@@ -65,7 +66,7 @@ private:
             return std::isfinite(to) || fail(JsonFailure::Kind::Corrupted, at, jsonTypeName<T>());
         } else if constexpr (std::is_same_v<T, QString>) {
             const auto *found = from.if_string();
-            return found ? (to = QString::fromUtf8(found->data(), qsizetype(found->size())), true) : mismatch<T>(at);
+            return found ? (to = jsonText(*found), true) : mismatch<T>(at);
         } else if constexpr (IsList<T>::value) {
             return readList(from, to, at);
         } else if constexpr (IsMap<T>::value) {
@@ -116,7 +117,7 @@ private:
         to.clear();
         for (const auto &[key, value] : *object) {
             const std::string_view name(key.data(), key.size());
-            if (!read(value, to[QString::fromUtf8(key.data(), qsizetype(key.size()))], JsonPlace{&at, name, -1}))
+            if (!read(value, to[jsonText(name)], JsonPlace{&at, name, -1}))
                 return false;
         }
         return true;
@@ -175,8 +176,12 @@ private:
         auto rest = std::make_shared<boost::json::object>();
         for (const auto &[key, value] : object) {
             bool field = false;
-            boost::mp11::mp_for_each<boost::describe::describe_members<R, boost::describe::mod_public>>(
-                [&](auto D) { field = field || std::string_view(key.data(), key.size()) == D.name; });
+            boost::mp11::mp_for_each<boost::describe::describe_members<R, boost::describe::mod_public>>([&](auto D) {
+                // The member that takes the rest is no field: a key of its name is one more that is not known.
+                using Member = std::remove_cvref_t<decltype(std::declval<R &>().*D.pointer)>;
+                field =
+                    field || (!std::is_same_v<Member, JsonRest> && std::string_view(key.data(), key.size()) == D.name);
+            });
             if (!field)
                 rest->emplace(key, boost::json::value(value, boost::json::storage_ptr()));
         }

@@ -4,7 +4,6 @@
 
 #include <boost/json/serialize.hpp>
 
-#include <charconv>
 #include <cmath>
 
 namespace lmp::detail {
@@ -15,18 +14,16 @@ void JsonWriter::writeRest(const JsonRest &rest, bool &first) {
     writeMembers(*rest.keys, first);
 }
 
-void JsonWriter::writeInteger(qint64 value) {
-    char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    text.append(digits, end - digits);
-}
-
-void JsonWriter::writeReal(double value) {
+void JsonWriter::writeReal(double value, bool marked) {
     if (!std::isfinite(value))
         throw JsonEncodingError("a number that JSON cannot hold");
     char digits[40];
     const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
     text.append(digits, end - digits);
+    // "-0" would be read back as a whole number, which has no sign.
+    const bool negativeZero = value == 0 && std::signbit(value);
+    if ((marked || negativeZero) && std::string_view(digits, end).find_first_of(".e") == std::string_view::npos)
+        text += ".0";
 }
 
 void JsonWriter::writeString(const QString &value) {
@@ -89,7 +86,7 @@ void JsonWriter::writeValue(const boost::json::value &value) {
         writeEscaped({string->data(), qsizetype(string->size())});
     } else if (const auto *real = value.if_double()) {
         // What came as a number beyond a double's range goes back as one; "Infinity" is no JSON.
-        std::isfinite(*real) ? writeReal(*real) : void(text += *real < 0 ? "-1e999" : "1e999");
+        std::isfinite(*real) ? writeReal(*real, true) : void(text += *real < 0 ? "-1e999" : "1e999");
     } else {
         const std::string serialized = boost::json::serialize(value);
         text.append(serialized.data(), qsizetype(serialized.size()));

@@ -10,6 +10,8 @@
 #include <boost/json/value.hpp>
 #include <boost/mp11.hpp>
 
+#include <charconv>
+
 namespace lmp::detail {
 
 /// Appends records as JSON text. Meant for Json::encode alone; throws JsonEncodingError for what JSON cannot hold.
@@ -27,7 +29,7 @@ public:
         } else if constexpr (std::is_same_v<T, bool>) {
             text += value ? "true" : "false";
         } else if constexpr (std::is_integral_v<T>) {
-            writeInteger(qint64(value));
+            writeInteger(value);
         } else if constexpr (std::is_floating_point_v<T>) {
             writeReal(double(value));
         } else if constexpr (std::is_same_v<T, QString>) {
@@ -103,8 +105,15 @@ private:
     }
 
     void writeRest(const JsonRest &rest, bool &first);
-    void writeInteger(qint64 value);
-    void writeReal(double value);
+    template <class T>
+    void writeInteger(T value) {
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        text.append(digits, end - digits);
+    }
+
+    /// @param marked with a fraction even where it is zero, so that a value that came as a real number stays one
+    void writeReal(double value, bool marked = false);
     void writeString(const QString &value);
     void writeEscaped(QByteArrayView utf8);
     void writeValue(const boost::json::value &value);

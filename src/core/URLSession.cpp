@@ -26,7 +26,8 @@ public:
     }
 };
 
-QThreadStorage<QNetworkAccessManager *> managers;
+QThreadStorage<QNetworkAccessManager *> requestManagers;
+QThreadStorage<QNetworkAccessManager *> streamManagers;
 
 } // namespace
 
@@ -39,10 +40,11 @@ URLSession URLSession::slow() {
 }
 
 URLSession URLSession::events() {
-    return {180s, 0s, APIError::Session::Normal, 1024 * 1024};
+    return {180s, 0s, APIError::Session::Normal, 1024 * 1024, true};
 }
 
-QNetworkAccessManager &URLSession::manager() {
+QNetworkAccessManager &URLSession::manager() const {
+    auto &managers = streams ? streamManagers : requestManagers;
     if (!managers.hasLocalData()) {
         auto *made = new QNetworkAccessManager;
         made->setAutoDeleteReplies(false);
@@ -50,7 +52,8 @@ QNetworkAccessManager &URLSession::manager() {
         managers.setLocalData(made);
         // Qt clears the main thread's storage too late, if at all, for the manager's own thread to end in order.
         if (qApp && qApp->thread() == QThread::currentThread())
-            qAddPostRoutine([] { managers.setLocalData(nullptr); });
+            qAddPostRoutine(streams ? [] { streamManagers.setLocalData(nullptr); }
+                                    : [] { requestManagers.setLocalData(nullptr); });
     }
     return *managers.localData();
 }

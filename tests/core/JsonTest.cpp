@@ -102,6 +102,42 @@ TEST(JsonTest, RefusesWhatIsNoJson) {
     EXPECT_TRUE(Json::decode<boost::json::value>(QByteArray(200, '[') + QByteArray(200, ']')));
 }
 
+TEST(JsonTest, RealNumbersToTheLastDigit) {
+    struct Case {
+        QByteArray text;
+        std::optional<double> value;
+    };
+    for (const auto &[text, value] : std::initializer_list<Case>{
+             {"1.3927926388013963e-143", 1.3927926388013963e-143},
+             {"1.917377330098547e+208", 1.917377330098547e+208},
+             {"0.1", 0.1},
+             {"-2.5e-3", -2.5e-3},
+             {"-0.0", -0.0},
+             {"3.0", 3.0},
+             {"5e-324", 5e-324},
+             {"1e-400", 0.0},
+             {"123456789012345678901234567890", 123456789012345678901234567890.0},
+             {"1e999", {}},
+             {"-1e999", {}},
+         }) {
+        const auto read = Json::decode<double>(text);
+        EXPECT_EQ(read ? std::optional(*read) : std::nullopt, value) << text.constData();
+        // What is only carried comes back as it was, a real number as a real number.
+        const auto carried = Json::decode<boost::json::value>(text).value();
+        EXPECT_EQ(Json::decode<boost::json::value>(Json::encode(carried)).value(), carried) << text.constData();
+    }
+    EXPECT_EQ(Json::encode(3.0), "3");
+    EXPECT_TRUE(std::signbit(Json::decode<double>(Json::encode(-0.0)).value()));
+}
+
+TEST(JsonTest, LargestWholeNumberAndMarkedTextComeBack) {
+    const auto largest = std::numeric_limits<quint64>::max();
+    EXPECT_EQ(Json::encode(largest), "18446744073709551615");
+    EXPECT_EQ(Json::decode<quint64>(Json::encode(largest)), largest);
+    const QString marked = u"\ufeff\ufeff正文"_s;
+    EXPECT_EQ(Json::decode<QString>(Json::encode(marked)), marked);
+}
+
 TEST(JsonTest, UnknownEnumerator) {
     const auto read = Json::fromValue<Mood>(boost::json::value("wild"));
     ASSERT_FALSE(read);

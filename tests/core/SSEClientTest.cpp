@@ -260,6 +260,19 @@ TEST_F(SSEClientTest, ConsumerThatLeavesClosesTheConnection) {
     EXPECT_TRUE(eventually([&] { return closed; }));
 }
 
+TEST_F(SSEClientTest, OpenStreamsLeaveRoomForRequests) {
+    server.on("/api/s", open("data: 1\n\n"));
+    server.on("/api/x", StubServer::reply(200, "{}"));
+    std::vector<SSEStream> streams;
+    for (int count = 0; count < 6; ++count) {
+        streams.push_back(client.stream(u"/s"_s));
+        ASSERT_TRUE(await(pull(&streams.back())).has_value());
+    }
+    APIClient calls(client.base, {});
+    calls.session.resourceTimeout = 5s;
+    EXPECT_TRUE(await(calls.request<APIClient::Empty>(u"/x"_s)));
+}
+
 TEST_F(SSEClientTest, RedirectIsFollowedWithoutTheTokenElsewhere) {
     StubServer other;
     other.on("/landed", StubServer::events("data: there\n\n"));

@@ -33,19 +33,6 @@ struct Tree {
 };
 BOOST_DESCRIBE_STRUCT(Tree, (), (flag, whole, narrow, leaves, named, opaque, rest))
 
-/// Whether every number in `text` is one that Boost.JSON 1.81 reads exactly: its reals are off by the last bit beyond
-/// fifteen digits and with large exponents.
-bool numbersAreExact(QByteArrayView text) {
-    int digits = 0;
-    for (const char c : text) {
-        const bool digit = c >= '0' && c <= '9';
-        if (digits > 15 || (digits > 0 && (c == 'e' || c == 'E')))
-            return false;
-        digits = digit ? digits + 1 : (c == '.' ? digits : 0);
-    }
-    return digits <= 15;
-}
-
 } // namespace
 
 /// What was understood once is understood again as the same after it was written down.
@@ -58,7 +45,7 @@ void fuzzRecords(QByteArrayView input) {
     }
     const QByteArray text = Json::encode(*first);
     const auto again = Json::decode<Tree>(text);
-    if (!again || (numbersAreExact(input) && Json::encode(*again) != text))
+    if (!again || *again != *first || Json::encode(*again) != text)
         std::abort();
 }
 
