@@ -152,11 +152,18 @@ void HTTPExchange::onReadyRead() {
     Q_EMIT readyRead();
 }
 
+bool HTTPExchange::endedWithConnection(QNetworkReply::NetworkError error) const {
+    // A body without a length ends with its connection (RFC 9112, 6.3). Qt may take that end for a loss, and finds that
+    // it cannot send the request again.
+    return m_status && error == QNetworkReply::ContentReSendError && !m_reply->hasRawHeader("Content-Length") &&
+           !m_reply->hasRawHeader("Transfer-Encoding");
+}
+
 void HTTPExchange::onFinished() {
     if (!m_reply || sender() != m_reply)
         return;
     const auto error = m_reply->error();
-    if (error == QNetworkReply::NoError || (m_status && isStatusError(*m_status, error)))
+    if (error == QNetworkReply::NoError || (m_status && isStatusError(*m_status, error)) || endedWithConnection(error))
         finish(m_status ? End::Complete : End::NotHTTP);
     else if (!m_status && isProtocolError(error))
         finish(End::NotHTTP);

@@ -71,6 +71,7 @@ private:
     void onReadyRead();
     void onFinished();
     void heard() { m_heard.start(); }
+    bool endedWithConnection(QNetworkReply::NetworkError error) const;
     void onSilence();
     bool redirect(int status);
     void release();
