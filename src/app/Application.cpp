@@ -4,10 +4,19 @@
 #include "platform/SystemKeychain.h"
 #include "platform/UserDefaults.h"
 
+#include <QCryptographicHash>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+
+namespace {
+
+/// Holds a digest of the token and the id of the user it was last verified for.
+const QString userKey = u"lmp.session.user.v1"_s;
+
+} // namespace
 
 Application::Application(Options options)
     : m_options(std::move(options))
@@ -55,6 +64,7 @@ void Application::makeStores() {
         return;
     }
     m_settings = makeUserDefaults(m_support);
+    connect(m_auth.get(), &AuthStore::phaseChanged, this, &Application::rememberUser);
     m_telemetry = std::make_unique<Telemetry>(Telemetry::Deployment{.apiBase = m_site.api,
                                                                     .appVersion = QString::fromLatin1(LMP_VERSION),
                                                                     .viewport = m_options.viewport,
@@ -76,9 +86,33 @@ QCoro::Task<> Application::close() {
         co_await m_auth->keychainSettled(2s);
 }
 
+void Application::rememberUser() {
+    if (m_settings && m_auth->user())
+        m_settings->setValue(userKey, tokenDigest() + ' ' + m_auth->user()->id.toUtf8());
+}
+
+std::optional<QString> Application::rememberedUser() const {
+    if (!m_settings || !m_auth->verificationFailed())
+        return std::nullopt;
+    const QByteArray kept = m_settings->value(userKey).value_or(QByteArray());
+    const QByteArray ours = tokenDigest() + ' ';
+    return kept.startsWith(ours) ? std::optional(QString::fromUtf8(kept.sliced(ours.size()))) : std::nullopt;
+}
+
+QByteArray Application::tokenDigest() const {
+    // Another site's token is another person's, though the two may be spelt the same.
+    const QString token = keychainSuffix() + u'\n' + m_auth->token().value_or(QString());
+    return QCryptographicHash::hash(token.toUtf8(), QCryptographicHash::Sha256).toHex();
+}
+
 ConversationAccount Application::account() const {
     const QPointer<const AuthStore> auth = m_auth.get();
-    return {.userId = [auth] { return auth && auth->user() ? std::optional(auth->user()->id) : std::nullopt; },
+    const QPointer<const Application> self(this);
+    return {.userId = [auth, self]() -> std::optional<QString> {
+                if (!auth || !self)
+                    return std::nullopt;
+                return auth->user() ? auth->user()->id : self->rememberedUser();
+            },
             .generation =
                 [auth] {
                     return auth ? QString::number(auth->authenticationGeneration()) : QString();

@@ -68,6 +68,10 @@ public:
 private:
     QCoro::Task<std::expected<QString, QString>> findService();
     void makeStores();
+    /// Remembers whose token this is, so that local records are found while the service cannot be asked.
+    void rememberUser();
+    std::optional<QString> rememberedUser() const;
+    QByteArray tokenDigest() const;
     /// Google's client of this deployment, or none where it has none.
     std::optional<GoogleProvider> googleProvider() const;
     /// What sets this site's and profile's token apart in the keychain; empty for the ordinary ones.

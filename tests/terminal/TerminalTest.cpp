@@ -208,6 +208,18 @@ TEST_F(TerminalTest, FailedSaveIsANoteAndADraft) {
     EXPECT_FALSE(run({u"conversations"_s, u"list"_s}).out.contains(u"草稿"_s));
 }
 
+TEST_F(TerminalTest, ADraftIsKeptWhileNobodyCanSayWhoIsThere) {
+    EXPECT_EQ(run({u"whoami"_s}).code, 0);
+    fault(R"({"route":"/app/*","times":-1,"status":500})");
+    EXPECT_EQ(run({u"chat"_s, u"断网时说的话"_s}).code, 0);
+    fault({});
+    EXPECT_TRUE(run({u"conversations"_s, u"list"_s}).out.contains(u"断网时说的话（草稿，尚未同步）"_s));
+    // Somebody else's token finds nothing of it.
+    const auto other = run({u"conversations"_s, u"list"_s}, {}, signIn(u"13900000009"_s));
+    EXPECT_EQ(other.code, 0);
+    EXPECT_FALSE(other.out.contains(u"断网"_s));
+}
+
 TEST_F(TerminalTest, CtrlCStopsTheReplyAndKeepsIt) {
     fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
     QProcess program;
