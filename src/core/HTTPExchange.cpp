@@ -17,7 +17,7 @@ constexpr int maxRedirects = 16;
 /// Errors that only repeat what the status says already; the answer itself is whole. On a status that is no error they
 /// mean something else: a body that did not decompress is told in the same words.
 bool isStatusError(int status, QNetworkReply::NetworkError error) {
-    if (status < 400)
+    if (status < 400 || error == QNetworkReply::ContentReSendError)
         return false;
     return error == QNetworkReply::ProxyAuthenticationRequiredError || // what Qt calls a 407
            (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
@@ -154,9 +154,9 @@ void HTTPExchange::onReadyRead() {
 
 bool HTTPExchange::endedWithConnection(QNetworkReply::NetworkError error) const {
     // A body without a length ends with its connection (RFC 9112, 6.3). Qt may take that end for a loss, and finds that
-    // it cannot send the request again.
+    // it cannot send the request again. Decompression hides a length, so that one is never taken on trust.
     return m_status && error == QNetworkReply::ContentReSendError && !m_reply->hasRawHeader("Content-Length") &&
-           !m_reply->hasRawHeader("Transfer-Encoding");
+           !m_reply->hasRawHeader("Transfer-Encoding") && !m_reply->hasRawHeader("Content-Encoding");
 }
 
 void HTTPExchange::onFinished() {

@@ -110,6 +110,26 @@ TEST_F(SSEClientTest, EventsInAnyPieces) {
     }
 }
 
+TEST_F(SSEClientTest, AnswerThatIsThereAtOnce) {
+    // Whether Qt has noticed by then that the request is out is a matter of luck, hence the rounds.
+    const auto atOnce = [](const QByteArray &head) {
+        return [head](const auto &, QTcpSocket &socket) {
+            socket.write("HTTP/1.1 200 OK\r\n" + head + "\r\n\r\n9\r\ndata: 1\n\n\r\n");
+            socket.disconnectFromHost();
+        };
+    };
+    server.on("/api/closed", atOnce("Connection: close"));
+    server.on("/api/large", StubServer::events(("data: " + QByteArray(1000, 'x') + "\n\n").repeated(300)));
+    server.on("/api/length", atOnce("Content-Length: 99"));
+    server.on("/api/chunked", atOnce("Transfer-Encoding: chunked"));
+    for (int round = 0; round < 25; ++round) {
+        EXPECT_EQ(read(u"/closed"_s).error, std::nullopt);
+        EXPECT_EQ(read(u"/large"_s).data.size(), 300);
+        EXPECT_EQ(read(u"/length"_s).error, APIError::network());
+        EXPECT_EQ(read(u"/chunked"_s).error, APIError::network());
+    }
+}
+
 TEST_F(SSEClientTest, RefusalsKeepStatusReasonCodeAndBody) {
     struct Case {
         int status;
