@@ -66,14 +66,20 @@ void LineReader::promptSecret(const QString &text) {
     m_input.setEnabled(true);
 }
 
-void LineReader::cancel() {
+bool LineReader::endPrompt() {
     if (!std::exchange(m_prompting, false))
-        return;
+        return false;
     m_input.setEnabled(false);
     if (m_isSecret)
         setEcho(true);
     else
         rl_callback_handler_remove();
+    return true;
+}
+
+void LineReader::cancel() {
+    if (!endPrompt())
+        return;
     m_secret.clear();
     std::fputc('\n', stderr);
 }
@@ -92,13 +98,8 @@ void LineReader::onLine(char *text) {
 }
 
 void LineReader::deliver(std::optional<QString> text) {
-    if (!std::exchange(m_prompting, false))
+    if (!endPrompt())
         return;
-    m_input.setEnabled(false);
-    if (m_isSecret)
-        setEcho(true);
-    else
-        rl_callback_handler_remove();
     // The editor ends the line of an answer, and leaves the one of none unfinished.
     if (!text && !m_isSecret)
         std::fputc('\n', stderr);

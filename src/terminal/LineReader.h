@@ -29,6 +29,8 @@ Q_SIGNALS:
 
 private:
     static void onLine(char *text);
+    /// Gives the terminal back. @return false when nothing was being asked
+    bool endPrompt();
     void deliver(std::optional<QString> text);
     void readSecret();
 
