@@ -49,6 +49,7 @@ if(LMP_FUZZ)
 endif()
 
 set(LMP_PCH ${CMAKE_CURRENT_LIST_DIR}/Precompiled.h)
+set(LMP_SCREENS_PCH ${CMAKE_CURRENT_LIST_DIR}/PrecompiledScreens.h)
 
 # lmp_library(NAME SOURCES... LINK targets...)
 # One folder, one static library; LINK names exactly the folders whose headers it may include. A folder includes its
@@ -69,4 +70,29 @@ function(lmp_library NAME)
     target_include_directories(${NAME} INTERFACE ${view})
     target_link_libraries(${NAME} INTERFACE ${ARG_LINK})
   endif()
+endfunction()
+
+# lmp_qml_module(NAME URI uri SINGLETONS files... QML files... SOURCES... RESOURCES... LINK targets...)
+# One folder of screens, one static library, one QML module. A program that links it has the module built in: nothing
+# is looked for on disk, and every file is compiled ahead of time. C++ includes it as "screens/folder/Type.h".
+function(lmp_qml_module NAME)
+  cmake_parse_arguments(ARG "" "URI" "SINGLETONS;QML;SOURCES;RESOURCES;LINK" ${ARGN})
+  get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+  set(view ${CMAKE_BINARY_DIR}/include/${NAME}/screens)
+  file(MAKE_DIRECTORY ${view})
+  file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${view}/${folder} SYMBOLIC)
+  string(REPLACE "." "/" path ${ARG_URI})
+  if(ARG_SINGLETONS)
+    set_source_files_properties(${ARG_SINGLETONS} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
+  endif()
+  qt_add_library(${NAME} STATIC)
+  qt_add_qml_module(${NAME} URI ${ARG_URI} VERSION 1.0 RESOURCE_PREFIX /qt/qml NO_PLUGIN
+    OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/${path} IMPORT_PATH ${CMAKE_BINARY_DIR}/qml
+    QML_FILES ${ARG_SINGLETONS} ${ARG_QML} SOURCES ${ARG_SOURCES} RESOURCES ${ARG_RESOURCES})
+  # The generated registration includes every registered type by its base name.
+  target_include_directories(${NAME} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  get_filename_component(root ${view} DIRECTORY)
+  target_include_directories(${NAME} PUBLIC ${root})
+  target_link_libraries(${NAME} PUBLIC Qt6::Quick ${ARG_LINK} PRIVATE lmp_settings)
+  target_precompile_headers(${NAME} PRIVATE ${LMP_SCREENS_PCH})
 endfunction()

@@ -1,0 +1,11 @@
+import QtQuick
+import Lumenpair.Kit
+
+Item {
+    id: root
+
+    LMPText {
+        anchors.centerIn: parent
+        text: "正在启动…"
+    }
+}
