@@ -153,6 +153,16 @@ void ConversationSession::keep() {
     });
 }
 
+QCoro::Task<bool> ConversationSession::preserve() {
+    if (!m_conversation || m_incognito || !unsaved())
+        co_return true;
+    const auto entry = ConversationDraftCache::entry(*m_conversation, m_clock.now());
+    m_draftWriteId = entry.writeId;
+    // Behind what is being written already, so that the newest is what remains.
+    co_return co_await PoolAwaiter(
+        [drafts = m_drafts, user = m_userId, entry] { return drafts.save(user, entry).has_value(); }, &m_files);
+}
+
 void ConversationSession::forgetDraft() {
     if (m_draftWriteId.isEmpty() || !m_conversation)
         return;
