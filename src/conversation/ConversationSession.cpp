@@ -71,8 +71,6 @@ void ConversationSession::begin(std::optional<QString> mode, bool incognito) {
 }
 
 void ConversationSession::close() {
-    if (!isActive())
-        return;
     leave();
     Q_EMIT opened();
 }
@@ -158,7 +156,10 @@ QCoro::Task<bool> ConversationSession::preserve() {
         co_return true;
     const auto entry = ConversationDraftCache::entry(*m_conversation, m_clock.now());
     m_draftWriteId = entry.writeId;
+<<<<<<< HEAD
     // Behind what is being written already, so that the newest is what remains.
+=======
+>>>>>>> chatm3
     co_return co_await PoolAwaiter(
         [drafts = m_drafts, user = m_userId, entry] { return drafts.save(user, entry).has_value(); }, &m_files);
 }
