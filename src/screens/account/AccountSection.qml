@@ -1,0 +1,11 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// The account's part of the settings.
+FocusScope {
+    id: root
+
+    required property SessionModel session
+
+    signal handleRequested()
+}

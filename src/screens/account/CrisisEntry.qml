@@ -1,0 +1,9 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// The way to the crisis page, to be placed on any screen.
+FocusScope {
+    id: root
+
+    signal clicked()
+}
