@@ -6,6 +6,4 @@ FocusScope {
     id: root
 
     required property SessionModel session
-
-    signal handleRequested()
 }

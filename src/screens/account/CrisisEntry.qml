@@ -5,5 +5,7 @@ import Lumenpair.Kit
 FocusScope {
     id: root
 
+    required property CrisisResourcesModel resources
+
     signal clicked()
 }

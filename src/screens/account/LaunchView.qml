@@ -6,6 +6,7 @@ FocusScope {
     id: root
 
     required property SessionModel session
+    required property CrisisResourcesModel resources
     /// How long it stays blank, in milliseconds.
     property int quietFor: 500
 

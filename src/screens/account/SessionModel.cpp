@@ -96,7 +96,8 @@ bool SessionModel::legacyLinked() const {
 }
 
 bool SessionModel::needsHandle() const {
-    return phase() == Phase::SignedIn && m_services.auth.accountIsNew() && userHandle().isEmpty() && !m_handleSkipped;
+    const auto &auth = m_services.auth;
+    return auth.accountIsNew() && auth.user() && auth.user()->handle.value_or(QString()).isEmpty() && !m_handleDone;
 }
 
 // What is made when it is asked for
@@ -130,7 +131,7 @@ void SessionModel::onGeneration() {
     m_savedHandle.clear();
     m_signOutNotice.clear();
     m_newAccount.reset();
-    m_handleSkipped = false;
+    m_handleDone = false;
     m_noticeClosed = false;
     if (m_handle)
         m_handle->restart();
@@ -172,8 +173,8 @@ void SessionModel::closeNotice() {
     Q_EMIT changed();
 }
 
-void SessionModel::skipHandle() {
-    m_handleSkipped = true;
+void SessionModel::finishHandle() {
+    m_handleDone = true;
     Q_EMIT changed();
 }
 

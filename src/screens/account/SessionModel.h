@@ -65,7 +65,7 @@ public:
     QString userDetail() const;
     /// The account is tied to one made earlier.
     bool legacyLinked() const;
-    /// The account was made just now and has neither a handle nor the person's word that it may wait.
+    /// The account was made just now without a handle, and the person has not finished with that (`finishHandle`).
     bool needsHandle() const;
     bool signingOut() const { return m_signingOut; }
     /// What signing out will do, for the question before it.
@@ -84,8 +84,8 @@ public:
     Q_INVOKABLE void signOut();
     Q_INVOKABLE void closeNotice();
     Q_INVOKABLE void closeNewAccountNotice();
-    /// Lets the handle wait.
-    Q_INVOKABLE void skipHandle();
+    /// The handle is chosen, or may wait.
+    Q_INVOKABLE void finishHandle();
 
 Q_SIGNALS:
     void changed();
@@ -102,7 +102,7 @@ private:
     std::optional<LoginModel::NewAccountNotice> m_newAccount;
     QString m_savedHandle;
     QString m_signOutNotice;
-    bool m_handleSkipped = false;
+    bool m_handleDone = false;
     bool m_noticeClosed = false;
     bool m_signingOut = false;
 };

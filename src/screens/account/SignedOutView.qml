@@ -6,6 +6,7 @@ FocusScope {
     id: root
 
     required property SessionModel session
+    required property CrisisResourcesModel resources
 
     signal crisisRequested()
 }
