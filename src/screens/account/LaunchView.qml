@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// What is shown until it is known who is there. Blank at first, so that a fast start does not flash.

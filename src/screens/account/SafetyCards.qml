@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The safety cards and the crisis page, over whatever the window shows, sheets included. One for each window.
@@ -54,7 +55,7 @@ Item {
         }
         contentItem: FocusScope {
             Accessible.name: cards.accessibleName
-            Accessible.role: cards.role
+            Accessible.role: Accessible.Dialog
             Keys.onEscapePressed: cards.escaped()
             focus: true
 
@@ -102,10 +103,10 @@ Item {
                         model: root.safety.crisisNumbers
 
                         delegate: CrisisNumberRow {
-                            required property int index
+                            id: number
 
                             width: parent ? parent.width : 0
-                            onDialled: root.safety.dial(phone)
+                            onDialled: root.safety.dial(number.phone)
                         }
                     }
 
