@@ -12,11 +12,6 @@ CenteredPane {
 
     signal finished
 
-    function finish(): void {
-        root.session.finishHandle();
-        root.finished();
-    }
-
     Component.onCompleted: form.focusFirst()
 
     NewAccountNotice {
@@ -68,7 +63,7 @@ CenteredPane {
                 text: root.saved ? "继续" : "保存"
                 onClicked: {
                     if (root.saved)
-                        root.finish();
+                        root.finished();
                     else
                         root.handle.save();
                 }
@@ -78,7 +73,7 @@ CenteredPane {
                 kind: LMPButton.Quiet
                 text: "以后再说"
                 visible: !root.saved && !root.handle.saving
-                onClicked: root.finish()
+                onClicked: root.finished()
             }
         }
     }

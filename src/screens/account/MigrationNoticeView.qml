@@ -52,7 +52,7 @@ CenteredPane {
             }
 
             LMPButton {
-                kind: LMPButton.Link
+                kind: LMPButton.Quiet
                 text: "看隐私说明"
                 onClicked: root.privacyRequested()
             }

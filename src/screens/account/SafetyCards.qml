@@ -46,9 +46,10 @@ Item {
     LMPModal {
         id: cards
 
+        margins: 0
         accessibleName: root.safety.crisisOpen ? root.safety.crisisTitle : root.safety.continuousUseTitle
         height: Math.min(scroll.implicitHeight, windowHeight - 2 * Theme.space16)
-        width: Math.min(Theme.dp(560), windowWidth - 2 * Theme.space16)
+        width: Math.min(Theme.dp(560) + 2 * scroll.horizontalPadding, windowWidth)
         z: 1000
 
         background: Item {
@@ -63,6 +64,8 @@ Item {
                 id: scroll
 
                 anchors.fill: parent
+                // Room for the scroll bar beside the cards.
+                horizontalPadding: Theme.space16
                 spacing: Theme.space12
 
                 SafetyCard {
@@ -79,7 +82,7 @@ Item {
 
                     extras: [
                         LMPButton {
-                            kind: LMPButton.Link
+                            kind: LMPButton.Quiet
                             text: "换一个地区看看"
                             onClicked: page.open()
                         }

@@ -266,7 +266,9 @@ FocusScope {
 
         Flow {
             spacing: Theme.space8
-            width: parent.width
+            width: parent.width + Theme.space4
+            // A link's own margin, so that its words stand below the others.
+            x: -Theme.space4
 
             LMPButton {
                 enabled: !root.signIn.submitting

@@ -22,6 +22,7 @@ FocusScope {
 
     CenteredPane {
         anchors.fill: parent
+        usualHeight: 600
         visible: !root.trying
 
         Column {
