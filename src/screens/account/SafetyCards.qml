@@ -26,6 +26,15 @@ Item {
             cards.open();
         else
             cards.close();
+        root.focusFront();
+    }
+
+    /// The crisis page is in front of the cards; whoever opens last would have the keyboard.
+    function focusFront(): void {
+        if (page.visible)
+            page.forceActiveFocus();
+        else if (cards.visible)
+            (root.safety.crisisOpen ? crisis : reminder).forceActiveFocus();
     }
 
     Component.onCompleted: root.follow()
@@ -36,8 +45,8 @@ Item {
         }
 
         function onCrisisShown() {
-            if (cards.opened && !page.visible)
-                crisis.forceActiveFocus();
+            if (cards.opened)
+                root.focusFront();
         }
 
         target: root.safety
@@ -72,7 +81,6 @@ Item {
                     id: crisis
 
                     closeText: "关掉这张卡片"
-                    focus: root.safety.crisisOpen
                     iconName: "shield"
                     text: root.safety.crisisText
                     title: root.safety.crisisTitle
@@ -126,7 +134,6 @@ Item {
                     id: reminder
 
                     closeText: "知道了"
-                    focus: !root.safety.crisisOpen
                     iconName: "clock"
                     text: root.safety.continuousUseText
                     title: root.safety.continuousUseTitle
@@ -148,7 +155,7 @@ Item {
             else
                 root.safety.closeContinuousUse();
         }
-        onOpened: (root.safety.crisisOpen ? crisis : reminder).forceActiveFocus()
+        onOpened: root.focusFront()
     }
 
     LMPModal {
@@ -181,6 +188,9 @@ Item {
             }
         }
 
-        onClosed: root.resources.close()
+        onClosed: {
+            root.resources.close();
+            root.focusFront();
+        }
     }
 }

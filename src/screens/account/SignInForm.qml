@@ -106,7 +106,7 @@ FocusScope {
                 id: phone
 
                 errorText: root.signIn.phoneMessage
-                focus: root.signIn.asksPhone
+                focus: true
                 inputMethodHints: Qt.ImhDialableCharactersOnly
                 label: "手机号"
                 readOnly: root.signIn.submitting
