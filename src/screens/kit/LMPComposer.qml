@@ -115,12 +115,12 @@ FocusScope {
 
                 readonly property bool filled: field.length > 0 && /\S/.test(field.text)
 
-                Accessible.description: root.hint
+                Accessible.description: root.enabled ? root.hint : "不可用"
                 Accessible.multiLine: true
                 Accessible.name: root.placeholderText !== "" ? root.placeholderText : "消息"
                 Keys.onMenuPressed: root.menu()
                 Keys.onPressed: event => {
-                    if (root.take(event.key, event.modifiers))
+                    if (root.take(event.key, event.modifiers) || (!field.inputMethodComposing && InputKeys.leaves(field, event)))
                         event.accepted = true;
                 }
                 Keys.onShortcutOverride: event => {

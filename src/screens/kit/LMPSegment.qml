@@ -12,10 +12,10 @@ T.AbstractButton {
 
     Accessible.checkable: true
     Accessible.checked: root.chosen
+    Accessible.description: root.enabled ? "" : "不可用"
     Accessible.name: root.text
     Accessible.role: Accessible.RadioButton
-    activeFocusOnTab: root.chosen || (root.index === 0 && root.row !== null && root.row.currentIndex < 0)
-    focusPolicy: Qt.ClickFocus
+    focusPolicy: root.chosen || (root.index === 0 && root.row !== null && root.row.currentIndex < 0) ? Qt.StrongFocus : Qt.ClickFocus
     height: root.row ? root.row.availableHeight : implicitHeight
     hoverEnabled: true
     implicitHeight: Theme.target

@@ -73,16 +73,14 @@ FocusScope {
                 T.TextArea.flickable: T.TextArea {
                     id: field
 
-                    Accessible.description: root.failed ? root.errorText : root.helpText
+                    Accessible.description: !root.enabled ? "不可用" : root.failed ? root.errorText : root.helpText
                     Accessible.multiLine: true
                     Accessible.name: root.label !== "" ? root.label : root.placeholderText
                     Keys.onMenuPressed: root.menu()
                     Keys.onPressed: event => {
-                        if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
+                        if (field.inputMethodComposing ? InputKeys.heldByComposition(event.key) : InputKeys.leaves(field, event))
                             event.accepted = true;
                     }
-                    KeyNavigation.priority: KeyNavigation.BeforeItem
-                    KeyNavigation.tab: field.nextItemInFocusChain(true)
                     color: root.enabled ? Theme.text : Theme.disabled
                     focus: true
                     font.family: Theme.fontFamily

@@ -63,7 +63,7 @@ FocusScope {
                 (textMenu.item as LMPTextMenu).popup();
             }
 
-            Accessible.description: field.failed ? root.errorText : root.helpText
+            Accessible.description: !root.enabled ? "不可用" : field.failed ? root.errorText : root.helpText
             Accessible.name: root.label !== "" ? root.label : root.placeholderText
             Accessible.passwordEdit: root.secret
             Keys.onMenuPressed: field.menu()
