@@ -52,6 +52,7 @@ FocusScope {
         T.TextField {
             id: field
 
+            readonly property string called: root.label !== "" ? root.label : root.placeholderText
             readonly property bool failed: root.errorText !== ""
             readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason
                                                                  || field.focusReason === Qt.ShortcutFocusReason)
@@ -63,8 +64,9 @@ FocusScope {
                 (textMenu.item as LMPTextMenu).popup();
             }
 
-            Accessible.description: !root.enabled ? "不可用" : field.failed ? root.errorText : root.helpText
-            Accessible.name: root.label !== "" ? root.label : root.placeholderText
+            // Qt keeps the name of a password field to itself, so its label is said here.
+            Accessible.description: (root.secret ? field.called + "。" : "") + (!root.enabled ? "不可用" : field.failed ? root.errorText : root.helpText)
+            Accessible.name: field.called
             Accessible.passwordEdit: root.secret
             Keys.onMenuPressed: field.menu()
             Keys.onPressed: event => {
