@@ -74,7 +74,7 @@ FocusScope {
                     event.accepted = true;
             }
             color: root.enabled ? Theme.text : Theme.disabled
-            echoMode: root.secret && !reveal.checked ? TextInput.Password : TextInput.Normal
+            echoMode: root.secret && !reveal.shows ? TextInput.Password : TextInput.Normal
             focus: true
             font.family: Theme.fontFamily
             font.pixelSize: Theme.sp(14)
@@ -130,18 +130,16 @@ FocusScope {
                 size: 16
             }
 
-            LMPIconButton {
+            Loader {
                 id: reveal
 
+                readonly property bool shows: reveal.item !== null && (reveal.item as LMPReveal).checked
+
+                active: root.secret
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.space2
                 anchors.verticalCenter: parent.verticalCenter
-                checkable: true
-                iconName: reveal.checked ? "eye-off" : "eye"
-                iconSize: 16
-                implicitHeight: Theme.target
-                text: reveal.checked ? "隐藏输入的内容" : "显示输入的内容"
-                visible: root.secret
+                source: "LMPReveal.qml"
             }
 
             Loader {
@@ -149,27 +147,14 @@ FocusScope {
             }
         }
 
-        Row {
-            spacing: Theme.space4
-            visible: field.failed || root.helpText !== ""
+        Loader {
+            active: field.failed || root.helpText !== ""
+            source: "LMPFieldNote.qml"
             width: parent.width
-
-            LMPIcon {
-                color: Theme.danger
-                name: field.failed ? "error" : ""
-                size: 14
-                visible: field.failed
-                y: Math.round((note.lineHeight - height) / 2)
-            }
-
-            LMPText {
-                id: note
-
-                Accessible.ignored: true
-                color: field.failed ? Theme.danger : Theme.text2
-                kind: LMPText.Caption
-                text: field.failed ? root.errorText : root.helpText
-                width: parent.width - (field.failed ? Theme.dp(18) : 0)
+            onLoaded: {
+                const note = item as LMPFieldNote;
+                note.failed = Qt.binding(() => field.failed);
+                note.text = Qt.binding(() => field.failed ? root.errorText : root.helpText);
             }
         }
     }
