@@ -1,0 +1,9 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// The account's part of the settings.
+FocusScope {
+    id: root
+
+    required property SessionModel session
+}
