@@ -2,10 +2,14 @@ import QtQuick
 import Lumenpair.Kit
 
 /// The way to the crisis page, to be placed on any screen.
-FocusScope {
+LMPRow {
     id: root
 
     required property CrisisResourcesModel resources
 
-    signal clicked()
+    Accessible.role: Accessible.Button
+    iconName: "care"
+    subtitle: root.resources.entrySubtitle
+    title: root.resources.entry
+    twoLine: true
 }

@@ -47,6 +47,9 @@ QCoro::Task<> GuestModel::sendNow() {
     const QPointer trial(m_trial.get());
     const QString text = m_input;
     m_pending = text;
+    setInput({});
+    if (!self || !trial)
+        co_return;
     co_await trial->send(text);
     if (!self || !trial || trial != m_trial.get())
         co_return;
@@ -54,9 +57,8 @@ QCoro::Task<> GuestModel::sendNow() {
     const bool answered = trial->turns().size() > m_turns.rowCount();
     m_turns.setTurns(trial->turns());
     Q_EMIT changed();
-    // What was typed on meanwhile is not ours to clear.
-    if (self && answered && m_input == text)
-        setInput({});
+    if (self && !answered)
+        setInput(m_input.isEmpty() ? text : text + u'\n' + m_input);
 }
 
 void GuestModel::leave() {

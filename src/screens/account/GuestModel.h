@@ -9,8 +9,8 @@ namespace lmp {
 
 /// The guest trial as a small chat.
 ///
-/// Owned by SessionModel, UI thread. The text stays in `input` until its answer is there, so that a round that failed
-/// can be tried again; the trial and its token live from `start` to `leave`.
+/// Owned by SessionModel, UI thread. A text whose round failed comes back into `input`, to be tried again. The trial
+/// and its token live from `start` to `leave`.
 class GuestModel : public QObject {
     Q_OBJECT
     QML_ELEMENT

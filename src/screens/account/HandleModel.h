@@ -51,8 +51,8 @@ public:
     /// Asks for suggestions.
     Q_INVOKABLE void load();
     Q_INVOKABLE void save();
-    /// Forgets the input, for the next person.
-    void restart();
+    /// Forgets the input and what was said to it.
+    Q_INVOKABLE void restart();
 
 Q_SIGNALS:
     void changed();

@@ -267,16 +267,17 @@ void SignInModel::begin(Action action) {
     m_providerLink.clear();
 }
 
-void SignInModel::sendCode() {
-    if (!canSendCode()) {
-        // Not while one is on its way: the button tells that already.
-        const bool addressed = asksPhone() ? !m_login->phoneDigits().isEmpty() : !fields().email.trimmed().isEmpty();
-        m_missing = addressed ? m_missing : asksPhone() ? Field::Phone : Field::Email;
+SignInModel::Field SignInModel::sendCode() {
+    if (!canSendCode())
+        return Field::None;
+    if (!m_login->canSendCode()) {
+        m_missing = asksPhone() ? Field::Phone : Field::Email;
         Q_EMIT changed();
-        return;
+        return m_missing;
     }
     begin(Action::SendCode);
     detach(m_login->sendCode(), "LoginModel::sendCode");
+    return Field::None;
 }
 
 SignInModel::Field SignInModel::firstMissing() const {

@@ -101,7 +101,8 @@ public:
 
     bool sending() const { return m_login->isSending(); }
     bool submitting() const { return m_login->isSubmitting() || !m_providerText.isEmpty(); }
-    bool canSendCode() const { return m_login->canSendCode() && !submitting(); }
+    /// Whether asking for a code does anything now; `sendCode` says what is missing.
+    bool canSendCode() const { return !sending() && m_login->resendIn() == 0 && !submitting(); }
     QString sendText() const;
     QString submitText() const;
     bool offersGoogle() const { return m_login->offersGoogle(); }
@@ -116,7 +117,8 @@ public:
     /// Drops everything typed, passwords and codes first.
     void forget();
 
-    Q_INVOKABLE void sendCode();
+    /// Sends the code of the current mode. @return the field to go to when there is nowhere to send it
+    Q_INVOKABLE lmp::SignInModel::Field sendCode();
     /// Signs in, registers or resets. @return the field to go to when something is missing; nothing is sent then
     Q_INVOKABLE lmp::SignInModel::Field submit();
     Q_INVOKABLE void signInWithGoogle();
