@@ -67,6 +67,8 @@ public:
     Clock &clock() { return m_clock; }
     /// Where whoever holds something typed adds how to save it, for a quit.
     LocalInputRegistry &localInput() { return m_localInput; }
+    /// Where this profile's files live.
+    const ApplicationSupport &support() const { return m_support; }
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
