@@ -1,7 +1,5 @@
 #include "screens/shell/CapabilityNote.h"
 
-#include "core/CapabilityStore.h"
-
 namespace lmp {
 
 CapabilityNote::CapabilityNote(QObject *parent)
@@ -12,14 +10,10 @@ void CapabilityNote::setFeatureId(const QString &id) {
     look();
 }
 
-QObject *CapabilityNote::store() const {
-    return m_store;
-}
-
-void CapabilityNote::setStore(QObject *store) {
+void CapabilityNote::setStore(CapabilityStore *store) {
     if (m_store)
         m_store->disconnect(this);
-    m_store = qobject_cast<CapabilityStore *>(store);
+    m_store = store;
     if (m_store)
         connect(m_store, &CapabilityStore::changed, this, &CapabilityNote::look);
     look();

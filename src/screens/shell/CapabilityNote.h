@@ -1,14 +1,12 @@
 #pragma once
 
-#include "core/FeatureCapability.h"
+#include "core/CapabilityStore.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QtQml/qqmlregistration.h>
 
 namespace lmp {
-
-class CapabilityStore;
 
 /// What the service says of one feature, where that feature is shown.
 ///
@@ -17,7 +15,7 @@ class CapabilityNote : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString featureId MEMBER m_featureId WRITE setFeatureId NOTIFY changed)
-    Q_PROPERTY(QObject *store READ store WRITE setStore NOTIFY changed)
+    Q_PROPERTY(lmp::CapabilityStore *store READ store WRITE setStore NOTIFY changed)
     Q_PROPERTY(bool known READ known NOTIFY changed)
     Q_PROPERTY(Level level READ level NOTIFY changed)
     Q_PROPERTY(QString label READ label NOTIFY changed)
@@ -29,9 +27,8 @@ public:
     explicit CapabilityNote(QObject *parent = nullptr);
 
     void setFeatureId(const QString &id);
-    /// A CapabilityStore, or null.
-    QObject *store() const;
-    void setStore(QObject *store);
+    CapabilityStore *store() const { return m_store; }
+    void setStore(CapabilityStore *store);
     bool known() const { return m_feature.has_value(); }
     /// Full where nothing else is known.
     Level level() const;

@@ -10,9 +10,11 @@ Window {
     required property WindowScene scene
 
     color: Theme.window
-    height: 800
-    title: "Lumenpair"
-    width: 1280
+    height: Math.min(root.scene.layout.windowHeight, Screen.desktopAvailableHeight)
+    minimumHeight: Math.min(600, Screen.desktopAvailableHeight)
+    minimumWidth: Math.min(920, Screen.desktopAvailableWidth)
+    title: root.scene.stage === WindowScene.Shell && root.scene.chat.open ? root.scene.chat.title + " — Lumenpair" : "Lumenpair"
+    width: Math.min(root.scene.layout.windowWidth, Screen.desktopAvailableWidth)
 
     onClosing: close => close.accepted = root.scene.mayClose()
 
@@ -40,6 +42,31 @@ Window {
 
     RootPane {
         anchors.fill: parent
+        focus: true
         scene: root.scene
+    }
+
+    // Keys, menus and questions are read after the first frame: nobody needs them sooner.
+    Loader {
+        id: later
+
+        function begin(): void {
+            if (later.status === Loader.Null)
+                later.setSource("WindowExtras.qml", {
+                    scene: root.scene
+                });
+        }
+
+        anchors.fill: parent
+        asynchronous: true
+    }
+
+    Connections {
+        function onFrameSwapped(): void {
+            later.begin();
+        }
+
+        enabled: later.status === Loader.Null
+        target: root
     }
 }

@@ -1,8 +1,9 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Shell
 
-/// The screen that the window is at. Each is read when it is first needed.
-Item {
+/// The screen that the window is at, each read when it is first needed, and the safety cards over all of them.
+FocusScope {
     id: root
 
     required property WindowScene scene
@@ -13,6 +14,12 @@ Item {
             return "LaunchPane.qml";
         case WindowScene.SignedOut:
             return "SignedOutPane.qml";
+        case WindowScene.Migration:
+            return "MigrationPane.qml";
+        case WindowScene.Onboarding:
+            return "OnboardingPane.qml";
+        case WindowScene.HandleSetup:
+            return "HandlePane.qml";
         case WindowScene.Shell:
             return "MainShell.qml";
         }
@@ -25,9 +32,35 @@ Item {
         });
     }
 
+    /// Cards and the crisis page, as soon as there is one to show.
+    function care(): void {
+        const wanted = root.scene.safety !== null && (root.scene.safety.anyOpen || root.scene.navigation.crisisOpen);
+        if (wanted && over.status === Loader.Null)
+            over.setSource("CarePane.qml", {
+                scene: root.scene
+            });
+    }
+
     Component.onCompleted: root.present()
 
+    Loader {
+        id: stage
+
+        anchors.fill: parent
+        focus: true
+    }
+
+    Loader {
+        id: over
+
+        anchors.fill: parent
+    }
+
     Connections {
+        function onAdopted(): void {
+            root.care();
+        }
+
         function onStageChanged(): void {
             root.present();
         }
@@ -35,10 +68,20 @@ Item {
         target: root.scene
     }
 
-    Loader {
-        id: stage
+    Connections {
+        function onChanged(): void {
+            root.care();
+        }
 
-        anchors.fill: parent
-        focus: true
+        ignoreUnknownSignals: true
+        target: root.scene.safety
+    }
+
+    Connections {
+        function onOverChanged(): void {
+            root.care();
+        }
+
+        target: root.scene.navigation
     }
 }

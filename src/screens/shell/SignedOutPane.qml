@@ -1,14 +1,18 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Shell
-import Lumenpair.Kit
 
-Item {
+/// Signing in, and the guest trial.
+FocusScope {
     id: root
 
     required property WindowScene scene
 
-    LMPText {
-        anchors.centerIn: parent
-        text: "SignedOut"
+    SignedOutView {
+        anchors.fill: parent
+        focus: true
+        resources: root.scene.crisis
+        session: root.scene.session
+        onCrisisRequested: root.scene.navigation.openCrisis()
     }
 }

@@ -55,12 +55,12 @@ QVariant WindowCommands::data(const QModelIndex &index, int role) const {
     case TitleRole:
         return entry.title;
     case CommandRole:
-        return QVariant::fromValue(entry.command);
+        return int(entry.command);
     case KeysRole:
         return entry.keys;
     case KeysTextRole:
         return keysText(entry.keys);
-    case EnabledRole:
+    case AvailableRole:
         return enabled(entry);
     default:
         return {};
@@ -72,7 +72,7 @@ QHash<int, QByteArray> WindowCommands::roleNames() const {
             {TitleRole, "title"},
             {KeysRole, "keys"},
             {KeysTextRole, "keysText"},
-            {EnabledRole, "enabled"}};
+            {AvailableRole, "available"}};
 }
 
 void WindowCommands::setShellShown(bool shown) {
@@ -80,7 +80,7 @@ void WindowCommands::setShellShown(bool shown) {
         return;
     m_shellShown = shown;
     Q_EMIT shellShownChanged();
-    Q_EMIT dataChanged(index(0), index(rowCount() - 1), {EnabledRole});
+    Q_EMIT dataChanged(index(0), index(rowCount() - 1), {AvailableRole});
 }
 
 void WindowCommands::run(Command command) {

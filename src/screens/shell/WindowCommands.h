@@ -42,11 +42,11 @@ public:
     };
     Q_ENUM(Command)
     enum Role {
-        CommandRole = Qt::UserRole + 1, ///< command: Command
+        CommandRole = Qt::UserRole + 1, ///< command: int
         TitleRole,                      ///< title: QString
         KeysRole,                       ///< keys: QStringList, as a Shortcut takes them
         KeysTextRole,                   ///< keysText: QString, as the platform writes them
-        EnabledRole,                    ///< enabled: bool
+        AvailableRole,                  ///< available: bool
     };
     struct Entry {
         Command command;

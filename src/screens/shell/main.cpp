@@ -1,3 +1,4 @@
+#include "app/SingleInstance.h"
 #include "platform/SystemClock.h"
 #include "screens/shell/GraphicsChoice.h"
 #include "screens/shell/WindowApplication.h"
@@ -8,9 +9,9 @@
 
 namespace {
 
-int complain(const QString &text) {
+int complain(const QString &text, int status) {
     std::fputs((text + u'\n').toUtf8().constData(), stderr);
-    return 2;
+    return status;
 }
 
 } // namespace
@@ -22,7 +23,7 @@ int main(int argc, char **argv) {
         arguments << QString::fromLocal8Bit(argv[at]);
     auto options = lmp::WindowOptions::parse(arguments);
     if (!options)
-        return complain(options.error());
+        return complain(options.error(), 2);
     QGuiApplication::setApplicationName(QStringLiteral("lumenpair"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Lumenpair"));
     QGuiApplication::setApplicationVersion(QStringLiteral(LMP_VERSION));
@@ -32,6 +33,20 @@ int main(int argc, char **argv) {
     // The program's own arguments are not the toolkit's to read.
     int toolkitArguments = 1;
     QGuiApplication app(toolkitArguments, argv);
+
+    lmp::SingleInstance instance(options->profile);
+    auto handover = lmp::SingleInstance::ofThisProcess();
+    handover.arguments = arguments;
+    switch (instance.claim(handover)) {
+    case lmp::SingleInstance::Role::First:
+        break;
+    case lmp::SingleInstance::Role::HandedOver:
+        return 0;
+    case lmp::SingleInstance::Role::Unresponsive:
+        return complain(lmp::SingleInstance::unresponsiveText(), 1);
+    }
     lmp::WindowApplication window(*std::move(options), start);
-    return window.run();
+    QObject::connect(&instance, &lmp::SingleInstance::handedOver, &window, &lmp::WindowApplication::takeOver);
+    QObject::connect(&window, &lmp::WindowApplication::leaving, &instance, &lmp::SingleInstance::release);
+    return window.start() ? QGuiApplication::exec() : 1;
 }
