@@ -56,6 +56,9 @@ public:
     SSEClient events() const { return SSEClient(m_site.api, m_auth->tokenProvider()); }
     SafetyGateStore &safety() { return m_safety; }
     Clock &clock() { return m_clock; }
+    /// Where this profile's files live.
+    const ApplicationSupport &support() const { return m_support; }
+    ExternalOpener &opener() { return m_opener; }
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();

@@ -71,8 +71,6 @@ void ConversationSession::begin(std::optional<QString> mode, bool incognito) {
 }
 
 void ConversationSession::close() {
-    if (!isActive())
-        return;
     leave();
     Q_EMIT opened();
 }
@@ -151,6 +149,15 @@ void ConversationSession::keep() {
         if (!kept && kept.error().kind != ConversationDraftCache::CacheError::Kind::missingAccount)
             qCWarning(logConversation) << "a draft could not be kept";
     });
+}
+
+QCoro::Task<bool> ConversationSession::preserve() {
+    if (!m_conversation || m_incognito || !unsaved())
+        co_return true;
+    const auto entry = ConversationDraftCache::entry(*m_conversation, m_clock.now());
+    m_draftWriteId = entry.writeId;
+    co_return co_await PoolAwaiter(
+        [drafts = m_drafts, user = m_userId, entry] { return drafts.save(user, entry).has_value(); }, &m_files);
 }
 
 void ConversationSession::forgetDraft() {

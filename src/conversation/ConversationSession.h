@@ -49,6 +49,7 @@ public:
     /// Opens a conversation of the service in place of the open one, with what this machine kept unsaved of it.
     /// Messages still pending become unknown. On failure no conversation is open.
     QCoro::Task<Result<void>> load(QString id, Copy copy = Copy::Local);
+    /// Puts away what is open, and lets go of what is being opened.
     void close();
 
     bool isActive() const { return m_conversation.has_value(); }
@@ -79,6 +80,8 @@ public:
     /// Keeps what there is now in the draft cache without waiting, so that a crash in the middle of a turn costs no
     /// input. Incognito: nothing.
     void keep();
+    /// The same, and waits for it. @return false when it is not on the disk
+    QCoro::Task<bool> preserve();
     /// Sends the conversation to the service, after the save under way if there is one. `saveEnded` follows once, when
     /// nothing more is to be saved, always through the event loop; it does not when another conversation is opened
     /// first.

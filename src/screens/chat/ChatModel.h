@@ -1,0 +1,195 @@
+#pragma once
+
+#include "screens/chat/ChatServices.h"
+#include "screens/chat/ComposerInputs.h"
+#include "screens/chat/MessageListModel.h"
+#include "screens/chat/UsedMemoryModel.h"
+
+#include <QUrl>
+
+namespace lmp {
+
+/// The chat with one's twin as a window shows it: the open conversation, the turn under way, what is typed, and every
+/// sentence that says how things stand.
+///
+/// One for each window, owned by its scene; the application outlives it. UI thread. Nothing fails outwards: failures
+/// are texts here and in `messages`. When somebody else is signed in, what is open is put away and closed.
+class ChatModel : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the window's scene")
+    Q_PROPERTY(lmp::MessageListModel *messages READ messages CONSTANT)
+    Q_PROPERTY(lmp::UsedMemoryModel *usedMemories READ usedMemories CONSTANT)
+
+    // The conversation.
+    Q_PROPERTY(QString conversationId READ conversationId NOTIFY conversationChanged)
+    Q_PROPERTY(QString title READ title NOTIFY conversationChanged)
+    Q_PROPERTY(bool open READ isOpen NOTIFY conversationChanged)
+    Q_PROPERTY(bool loading READ loading NOTIFY conversationChanged)
+    /// Why the conversation is not open; `reload` is the action.
+    Q_PROPERTY(QString loadError READ loadError NOTIFY conversationChanged)
+    Q_PROPERTY(bool incognito READ incognito NOTIFY conversationChanged)
+    Q_PROPERTY(QString incognitoText READ incognitoText CONSTANT)
+    /// The service's copy has moved on; `openServiceCopy` gives up the local one.
+    Q_PROPERTY(bool conflicted READ conflicted NOTIFY conversationChanged)
+    /// What became of the last save, while it is not with the service; `saveAgain` is the action.
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
+    /// Why a link was not opened, until it is closed.
+    Q_PROPERTY(QString linkNotice READ linkNotice NOTIFY noticeChanged)
+
+    // The turn.
+    Q_PROPERTY(bool sending READ sending NOTIFY stateChanged)
+    Q_PROPERTY(bool awaitingReply READ awaitingReply NOTIFY stateChanged)
+    Q_PROPERTY(bool retrying READ retrying NOTIFY stateChanged)
+    /// Neither a turn nor a retry is under way.
+    Q_PROPERTY(bool idle READ isIdle NOTIFY stateChanged)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY stateChanged)
+    Q_PROPERTY(QString balanceText READ balanceText NOTIFY stateChanged)
+    Q_PROPERTY(QString lastChargeText READ lastChargeText NOTIFY stateChanged)
+    Q_PROPERTY(bool cheaperMode READ cheaperMode WRITE setCheaperMode NOTIFY stateChanged)
+
+    // The input.
+    Q_PROPERTY(QString input READ input WRITE setInput NOTIFY inputChanged)
+    Q_PROPERTY(bool canSend READ canSend NOTIFY inputChanged)
+    /// Why the input was not submitted; it is still in its box.
+    Q_PROPERTY(QString inputHeldReason READ inputHeldReason NOTIFY inputChanged)
+    /// The failed message that sending tries again; empty when sending says something new.
+    Q_PROPERTY(QString retryTarget READ retryTarget NOTIFY inputChanged)
+    Q_PROPERTY(QString retryTargetText READ retryTargetText NOTIFY inputChanged)
+
+    // The sheets.
+    Q_PROPERTY(bool usedOpen READ usedOpen NOTIFY stateChanged)
+    Q_PROPERTY(QString reasonsOpenFor READ reasonsOpenFor NOTIFY stateChanged)
+    /// What `dislike` takes, in the order of presentation, and how each reads.
+    Q_PROPERTY(QStringList feedbackReasons READ feedbackReasons CONSTANT)
+    Q_PROPERTY(QStringList feedbackReasonTexts READ feedbackReasonTexts CONSTANT)
+public:
+    explicit ChatModel(Application &application, QObject *parent = nullptr);
+    explicit ChatModel(ChatServices services, QObject *parent = nullptr);
+    ~ChatModel() override;
+
+    MessageListModel *messages() { return &m_messages; }
+    UsedMemoryModel *usedMemories() { return &m_used; }
+    QString conversationId() const;
+    QString title() const;
+    bool isOpen() const { return m_session.isActive(); }
+    bool loading() const { return m_loading; }
+    const QString &loadError() const { return m_loadError; }
+    bool incognito() const { return m_session.incognito(); }
+    QString incognitoText() const;
+    bool conflicted() const { return m_session.conflicted(); }
+    const QString &notice() const { return m_notice; }
+    const QString &linkNotice() const { return m_linkNotice; }
+    bool sending() const { return m_view.sending(); }
+    bool awaitingReply() const { return m_view.awaitingReply(); }
+    bool retrying() const { return m_view.retry().isRunning(); }
+    bool isIdle() const { return !sending() && !retrying(); }
+    QString errorText() const { return m_view.errorText().value_or(QString()); }
+    QString balanceText() const;
+    QString lastChargeText() const;
+    bool cheaperMode() const { return m_view.cheaperMode; }
+    void setCheaperMode(bool cheaper);
+    QString input() const;
+    void setInput(const QString &text);
+    bool canSend() const;
+    const QString &inputHeldReason() const { return m_heldReason; }
+    QString retryTarget() const;
+    QString retryTargetText() const;
+    bool usedOpen() const { return m_view.showUsed().has_value(); }
+    QString reasonsOpenFor() const { return m_view.reasonsOpenFor().value_or(QString()); }
+    QStringList feedbackReasons() const { return ChatWithTwinView::feedbackReasons(); }
+    QStringList feedbackReasonTexts() const;
+
+    /// Opens a fresh conversation. One that is open and still empty stays.
+    Q_INVOKABLE void begin(bool incognito = false);
+    /// Opens a conversation of the service. One that is open already stays.
+    Q_INVOKABLE void load(const QString &id);
+    /// Tries once more to open what `loadError` speaks of.
+    Q_INVOKABLE void reload();
+    /// Opens the service's copy; the local changes are given up, so only at the person's own word.
+    Q_INVOKABLE void openServiceCopy();
+    Q_INVOKABLE void saveAgain();
+    Q_INVOKABLE void closeNotice();
+    Q_INVOKABLE void closeLinkNotice();
+
+    /// Submits the input, or tries the `retryTarget` again with it. The model empties the input itself: when the turn
+    /// has begun, or when the retry has succeeded.
+    /// @return false when nothing was submitted; `inputHeldReason` says why
+    Q_INVOKABLE bool send();
+    Q_INVOKABLE void stop();
+    /// Another answer to what a reply answered. Why not is told in the reply's own row.
+    Q_INVOKABLE bool retryReply(const QString &twinMessageId);
+    /// Sends a failed message again. An edited text goes by way of the input box, so that it cannot be lost.
+    Q_INVOKABLE bool retryMessage(const QString &userMessageId, const QString &edited = {});
+    /// Puts a failed message into the input box, to be edited and tried again. @return false when the box is occupied
+    Q_INVOKABLE bool restoreMessage(const QString &userMessageId);
+    /// Sending says something new again; the text stays.
+    Q_INVOKABLE void clearRetryTarget();
+
+    Q_INVOKABLE void like(const QString &messageId) { m_view.likeReply(messageId); }
+    Q_INVOKABLE void openReasons(const QString &messageId) { m_view.openReasons(messageId); }
+    Q_INVOKABLE void dislike(const QString &messageId, const QString &reason) {
+        m_view.dislikeReply(messageId, reason);
+    }
+    Q_INVOKABLE void closeReasons() { m_view.closeReasons(); }
+    Q_INVOKABLE void openUsed(const QString &messageId) { m_view.openUsed(messageId); }
+    Q_INVOKABLE void closeUsed() { m_view.closeUsed(); }
+    Q_INVOKABLE void copyText(const QString &text);
+    Q_INVOKABLE void copyMessage(const QString &messageId);
+    /// Hands http and https links to the browser; any other is refused with `linkNotice`.
+    Q_INVOKABLE bool openLink(const QUrl &link);
+
+    /// Whether everything typed is on disk or with the service.
+    Q_INVOKABLE bool localInputSaved() const;
+    /// Puts on disk what is unsaved and unsent. @return false when something could be lost
+    QCoro::Task<bool> preserve();
+    /// To be called when somebody else may be signed in.
+    void recheckAccount();
+
+Q_SIGNALS:
+    void conversationChanged();
+    void stateChanged();
+    void inputChanged();
+    void noticeChanged();
+    /// A turn has begun with what was typed.
+    void sent();
+    /// What the list of conversations shows may have changed: at the service, or on this machine alone.
+    void saved();
+    void draftsChanged();
+
+private:
+    void openAs(const QString &id, ConversationSession::Copy copy);
+    QCoro::Task<> load(QString id, ConversationSession::Copy copy, quint64 loads);
+    void forgetOpening();
+    ComposerInputs::Place place() const;
+    const ConvMessageDTO *messageOf(const QString &id) const;
+    bool sendRetry();
+    bool startedRetry(const QString &row, const std::optional<QString> &refusal);
+    void dropStaleRetry();
+    void hold(const QString &reason);
+    void setNotice(const QString &notice);
+    void onOpened();
+    void onViewChanged();
+    void onTurnEnded(const TurnOutcome &outcome);
+    void onRetryEnded(const QString &messageId, const QString &text);
+    void onSaveEnded(const ConversationSession::Saved &saved);
+
+    ChatServices m_services;
+    ConversationSession m_session;
+    ChatWithTwinView m_view;
+    MessageListModel m_messages;
+    UsedMemoryModel m_used;
+    ComposerInputs m_inputs;
+    QString m_owner;     ///< the account and sign-in that what is open is of
+    QString m_wantedId;  ///< of a conversation that is being opened, or could not be
+    quint64 m_loads = 0; ///< counts what was asked for
+    bool m_loading = false;
+    QString m_loadError;
+    QString m_notice;
+    QString m_linkNotice;
+    QString m_heldReason;
+    QString m_retryRow;                  ///< whose retry is under way
+    std::optional<QString> m_retryInput; ///< what it was sent with, when that is the input
+};
+
+} // namespace lmp

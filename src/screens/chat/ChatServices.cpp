@@ -1,0 +1,19 @@
+#include "screens/chat/ChatServices.h"
+
+#include "app/Application.h"
+
+namespace lmp {
+
+ChatServices ChatServices::of(Application &application) {
+    return {.api = application.api(),
+            .events = application.events(),
+            .account = application.account(),
+            .drafts = application.drafts(),
+            .inputs = ComposerInputFile(application.support()),
+            .clock = &application.clock(),
+            .safety = &application.safety(),
+            .recorder = application.recorder(),
+            .opener = &application.opener()};
+}
+
+} // namespace lmp

@@ -1,0 +1,282 @@
+#include "screens/chat/ConversationListModel.h"
+
+#include "app/Application.h"
+#include "conversation/ConversationTexts.h"
+#include "core/Detach.h"
+#include "core/PoolAwaiter.h"
+#include "screens/chat/ChatDateText.h"
+#include "screens/chat/ChatModel.h"
+
+#include <algorithm>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+ConversationListModel::ConversationListModel(Application &application, QObject *parent)
+    : ConversationListModel(ChatServices::of(application), parent) {
+    for (const auto signal :
+         {&AuthStore::generationChanged, &AuthStore::phaseChanged, &AuthStore::verificationFailedChanged})
+        connect(&application.auth(), signal, this, &ConversationListModel::recheckAccount);
+}
+
+ConversationListModel::ConversationListModel(ChatServices services, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_services(std::move(services))
+    , m_owner(owner()) {}
+
+ConversationListModel::~ConversationListModel() = default;
+
+int ConversationListModel::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : int(m_shown.size());
+}
+
+QVariant ConversationListModel::data(const QModelIndex &index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const ConversationRow &row = m_shown.at(index.row());
+    switch (role) {
+    case ConversationIdRole:
+        return row.id;
+    case Qt::DisplayRole:
+    case TitleRole:
+        return row.title.isEmpty() ? u"新对话"_s : row.title;
+    case SubtitleRole:
+        return row.localOnly ? u"只在本机，尚未同步"_s : QString();
+    case TimeTextRole:
+        return ChatDateText::of(row.at, m_services.clock->now().toLocalTime());
+    case SelectedRole:
+        return row.id == m_selectedId;
+    case UnreadRole:
+        return 0;
+    case DraftRole:
+        return row.draft;
+    case WaitingTextRole:
+        return QString();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> ConversationListModel::roleNames() const {
+    return {{ConversationIdRole, "conversationId"},
+            {TitleRole, "title"},
+            {SubtitleRole, "subtitle"},
+            {TimeTextRole, "timeText"},
+            {SelectedRole, "selected"},
+            {UnreadRole, "unread"},
+            {DraftRole, "draft"},
+            {WaitingTextRole, "waitingText"}};
+}
+
+void ConversationListModel::refresh() {
+    m_again = m_loading;
+    if (m_loading)
+        return;
+    m_loading = true;
+    detach(load(), "listing the conversations");
+    Q_EMIT stateChanged();
+}
+
+QCoro::Task<> ConversationListModel::load() {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    co_await readLocal();
+    if (!self || m_generation != generation)
+        co_return;
+    const auto answer = co_await ConversationService(m_services.api).list();
+    if (!self || m_generation != generation)
+        co_return;
+    recheckAccount();
+    if (!self || m_generation != generation)
+        co_return;
+    m_loading = false;
+    m_errorText = answer ? QString() : answer.error().reason;
+    if (answer) {
+        m_summaries = answer->conversations;
+        m_loaded = true;
+    }
+    rebuild();
+    if (self && m_again)
+        refresh();
+}
+
+QCoro::Task<> ConversationListModel::readLocal() {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    auto read =
+        co_await PoolAwaiter([drafts = m_services.drafts, inputs = m_services.inputs,
+                              account = m_services.account.current()] { return Local::read(drafts, inputs, account); });
+    if (!self || m_generation != generation)
+        co_return;
+    m_local = std::move(read);
+    m_notice = m_local.unreadable > 0 ? ConversationTexts::draftsKeptUnread(m_local.unreadable) : QString();
+    rebuild();
+}
+
+ConversationListModel::Local ConversationListModel::Local::read(const ConversationDraftCache &drafts,
+                                                                const ComposerInputFile &inputs,
+                                                                const std::optional<QString> &account) {
+    Local local;
+    if (const auto kept = drafts.list(account)) {
+        local.unreadable += kept->unreadable;
+        for (const auto &entry : kept->entries)
+            local.rows.push_back({.id = entry.snapshot.id,
+                                  .title = entry.snapshot.title,
+                                  .at = QDateTime::fromString(entry.updatedAt, Qt::ISODateWithMs),
+                                  .draft = true,
+                                  .localOnly = true});
+    }
+    if (const auto unsent = inputs.list(account)) {
+        local.unreadable += unsent->unreadable;
+        for (const auto &entry : unsent->entries)
+            local.unsent.insert(entry.id);
+    }
+    return local;
+}
+
+void ConversationListModel::rebuild() {
+    QHash<QString, ConversationRow> drafts;
+    for (const ConversationRow &row : std::as_const(m_local.rows))
+        drafts.insert(row.id, row);
+    QList<ConversationRow> known;
+    for (const auto &summary : std::as_const(m_summaries)) {
+        const auto draft = drafts.take(summary.id);
+        known.push_back({.id = summary.id,
+                         .title = summary.title,
+                         .at = std::max(draft.at, m_savedAt.value(summary.id)),
+                         .draft = draft.draft || m_local.unsent.contains(summary.id),
+                         .localOnly = false});
+    }
+    // What the service does not know comes first, the newest in front.
+    QList<ConversationRow> all;
+    for (const ConversationRow &row : std::as_const(m_local.rows)) {
+        if (drafts.contains(row.id))
+            all.push_back(row);
+    }
+    all += known;
+    const bool listed = std::ranges::find(all, m_open.id, &ConversationRow::id) != all.end();
+    if (!listed && !m_open.id.isEmpty() && !m_open.title.isEmpty())
+        all.prepend(m_open);
+    m_all = std::move(all);
+    show();
+    Q_EMIT stateChanged();
+}
+
+void ConversationListModel::find(const QString &text) {
+    const QString wanted = text.trimmed();
+    if (wanted == m_findText)
+        return;
+    m_findText = wanted;
+    show();
+    Q_EMIT stateChanged();
+}
+
+void ConversationListModel::show() {
+    QList<ConversationRow> wanted;
+    std::ranges::copy_if(m_all, std::back_inserter(wanted), [this](const ConversationRow &row) {
+        return m_findText.isEmpty() || row.title.contains(m_findText, Qt::CaseInsensitive);
+    });
+    if (m_shown.isEmpty() || wanted.isEmpty()) {
+        if (m_shown.isEmpty() && wanted.isEmpty())
+            return;
+        beginResetModel();
+        m_shown = std::move(wanted);
+        endResetModel();
+        return;
+    }
+    for (qsizetype row = 0; row < wanted.size(); ++row)
+        place(row, wanted.at(row));
+    if (m_shown.size() > wanted.size()) {
+        beginRemoveRows({}, int(wanted.size()), int(m_shown.size()) - 1);
+        m_shown.resize(wanted.size());
+        endRemoveRows();
+    }
+}
+
+void ConversationListModel::place(qsizetype row, const ConversationRow &wanted) {
+    const auto there = std::find_if(m_shown.cbegin() + std::min(row, m_shown.size()), m_shown.cend(),
+                                    [&](const ConversationRow &one) { return one.id == wanted.id; });
+    const qsizetype from = there - m_shown.cbegin();
+    if (there == m_shown.cend()) {
+        beginInsertRows({}, int(row), int(row));
+        m_shown.insert(row, wanted);
+        endInsertRows();
+        return;
+    }
+    if (from != row) {
+        beginMoveRows({}, int(from), int(from), {}, int(row));
+        m_shown.move(from, row);
+        endMoveRows();
+    }
+    if (m_shown.at(row) != wanted) {
+        m_shown[row] = wanted;
+        Q_EMIT dataChanged(index(int(row)), index(int(row)));
+    }
+}
+
+void ConversationListModel::select(const QString &conversationId) {
+    if (conversationId == m_selectedId)
+        return;
+    const QString before = std::exchange(m_selectedId, conversationId);
+    for (qsizetype row = 0; row < m_shown.size(); ++row) {
+        if (m_shown.at(row).id == before || m_shown.at(row).id == conversationId)
+            Q_EMIT dataChanged(index(int(row)), index(int(row)), {SelectedRole});
+    }
+    Q_EMIT selectedIdChanged();
+}
+
+QString ConversationListModel::neighbour(int step) const {
+    const auto selected = std::ranges::find(m_shown, m_selectedId, &ConversationRow::id);
+    if (selected == m_shown.end())
+        return step > 0 && !m_shown.isEmpty() ? m_shown.front().id : QString();
+    const qsizetype row = selected - m_shown.begin() + step;
+    return row >= 0 && row < m_shown.size() ? m_shown.at(row).id : QString();
+}
+
+void ConversationListModel::follow(ChatModel *chat) {
+    if (m_chat)
+        m_chat->disconnect(this);
+    m_chat = chat;
+    if (!chat)
+        return;
+    connect(chat, &ChatModel::conversationChanged, this, &ConversationListModel::onChatChanged);
+    connect(chat, &ChatModel::saved, this, [this] {
+        m_savedAt.insert(m_chat->conversationId(), m_services.clock->now());
+        refresh();
+    });
+    connect(chat, &ChatModel::draftsChanged, this, [this] { detach(readLocal(), "listing the drafts"); });
+    onChatChanged();
+}
+
+void ConversationListModel::onChatChanged() {
+    const bool titled = m_chat->isOpen() && !m_chat->incognito() && m_chat->messages()->total() > 0;
+    const ConversationRow open{
+        .id = titled ? m_chat->conversationId() : QString(), .title = titled ? m_chat->title() : QString(), .at = {}};
+    select(m_chat->conversationId());
+    if (std::exchange(m_open, open) != open)
+        rebuild();
+}
+
+void ConversationListModel::recheckAccount() {
+    const QString now = owner();
+    if (std::exchange(m_owner, now) == now)
+        return;
+    ++m_generation;
+    m_summaries.clear();
+    m_local = {};
+    m_savedAt.clear();
+    m_open = {};
+    m_loading = m_again = m_loaded = false;
+    m_errorText.clear();
+    m_notice.clear();
+    m_findText.clear();
+    select({});
+    rebuild();
+}
+
+QString ConversationListModel::owner() const {
+    return m_services.account.key() + u'\n' + m_services.account.signIn();
+}
+
+} // namespace lmp

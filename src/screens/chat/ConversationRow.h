@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+namespace lmp {
+
+/// One conversation of the list. A value.
+struct ConversationRow {
+    QString id;
+    QString title;
+    QDateTime at;           ///< of the latest change known here; invalid when none is
+    bool draft = false;     ///< this machine holds something unsaved or unsent
+    bool localOnly = false; ///< the service does not know it
+    bool operator==(const ConversationRow &) const = default;
+};
+
+} // namespace lmp
