@@ -77,9 +77,9 @@ void SingleInstance::release() {
         ::close(std::exchange(m_lock, -1));
 }
 
-SingleInstance::Role SingleInstance::claim(const Handover &handover) {
+SingleInstance::Role SingleInstance::claim(const Handover &handover, std::chrono::milliseconds limit) {
     const QByteArray message = framed(handover);
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(limit);
     // Again and again: the first one may only be starting, or be on its way out.
     while (true) {
         const Lock lock = takeLock();
@@ -115,7 +115,9 @@ void SingleInstance::listen() {
     // With the lock in our hands, a socket that is there was left by somebody who is gone.
     const QString name = m_path + u".sock"_s;
     QLocalServer::removeServer(name);
-    if (!m_server.listen(name))
+    if (m_server.listen(name)) // open to the owner alone, but executable too
+        ::chmod(QFile::encodeName(name).constData(), S_IRUSR | S_IWUSR);
+    else
         qCWarning(logApplication) << "another start of the program will not be heard:" << m_server.errorString();
 }
 

@@ -39,8 +39,8 @@ public:
     explicit SingleInstance(const QString &profile, QString folder = {}, QObject *parent = nullptr);
     ~SingleInstance() override;
 
-    /// Finds out which start this is, once, before any window: at once for the first, within `patience` otherwise.
-    Role claim(const Handover &handover);
+    /// Finds out which start this is, once, before any window: at once for the first, within `limit` otherwise.
+    Role claim(const Handover &handover, std::chrono::milliseconds limit = patience);
     /// Gives the place up, as soon as the program begins to close down: a start from then on is the next first one,
     /// and does not hand over to somebody who is leaving.
     void release();

@@ -74,6 +74,9 @@ public:
     /// The row of a message, or -1 when it is not in the window.
     Q_INVOKABLE int rowOf(const QString &messageId) const;
 
+    /// The blocks of a reply, made when they are first asked for; null for any other message.
+    Q_INVOKABLE QObject *blocksFor(const QString &messageId);
+
     // What this window knows beyond the conversation itself; all of it ends with the conversation.
     void setError(const QString &messageId, const QString &text);
     void setCharge(const QString &messageId, const QString &text);

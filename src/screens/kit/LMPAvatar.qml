@@ -24,7 +24,7 @@ Rectangle {
         lineHeightMode: Text.ProportionalHeight
         lineHeight: 1
         // By code points, so that a character outside the basic plane is not cut in two.
-        text: Array.from(root.name.trim())[0] ?? ""
+        text: root.name.trim() === "" ? "" : String.fromCodePoint(root.name.trim().codePointAt(0))
         wrapMode: Text.NoWrap
     }
 }

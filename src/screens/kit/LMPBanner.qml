@@ -74,7 +74,7 @@ Rectangle {
         name: root.iconOf(root.tone)
         size: 18
         x: Theme.space12
-        y: body.y + Math.round((sentence.lineHeight - height) / 2)
+        y: body.y + sentence.y + Math.round((sentence.lineHeight - height) / 2)
     }
 
     Item {
@@ -95,13 +95,11 @@ Rectangle {
             y: root.stacked ? 0 : Math.round((parent.implicitHeight - height) / 2)
         }
 
-        Flow {
+        Row {
             id: actions
 
-            layoutDirection: root.stacked ? Qt.LeftToRight : Qt.RightToLeft
             spacing: Theme.space8
             visible: root.acts
-            width: root.stacked ? root.room : implicitWidth
             x: root.stacked ? sentence.x : sentence.x + root.room - width
             y: root.stacked ? sentence.height + Theme.space4 : Math.round((parent.implicitHeight - height) / 2)
 

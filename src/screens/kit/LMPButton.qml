@@ -69,7 +69,7 @@ T.AbstractButton {
     focusPolicy: Qt.StrongFocus
     horizontalPadding: root.kind === LMPButton.Link ? Theme.space4 : Theme.space12
     hoverEnabled: true
-    implicitHeight: Math.max(Theme.target, root.kind === LMPButton.Link ? Theme.target : Theme.control)
+    implicitHeight: Math.max(Theme.target, Theme.control)
     implicitWidth: Math.max(root.kind === LMPButton.Link ? 0 : Theme.space56, implicitContentWidth + leftPadding + rightPadding)
 
     // Takes the clicks that a busy button must not act on, and leaves the button its focus.

@@ -67,7 +67,7 @@ Rectangle {
     border.width: root.clickable ? 1 : 0
     color: root.fillOf(root.tone)
     implicitHeight: root.clickable ? Theme.target : Theme.dp(24)
-    implicitWidth: row.implicitWidth + 2 * Theme.dp(10)
+    implicitWidth: Math.ceil(words.implicitWidth) + (root.iconName === "" ? 0 : Theme.dp(18)) + 2 * Theme.dp(10)
     radius: height / 2
 
     Row {
@@ -85,6 +85,8 @@ Rectangle {
         }
 
         LMPText {
+            id: words
+
             Accessible.ignored: true
             anchors.verticalCenter: parent.verticalCenter
             color: root.ink

@@ -68,7 +68,7 @@ FocusScope {
         readonly property real buttonTop: height - Theme.dp(6) - Theme.control
         readonly property real least: Theme.dp(44)
         readonly property real most: Theme.dp(220)
-        readonly property real textPadding: Math.max(Theme.space4, (box.least - metrics.height) / 2)
+        readonly property real textPadding: Math.max(Theme.space4, Math.round((box.least - metrics.height) / 2))
 
         border.color: !root.enabled ? Theme.border : field.activeFocus ? Theme.accent : Theme.borderStrong
         border.width: field.activeFocus ? 2 : 1
@@ -127,19 +127,15 @@ FocusScope {
                     if (event.key === Qt.Key_Escape && (root.busy || field.inputMethodComposing))
                         event.accepted = true;
                 }
-                bottomPadding: box.textPadding
                 color: root.enabled ? Theme.text : Theme.disabled
                 focus: true
                 font.family: Theme.fontFamily
                 font.pixelSize: Theme.sp(15)
                 hoverEnabled: true
-                leftPadding: Theme.space4
-                rightPadding: Theme.space8
                 selectByMouse: true
                 selectedTextColor: Theme.onAccent
                 selectionColor: Theme.accent
                 textFormat: TextEdit.PlainText
-                topPadding: box.textPadding
                 wrapMode: TextEdit.Wrap
 
                 onPressed: event => {
@@ -150,23 +146,23 @@ FocusScope {
             }
             boundsBehavior: Flickable.StopAtBounds
             clip: true
-            height: box.height - y
-            width: action.x - x - Theme.space4
-            x: toolRow.width > 0 ? toolRow.x + toolRow.width + Theme.space4 : Theme.space12
-            y: attachments.height
+            height: box.height - y - box.textPadding
+            width: action.x - x - Theme.space8
+            x: toolRow.width > 0 ? toolRow.x + toolRow.width + Theme.space8 : Theme.space16
+            y: attachments.height + box.textPadding
         }
 
         LMPText {
             Accessible.ignored: true
             color: root.enabled ? Theme.text3 : Theme.disabled
             elide: Text.ElideRight
-            font.pixelSize: field.font.pixelSize
+            kind: LMPText.Chat
             text: root.placeholderText
             visible: field.length === 0 && field.preeditText === ""
-            width: flick.width - field.leftPadding - field.rightPadding
+            width: flick.width
             wrapMode: Text.NoWrap
-            x: flick.x + field.leftPadding
-            y: flick.y + Math.round((box.least - lineHeight) / 2)
+            x: flick.x
+            y: attachments.height + Math.round((box.least - height) / 2)
         }
 
         LMPIconButton {

@@ -88,8 +88,6 @@ FocusScope {
                     font.family: Theme.fontFamily
                     font.pixelSize: Theme.sp(14)
                     hoverEnabled: true
-                    leftPadding: Theme.dp(10)
-                    rightPadding: Theme.dp(10)
                     selectByMouse: true
                     selectedTextColor: Theme.onAccent
                     selectionColor: Theme.accent
@@ -107,6 +105,8 @@ FocusScope {
                 }
                 anchors.bottomMargin: Theme.space8
                 anchors.fill: parent
+                anchors.leftMargin: Theme.dp(10)
+                anchors.rightMargin: Theme.dp(10)
                 anchors.topMargin: Theme.space8
                 boundsBehavior: Flickable.StopAtBounds
                 clip: true

@@ -29,7 +29,8 @@ QtObject {
     readonly property color disabled: root.dark ? "#5E6168" : "#A3A5AA"
 
     readonly property color accent: root.dark ? "#5B8DEF" : "#2F5FD0"
-    readonly property color onAccent: root.dark ? "#0F1420" : "#FFFFFF"
+    /// An alias, because a value given to a name that begins with "on" would be taken for a handler.
+    property alias onAccent: onColors.accent
     readonly property color link: root.dark ? "#8FB2F7" : "#2752B8"
     readonly property color ownBubble: root.dark ? "#22304D" : "#E6EDFB"
     readonly property color focus: root.accent
@@ -46,6 +47,12 @@ QtObject {
     readonly property color addedSoft: root.dark ? "#1B3326" : "#E4F3EA"
     readonly property color removed: root.dark ? "#F5B5AE" : "#7F1D1D"
     readonly property color removedSoft: root.dark ? "#3E2422" : "#FBE8E6"
+
+    readonly property QtObject onColors: QtObject {
+        id: onColors
+
+        readonly property color accent: root.dark ? "#0F1420" : "#FFFFFF"
+    }
 
     /// Behind a sheet.
     readonly property color scrim: root.dark ? "#99000000" : "#660F1115"
