@@ -5,7 +5,7 @@
 #include "app/UpdateChecker.h"
 #include "core/CapabilityStore.h"
 
-#include <QtQml/qqmlregistration.h>
+#include <QtQml/qqml.h>
 
 namespace lmp {
 

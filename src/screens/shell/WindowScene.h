@@ -15,6 +15,8 @@
 
 namespace lmp {
 
+class CapabilityStore;
+
 /// What one window shows: the screen it is at, and the models its screens draw from.
 ///
 /// One for each window, owned by WindowApplication and gone with its window; UI thread. It is there before the stores
@@ -29,7 +31,7 @@ class WindowScene : public QObject {
     Q_PROPERTY(lmp::WindowNavigation *navigation READ navigation CONSTANT)
     Q_PROPERTY(lmp::WindowCommands *commands READ commands CONSTANT)
     Q_PROPERTY(lmp::QuickSwitcherModel *switcher READ switcher CONSTANT)
-    Q_PROPERTY(Stage stage READ stage NOTIFY stageChanged)
+    Q_PROPERTY(lmp::WindowScene::Stage stage READ stage NOTIFY stageChanged)
     /// Why there is no service; empty while it is being looked for.
     Q_PROPERTY(QString openError READ openError NOTIFY openErrorChanged)
     Q_PROPERTY(lmp::MacQuitCoordinator *quitting READ quitting CONSTANT)
