@@ -201,7 +201,6 @@ void AuthStore::begin(std::optional<QString> token, bool persistent) {
     std::exchange(m_generationStop, std::stop_source()).request_stop();
     m_token->write(std::move(token));
     m_persistent = persistent;
-    m_accountIsNew = false;
     endReading();
     setVerificationError({});
     Q_EMIT generationChanged();
@@ -210,7 +209,6 @@ void AuthStore::begin(std::optional<QString> token, bool persistent) {
 void AuthStore::signIn(const AuthResponse &answer) {
     begin(answer.token, true);
     setNotice({});
-    m_accountIsNew = answer.isNewAccount();
     setPhase(Phase::signedIn, answer.userInfo);
     store(answer.token);
     if (answer.isNewAccount())

@@ -48,8 +48,6 @@ public:
     Phase phase() const { return m_phase; }
     /// Set while `phase` is signedIn.
     const std::optional<UserInfo> &user() const { return m_user; }
-    /// This session began with a sign-in that made the account.
-    bool accountIsNew() const { return m_accountIsNew; }
     /// Key of local records: the user's id, or "anonymous".
     QString accountKey() const;
     /// The session token; any thread.
@@ -117,7 +115,6 @@ private:
     quint64 m_generation = 1;
     std::optional<quint64> m_verifying;
     std::optional<APIError> m_verificationError;
-    bool m_accountIsNew = false;
     bool m_persistent = true; ///< whether this session's token belongs in the keychain
     bool m_isStored = false;  ///< the keychain is known to hold a token
     bool m_reading = false;

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The account's part of the settings: who is signed in, the handle, and the way out.

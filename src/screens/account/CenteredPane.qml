@@ -7,6 +7,8 @@ FocusScope {
 
     default property alias content: body.data
     property real maximumWidth: 420
+    /// About how high the content is: it stands a little above the middle, and stays there when a line is added.
+    property real usualHeight: 320
     property alias spacing: body.spacing
 
     Rectangle {
@@ -17,12 +19,10 @@ FocusScope {
     LMPScrollView {
         id: scroll
 
-        readonly property real room: scroll.height - body.implicitHeight
-
         anchors.fill: parent
         bottomPadding: Theme.space24
         horizontalPadding: Theme.space24
-        topPadding: Math.max(Theme.space24, Math.round(scroll.room * 0.42))
+        topPadding: Math.max(Theme.space24, Math.round((scroll.height - Theme.dp(root.usualHeight)) * 0.42))
 
         Column {
             id: body

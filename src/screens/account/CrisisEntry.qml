@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The way to the crisis page, to be placed on any screen.

@@ -5,9 +5,9 @@ import Lumenpair.Kit
 Item {
     id: root
 
-    property string label
-    property string note
-    property string phone
+    required property string label
+    required property string note
+    required property string phone
 
     signal dialled
 

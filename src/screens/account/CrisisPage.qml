@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The crisis page: numbers of a region for anybody, signed in or not. It records nothing.
@@ -129,10 +130,10 @@ FocusScope {
                 model: root.resources.numbers
 
                 delegate: CrisisNumberRow {
-                    required property int index
+                    id: number
 
                     width: parent ? parent.width : 0
-                    onDialled: root.resources.dial(phone)
+                    onDialled: root.resources.dial(number.phone)
                 }
             }
 

@@ -70,12 +70,12 @@ QCoro::Task<> CrisisResourcesModel::loadNow() {
     m_loading = false;
     if (answer) {
         m_answer = *std::move(answer);
-        QList<CrisisNumbersModel::Number> numbers;
+        std::vector<CrisisNumber> numbers;
         if (m_answer->hasVerifiedNumbers()) {
             for (const auto &item : m_answer->items)
                 numbers.push_back({item.name, item.phone, item.note.value_or(QString())});
         }
-        m_numbers.setNumbers(std::move(numbers));
+        m_numbers.setRecords(std::move(numbers));
     } else {
         m_error = CrisisTexts::loadFailed(answer.error().reason);
     }
@@ -106,7 +106,7 @@ void CrisisResourcesModel::drop() {
     m_answer.reset();
     m_error.clear();
     m_dialMessage.clear();
-    m_numbers.setNumbers({});
+    m_numbers.setRecords({});
 }
 
 } // namespace lmp

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "identity/CrisisResourcesService.h"
-#include "screens/account/CrisisNumbersModel.h"
+#include "screens/account/CrisisNumber.h"
+#include "screens/kit/RecordListModel.h"
 
 #include <QStringList>
-
-#include <stop_token>
+#include <QtQml/qqmlregistration.h>
 
 namespace lmp {
 
@@ -33,7 +33,7 @@ class CrisisResourcesModel : public QObject {
     Q_PROPERTY(QString withoutNumbers READ withoutNumbers NOTIFY changed)
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
     Q_PROPERTY(QString dialMessage READ dialMessage NOTIFY changed)
-    Q_PROPERTY(lmp::CrisisNumbersModel *numbers READ numbers CONSTANT)
+    Q_PROPERTY(QAbstractItemModel *numbers READ numbers CONSTANT)
 public:
     /// @param api where to ask; its token is left behind
     CrisisResourcesModel(APIClient api, ExternalOpener &opener, QObject *parent = nullptr);
@@ -57,7 +57,7 @@ public:
     QString errorText() const { return m_error; }
     /// What became of the last call; empty when the telephone took it.
     QString dialMessage() const { return m_dialMessage; }
-    CrisisNumbersModel *numbers() { return &m_numbers; }
+    QAbstractItemModel *numbers() { return &m_numbers; }
 
     /// Asks for the chosen region; also again after a failure.
     Q_INVOKABLE void load();
@@ -81,7 +81,7 @@ private:
     std::optional<CrisisResourcesService::Resp> m_answer;
     QString m_error;
     QString m_dialMessage;
-    CrisisNumbersModel m_numbers;
+    RecordListModel<CrisisNumber> m_numbers;
 };
 
 } // namespace lmp

@@ -55,16 +55,23 @@ QCoro::Task<> GuestModel::sendNow() {
         co_return;
     m_pending.clear();
     const bool answered = trial->turns().size() > m_turns.rowCount();
-    m_turns.setTurns(trial->turns());
+    showTurns();
     Q_EMIT changed();
     if (self && !answered)
         setInput(m_input.isEmpty() ? text : text + u'\n' + m_input);
 }
 
+void GuestModel::showTurns() {
+    std::vector<GuestTurn> turns;
+    for (const GuestTrial::Turn &turn : m_trial ? m_trial->turns() : QList<GuestTrial::Turn>())
+        turns.push_back({turn.message, turn.reply, turn.stardust.value_or(QString())});
+    m_turns.setRecords(std::move(turns));
+}
+
 void GuestModel::leave() {
     m_trial.reset();
     m_pending.clear();
-    m_turns.setTurns({});
+    showTurns();
     setInput({});
     Q_EMIT changed();
 }

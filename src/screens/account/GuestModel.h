@@ -1,7 +1,10 @@
 #pragma once
 
 #include "core/GuestTrial.h"
-#include "screens/account/GuestTurnsModel.h"
+#include "screens/account/GuestTurn.h"
+#include "screens/kit/RecordListModel.h"
+
+#include <QtQml/qqmlregistration.h>
 
 #include <memory>
 
@@ -15,7 +18,7 @@ class GuestModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by SessionModel")
-    Q_PROPERTY(lmp::GuestTurnsModel *turns READ turns CONSTANT)
+    Q_PROPERTY(QAbstractItemModel *turns READ turns CONSTANT)
     Q_PROPERTY(bool open READ isOpen NOTIFY changed)
     Q_PROPERTY(bool opening READ isOpening NOTIFY changed)
     Q_PROPERTY(bool sending READ isSending NOTIFY changed)
@@ -30,7 +33,7 @@ class GuestModel : public QObject {
 public:
     explicit GuestModel(AuthService service, QObject *parent = nullptr);
 
-    GuestTurnsModel *turns() { return &m_turns; }
+    QAbstractItemModel *turns() { return &m_turns; }
     bool isOpen() const { return m_trial && m_trial->isOpen(); }
     bool isOpening() const { return m_trial && m_trial->isBusy() && !m_trial->isOpen(); }
     bool isSending() const { return isOpen() && m_trial->isBusy(); }
@@ -61,10 +64,11 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> sendNow();
+    void showTurns();
 
     AuthService m_service;
     std::unique_ptr<GuestTrial> m_trial;
-    GuestTurnsModel m_turns;
+    RecordListModel<GuestTurn> m_turns;
     QString m_pending;
     QString m_input;
 };

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The guest trial as a small chat. Leaving it keeps what was said until somebody signs in.

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The field for a handle, what the service says to it, and suggestions.

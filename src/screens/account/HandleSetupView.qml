@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// Choosing the handle of a new account. It may wait.
@@ -10,11 +11,6 @@ CenteredPane {
     readonly property bool saved: root.handle.savedText !== ""
 
     signal finished
-
-    function finish(): void {
-        root.session.finishHandle();
-        root.finished();
-    }
 
     Component.onCompleted: form.focusFirst()
 
@@ -67,7 +63,7 @@ CenteredPane {
                 text: root.saved ? "继续" : "保存"
                 onClicked: {
                     if (root.saved)
-                        root.finish();
+                        root.finished();
                     else
                         root.handle.save();
                 }
@@ -77,7 +73,7 @@ CenteredPane {
                 kind: LMPButton.Quiet
                 text: "以后再说"
                 visible: !root.saved && !root.handle.saving
-                onClicked: root.finish()
+                onClicked: root.finished()
             }
         }
     }

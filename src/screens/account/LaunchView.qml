@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// What is shown until it is known who is there. Blank at first, so that a fast start does not flash.
@@ -13,6 +14,8 @@ CenteredPane {
     readonly property bool shown: !root.quiet || root.session.waitingOnKeychain || root.session.verificationFailed
 
     signal crisisRequested
+
+    usualHeight: 200
 
     Timer {
         interval: root.quietFor
@@ -29,7 +32,7 @@ CenteredPane {
     LMPText {
         color: Theme.text2
         horizontalAlignment: Text.AlignHCenter
-        text: "系统可能正弹出钥匙串的密码框，请到那里允许。最多等 20 秒；之后先按未登录处理，存着的登录信息不会动。"
+        text: "系统可能正弹出钥匙串的密码框，请到那里允许。\n最多等 20 秒；之后先按未登录处理，存着的登录信息不动。"
         visible: root.session.waitingOnKeychain
         width: parent.width
     }
@@ -52,6 +55,12 @@ CenteredPane {
         LMPText {
             Accessible.role: Accessible.AlertMessage
             text: root.session.verificationMessage
+            width: parent.width
+        }
+
+        LMPText {
+            color: Theme.text2
+            text: "登录信息还在，可以再试一次。"
             width: parent.width
         }
 

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// What becomes of accounts that were made earlier.
@@ -51,7 +52,7 @@ CenteredPane {
             }
 
             LMPButton {
-                kind: LMPButton.Link
+                kind: LMPButton.Quiet
                 text: "看隐私说明"
                 onClicked: root.privacyRequested()
             }

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// Says that a provider made a new account, and what to do where an older one was meant. Takes no room while there is

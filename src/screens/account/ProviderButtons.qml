@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The other services a person can sign in with, where this deployment has them, and the wait for one of them.

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The safety cards and the crisis page, over whatever the window shows, sheets included. One for each window.
@@ -45,16 +46,17 @@ Item {
     LMPModal {
         id: cards
 
+        margins: 0
         accessibleName: root.safety.crisisOpen ? root.safety.crisisTitle : root.safety.continuousUseTitle
         height: Math.min(scroll.implicitHeight, windowHeight - 2 * Theme.space16)
-        width: Math.min(Theme.dp(560), windowWidth - 2 * Theme.space16)
+        width: Math.min(Theme.dp(560) + 2 * scroll.horizontalPadding, windowWidth)
         z: 1000
 
         background: Item {
         }
         contentItem: FocusScope {
             Accessible.name: cards.accessibleName
-            Accessible.role: cards.role
+            Accessible.role: Accessible.Dialog
             Keys.onEscapePressed: cards.escaped()
             focus: true
 
@@ -62,6 +64,8 @@ Item {
                 id: scroll
 
                 anchors.fill: parent
+                // Room for the scroll bar beside the cards.
+                horizontalPadding: Theme.space16
                 spacing: Theme.space12
 
                 SafetyCard {
@@ -78,7 +82,7 @@ Item {
 
                     extras: [
                         LMPButton {
-                            kind: LMPButton.Link
+                            kind: LMPButton.Quiet
                             text: "换一个地区看看"
                             onClicked: page.open()
                         }
@@ -102,10 +106,10 @@ Item {
                         model: root.safety.crisisNumbers
 
                         delegate: CrisisNumberRow {
-                            required property int index
+                            id: number
 
                             width: parent ? parent.width : 0
-                            onDialled: root.safety.dial(phone)
+                            onDialled: root.safety.dial(number.phone)
                         }
                     }
 

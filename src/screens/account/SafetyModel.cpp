@@ -47,12 +47,12 @@ QString SafetyModel::continuousUseText() const {
 
 void SafetyModel::onCrisis() {
     const auto &crisis = m_store.crisis();
-    QList<CrisisNumbersModel::Number> numbers;
+    std::vector<CrisisNumber> numbers;
     if (crisis && crisis->hasVerifiedNumbers()) {
         for (const CrisisResource &resource : crisis->resources)
             numbers.push_back({resource.label, resource.phone, {}});
     }
-    m_numbers.setNumbers(std::move(numbers));
+    m_numbers.setRecords(std::move(numbers));
     m_message.clear();
     Q_EMIT changed();
     if (crisisOpen())

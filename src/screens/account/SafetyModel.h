@@ -1,9 +1,10 @@
 #pragma once
 
 #include "identity/SafetyGateStore.h"
-#include "screens/account/CrisisNumbersModel.h"
+#include "screens/account/CrisisNumber.h"
+#include "screens/kit/RecordListModel.h"
 
-#include <QStringList>
+#include <QtQml/qqmlregistration.h>
 
 namespace lmp {
 
@@ -22,7 +23,7 @@ class SafetyModel : public QObject {
     Q_PROPERTY(QString crisisText READ crisisText NOTIFY changed)
     Q_PROPERTY(QString crisisRegionText READ crisisRegionText NOTIFY changed)
     Q_PROPERTY(QString crisisWithoutNumbers READ crisisWithoutNumbers NOTIFY changed)
-    Q_PROPERTY(lmp::CrisisNumbersModel *crisisNumbers READ crisisNumbers CONSTANT)
+    Q_PROPERTY(QAbstractItemModel *crisisNumbers READ crisisNumbers CONSTANT)
     Q_PROPERTY(QString crisisMessage READ crisisMessage NOTIFY changed)
     Q_PROPERTY(bool continuousUseOpen READ continuousUseOpen NOTIFY changed)
     Q_PROPERTY(QString continuousUseTitle READ continuousUseTitle CONSTANT)
@@ -39,7 +40,7 @@ public:
     QString crisisRegionText() const;
     /// What stands in the numbers' place when there are none fit to be given; else empty.
     QString crisisWithoutNumbers() const;
-    CrisisNumbersModel *crisisNumbers() { return &m_numbers; }
+    QAbstractItemModel *crisisNumbers() { return &m_numbers; }
     /// What became of the last call; empty when the telephone took it.
     const QString &crisisMessage() const { return m_message; }
     bool continuousUseOpen() const { return m_store.continuousUse().has_value(); }
@@ -60,7 +61,7 @@ private:
 
     SafetyGateStore &m_store;
     ExternalOpener &m_opener;
-    CrisisNumbersModel m_numbers;
+    RecordListModel<CrisisNumber> m_numbers;
     QString m_message;
 };
 

@@ -55,7 +55,7 @@ QString SessionModel::waitingText() const {
 
 QString SessionModel::verificationMessage() const {
     const auto &error = m_services.auth.verificationError();
-    return error ? u"没能核实登录（"_s + error->reason + u"）。登录还在，可以再试。"_s : QString();
+    return error ? error->reason : QString();
 }
 
 QString SessionModel::notice() const {
@@ -95,11 +95,6 @@ bool SessionModel::legacyLinked() const {
     return user && user->legacyLinked.value_or(false);
 }
 
-bool SessionModel::needsHandle() const {
-    const auto &auth = m_services.auth;
-    return auth.accountIsNew() && auth.user() && auth.user()->handle.value_or(QString()).isEmpty() && !m_handleDone;
-}
-
 // What is made when it is asked for
 
 SignInModel *SessionModel::signIn() {
@@ -131,7 +126,6 @@ void SessionModel::onGeneration() {
     m_savedHandle.clear();
     m_signOutNotice.clear();
     m_newAccount.reset();
-    m_handleDone = false;
     m_noticeClosed = false;
     if (m_handle)
         m_handle->restart();
@@ -170,11 +164,6 @@ void SessionModel::closeNewAccountNotice() {
 
 void SessionModel::closeNotice() {
     m_noticeClosed = true;
-    Q_EMIT changed();
-}
-
-void SessionModel::finishHandle() {
-    m_handleDone = true;
     Q_EMIT changed();
 }
 

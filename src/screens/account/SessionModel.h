@@ -30,7 +30,6 @@ class SessionModel : public QObject {
     Q_PROPERTY(QString userHandle READ userHandle NOTIFY changed)
     Q_PROPERTY(QString userDetail READ userDetail NOTIFY changed)
     Q_PROPERTY(bool legacyLinked READ legacyLinked NOTIFY changed)
-    Q_PROPERTY(bool needsHandle READ needsHandle NOTIFY changed)
     Q_PROPERTY(bool signingOut READ signingOut NOTIFY changed)
     Q_PROPERTY(QString signOutText READ signOutText NOTIFY changed)
     Q_PROPERTY(QString newAccountTitle READ newAccountTitle NOTIFY changed)
@@ -54,6 +53,7 @@ public:
     QString waitingText() const;
     /// The service could not say whose the stored token is; `phase` stays Loading.
     bool verificationFailed() const { return m_services.auth.verificationFailed(); }
+    /// Why, in the service's or the network's own words.
     QString verificationMessage() const;
     /// What the keychain did not do as it was asked; empty when all is well or it was read.
     QString notice() const;
@@ -65,8 +65,6 @@ public:
     QString userDetail() const;
     /// The account is tied to one made earlier.
     bool legacyLinked() const;
-    /// The account was made just now without a handle, and the person has not finished with that (`finishHandle`).
-    bool needsHandle() const;
     bool signingOut() const { return m_signingOut; }
     /// What signing out will do, for the question before it.
     QString signOutText() const;
@@ -84,8 +82,6 @@ public:
     Q_INVOKABLE void signOut();
     Q_INVOKABLE void closeNotice();
     Q_INVOKABLE void closeNewAccountNotice();
-    /// The handle is chosen, or may wait.
-    Q_INVOKABLE void finishHandle();
 
 Q_SIGNALS:
     void changed();
@@ -102,7 +98,6 @@ private:
     std::optional<LoginModel::NewAccountNotice> m_newAccount;
     QString m_savedHandle;
     QString m_signOutNotice;
-    bool m_handleDone = false;
     bool m_noticeClosed = false;
     bool m_signingOut = false;
 };

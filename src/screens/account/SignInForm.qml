@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// The fields of the chosen way of signing in, each with what is to be said about it.
@@ -13,13 +14,13 @@ FocusScope {
 
     function fieldOf(field: int): Item {
         switch (field) {
-        case SignInModel.Phone:
+        case SignInModel.PhoneField:
             return phone;
-        case SignInModel.Email:
+        case SignInModel.EmailField:
             return email.item as Item;
-        case SignInModel.Code:
+        case SignInModel.CodeField:
             return code;
-        case SignInModel.Password:
+        case SignInModel.PasswordField:
             return (root.resets ? newPassword.item : password.item) as Item;
         }
         return null;
@@ -32,7 +33,7 @@ FocusScope {
     }
 
     function focusFirst(): void {
-        const item = root.fieldOf(root.signIn.asksPhone ? SignInModel.Phone : SignInModel.Email);
+        const item = root.fieldOf(root.signIn.asksPhone ? SignInModel.PhoneField : SignInModel.EmailField);
         if (item)
             item.forceActiveFocus();
     }
@@ -265,7 +266,9 @@ FocusScope {
 
         Flow {
             spacing: Theme.space8
-            width: parent.width
+            width: parent.width + Theme.space4
+            // A link's own margin, so that its words stand below the others.
+            x: -Theme.space4
 
             LMPButton {
                 enabled: !root.signIn.submitting

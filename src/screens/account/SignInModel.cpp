@@ -139,7 +139,7 @@ bool SignInModel::asksInvite() const {
 
 void SignInModel::edit(const LoginModel::Fields &fields, Field about) {
     if (m_missing == about)
-        m_missing = Field::None;
+        m_missing = Field::NoField;
     m_login->edit(fields);
 }
 
@@ -165,15 +165,15 @@ int SignInModel::dialIndex() const {
 
 void SignInModel::setDialIndex(int index) {
     if (index >= 0 && index < dialCodes().size())
-        set(&LoginModel::Fields::dialCode, dialCodes()[index].code, Field::Phone);
+        set(&LoginModel::Fields::dialCode, dialCodes()[index].code, Field::PhoneField);
 }
 
 void SignInModel::setPhone(const QString &phone) {
-    set(&LoginModel::Fields::phone, phone, Field::Phone);
+    set(&LoginModel::Fields::phone, phone, Field::PhoneField);
 }
 
 void SignInModel::setEmail(const QString &email) {
-    set(&LoginModel::Fields::email, email, Field::Email);
+    set(&LoginModel::Fields::email, email, Field::EmailField);
 }
 
 bool SignInModel::codeIsByEmail() const {
@@ -186,22 +186,22 @@ QString SignInModel::code() const {
 
 void SignInModel::setCode(const QString &code) {
     const QString found = codeIn(code);
-    set(codeIsByEmail() ? &LoginModel::Fields::emailCode : &LoginModel::Fields::smsCode, found, Field::Code);
+    set(codeIsByEmail() ? &LoginModel::Fields::emailCode : &LoginModel::Fields::smsCode, found, Field::CodeField);
     // The field still shows what was pasted.
     if (found != code)
         Q_EMIT changed();
 }
 
 void SignInModel::setPassword(const QString &password) {
-    set(&LoginModel::Fields::password, password, Field::Password);
+    set(&LoginModel::Fields::password, password, Field::PasswordField);
 }
 
 void SignInModel::setNewPassword(const QString &password) {
-    set(&LoginModel::Fields::newPassword, password, Field::Password);
+    set(&LoginModel::Fields::newPassword, password, Field::PasswordField);
 }
 
 void SignInModel::setInviteCode(const QString &code) {
-    set(&LoginModel::Fields::inviteCode, code, Field::None);
+    set(&LoginModel::Fields::inviteCode, code, Field::NoField);
 }
 
 void SignInModel::setResetByEmail(bool byEmail) {
@@ -216,19 +216,19 @@ void SignInModel::setResetByEmail(bool byEmail) {
 // What is said beside them
 
 QString SignInModel::phoneMessage() const {
-    return m_login->phoneDigits().isEmpty() ? missing(Field::Phone, u"还没填手机号"_s) : m_login->phoneMessage();
+    return m_login->phoneDigits().isEmpty() ? missing(Field::PhoneField, u"还没填手机号"_s) : m_login->phoneMessage();
 }
 
 QString SignInModel::emailMessage() const {
-    return missing(Field::Email, u"还没填邮箱"_s);
+    return missing(Field::EmailField, u"还没填邮箱"_s);
 }
 
 QString SignInModel::codeMessage() const {
-    return m_action == Action::SendCode ? m_login->message() : missing(Field::Code, u"还没填验证码"_s);
+    return m_action == Action::SendCode ? m_login->message() : missing(Field::CodeField, u"还没填验证码"_s);
 }
 
 QString SignInModel::passwordMessage() const {
-    return missing(Field::Password, mode() == Mode::Reset ? u"还没填新密码"_s : u"还没填密码"_s);
+    return missing(Field::PasswordField, mode() == Mode::Reset ? u"还没填新密码"_s : u"还没填密码"_s);
 }
 
 QString SignInModel::message() const {
@@ -261,7 +261,7 @@ QString SignInModel::submitText() const {
 
 void SignInModel::begin(Action action) {
     m_action = action;
-    m_missing = Field::None;
+    m_missing = Field::NoField;
     m_codeNotices.clear();
     m_notice.clear();
     m_providerLink.clear();
@@ -269,36 +269,36 @@ void SignInModel::begin(Action action) {
 
 SignInModel::Field SignInModel::sendCode() {
     if (!canSendCode())
-        return Field::None;
+        return Field::NoField;
     if (!m_login->canSendCode()) {
-        m_missing = asksPhone() ? Field::Phone : Field::Email;
+        m_missing = asksPhone() ? Field::PhoneField : Field::EmailField;
         Q_EMIT changed();
         return m_missing;
     }
     begin(Action::SendCode);
     detach(m_login->sendCode(), "LoginModel::sendCode");
-    return Field::None;
+    return Field::NoField;
 }
 
 SignInModel::Field SignInModel::firstMissing() const {
     if (asksPhone() && (m_login->phoneDigits().isEmpty() || !m_login->phoneMessage().isEmpty()))
-        return Field::Phone;
+        return Field::PhoneField;
     if (!asksPhone() && fields().email.trimmed().isEmpty())
-        return Field::Email;
+        return Field::EmailField;
     if (asksCode() && code().isEmpty())
-        return Field::Code;
+        return Field::CodeField;
     const bool hasPassword = mode() == Mode::Reset ? !newPassword().isEmpty() : !password().isEmpty();
-    return (asksPassword() || mode() == Mode::Reset) && !hasPassword ? Field::Password : Field::None;
+    return (asksPassword() || mode() == Mode::Reset) && !hasPassword ? Field::PasswordField : Field::NoField;
 }
 
 SignInModel::Field SignInModel::submit() {
     if (submitting())
-        return Field::None;
+        return Field::NoField;
     m_missing = firstMissing();
-    if (m_missing == Field::None && m_login->canSubmit()) {
+    if (m_missing == Field::NoField && m_login->canSubmit()) {
         begin(Action::Submit);
         detach(submitNow(), "SignInModel::submit");
-        return Field::None;
+        return Field::NoField;
     }
     Q_EMIT changed();
     return m_missing;

@@ -51,7 +51,7 @@ public:
     enum class Mode { Sms, Password, EmailSignIn, EmailRegister, Reset };
     Q_ENUM(Mode)
     /// A field that something can be missing from.
-    enum class Field { None, Phone, Email, Code, Password };
+    enum class Field { NoField, PhoneField, EmailField, CodeField, PasswordField };
     Q_ENUM(Field)
 
     explicit SignInModel(const AccountServices &services, QObject *parent = nullptr);
@@ -146,7 +146,7 @@ private:
     AccountServices m_services;
     std::unique_ptr<LoginModel> m_login; ///< never null
     Action m_action = Action::None;
-    Field m_missing = Field::None;
+    Field m_missing = Field::NoField;
     QString m_providerText;
     QString m_providerLink;
     QStringList m_codeNotices;

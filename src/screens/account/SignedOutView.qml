@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// Signing in, and the guest trial beside it.
@@ -21,6 +22,7 @@ FocusScope {
 
     CenteredPane {
         anchors.fill: parent
+        usualHeight: 600
         visible: !root.trying
 
         Column {
