@@ -65,14 +65,10 @@ public:
     Telemetry *telemetry() { return m_telemetry.get(); }
     ExternalOpener &opener() { return m_opener; }
     Clock &clock() { return m_clock; }
-<<<<<<< HEAD
     /// Where whoever holds something typed adds how to save it, for a quit.
     LocalInputRegistry &localInput() { return m_localInput; }
-=======
     /// Where this profile's files live.
     const ApplicationSupport &support() const { return m_support; }
-    ExternalOpener &opener() { return m_opener; }
->>>>>>> chatm3
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();

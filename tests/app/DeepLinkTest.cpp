@@ -102,7 +102,7 @@ TEST(DeepLinkTest, NamesAPlaceOrNothing) {
              {u"LUMENPAIR://Studio/"_s, {.tab = Tab::studio}},
              {u"lumenpair://crisis"_s, {.destination = AppRouter::Crisis()}},
              {u"lumenpair://conversation/c-1"_s, {AppRouter::Conversation{u"c-1"_s}, Tab::now}},
-             {u"lumenpair://object/mission/m%5F1"_s, {AppRouter::Mission{u"m_1"_s}, Tab::now}},
+             {u"lumenpair://object/mission/m%3A1"_s, {AppRouter::Mission{u"m:1"_s}, Tab::now}},
              {u"lumenpair://object/approval/m/s"_s, {AppRouter::Approval{u"m"_s, u"s"_s}, Tab::now}},
          })
         EXPECT_EQ(DeepLink::route(link, shown), route) << link.toStdString();
@@ -138,6 +138,7 @@ TEST(DeepLinkTest, NamesAPlaceOrNothing) {
              u"lumenpair://conversation/"_s + QString(3000, u'a'),
              u"lumenpair://object/mission"_s,
              u"lumenpair://object/mission/m/s"_s,
+             u"lumenpair://object/mission/m//"_s,
              u"lumenpair://object/approval/m"_s,
              u"lumenpair://object/approval/m/s/t"_s,
              u"lumenpair://object/memory/m"_s, // of a kind without a screen

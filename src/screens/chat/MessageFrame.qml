@@ -1,0 +1,42 @@
+import QtQuick
+import QtQuick.Templates as T
+import Lumenpair.Kit
+
+/// What every message has: its stop on the way of the Tab key, its ring, its name for who listens, its pointer.
+///
+/// The Tab key stops at the messages in sight, and inside the one that has the focus at what can be done with it.
+T.Control {
+    id: root
+
+    required property MessageItem row
+    readonly property bool attended: root.hovered || root.row.focused
+    default property alias parts: column.data
+
+    Accessible.focusable: true
+    Accessible.name: root.row.spoken()
+    Accessible.role: Accessible.ListItem
+    focusPolicy: root.row.seen ? Qt.TabFocus : Qt.NoFocus
+    hoverEnabled: true
+    implicitHeight: root.implicitContentHeight + root.topPadding + root.bottomPadding
+    topPadding: Theme.dp(root.row.grouped ? 8 : 20)
+
+    background: Item {
+        LMPFocusRing {
+            anchors.topMargin: root.topPadding - Theme.dp(4)
+            radius: Theme.radiusRow
+            shown: root.visualFocus
+        }
+    }
+    contentItem: Column {
+        id: column
+
+        spacing: Theme.dp(4)
+    }
+
+    Keys.onPressed: event => {
+        if (event.matches(StandardKey.Copy)) {
+            root.row.chat.copyMessage(root.row.messageId);
+            event.accepted = true;
+        }
+    }
+}

@@ -1,0 +1,39 @@
+import QtQuick
+
+/// One message as its row knows it: what the model says of it, and how the transcript stands to it.
+Item {
+    id: root
+
+    required property ChatModel chat
+    required property int index
+    required property string messageId
+    required property string role
+    required property string text
+    required property string timeText
+    required property string stateText
+    required property string errorText
+    required property bool retryOffered
+    required property string retryText
+    required property bool retryBusy
+    required property bool streaming
+    required property int usedCount
+    required property string usedText
+    required property string feedback
+    required property string chargeText
+    required property bool grouped
+
+    readonly property bool own: root.role === "user"
+    /// Whether any of it is in sight, whether the focus is somewhere in it, whether it is the last.
+    property bool seen: false
+    property bool focused: false
+    property bool last: false
+
+    signal editRequested
+
+    /// What a listener hears: who speaks, what, and what became of it. The rest of a long text is read in the text itself.
+    function spoken(): string {
+        const words = root.streaming ? "正在回答" : root.text.slice(0, 2000);
+        const parts = [(root.own ? "你说：" : "分身说：") + words, root.stateText, root.errorText, root.timeText];
+        return parts.filter(part => part.length > 0).join("。");
+    }
+}

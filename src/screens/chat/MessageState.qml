@@ -1,0 +1,37 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// The line under a message: when, what it cost, what became of it, and what went wrong with it.
+Column {
+    id: root
+
+    required property MessageItem row
+    property bool atRight: false
+    property real maximumWidth: 0
+
+    function line(): string {
+        return [root.row.timeText, root.row.chargeText, root.row.stateText].filter(part => part.length > 0).join(" · ");
+    }
+
+    spacing: Theme.dp(2)
+    width: root.maximumWidth
+
+    LMPText {
+        Accessible.ignored: true
+        color: root.row.troubled ? Theme.warning : Theme.text3
+        horizontalAlignment: root.atRight ? Text.AlignRight : Text.AlignLeft
+        kind: LMPText.Caption
+        text: root.line()
+        visible: text.length > 0
+        width: root.width
+    }
+    LMPText {
+        Accessible.ignored: true
+        color: Theme.danger
+        horizontalAlignment: root.atRight ? Text.AlignRight : Text.AlignLeft
+        kind: LMPText.Caption
+        text: root.row.errorText
+        visible: root.row.errorText.length > 0
+        width: root.width
+    }
+}

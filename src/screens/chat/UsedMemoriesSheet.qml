@@ -1,0 +1,51 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// The memories that a reply drew on, as the service returned them.
+LMPSheet {
+    id: root
+
+    required property ChatModel chat
+    readonly property bool wanted: root.chat.usedOpen
+
+    primaryText: "知道了"
+    secondaryText: ""
+    title: "本次用到的记忆"
+
+    onAccepted: root.close()
+    onClosed: root.chat.closeUsed()
+    onWantedChanged: {
+        if (root.wanted)
+            root.open();
+        else
+            root.close();
+    }
+
+    LMPText {
+        color: Theme.text2
+        text: root.chat.usedMemories.note
+        width: parent.width
+    }
+    Repeater {
+        model: root.chat.usedMemories
+
+        LMPCard {
+            id: memory
+
+            required property string content
+            required property string truthText
+
+            accessibleName: memory.content + "。" + memory.truthText
+            width: parent.width
+
+            LMPText {
+                text: memory.content
+                width: parent.width
+            }
+            LMPChip {
+                text: memory.truthText
+                visible: memory.truthText.length > 0
+            }
+        }
+    }
+}
