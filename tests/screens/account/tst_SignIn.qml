@@ -17,7 +17,7 @@ ScreenTest {
     /// By the arrows, as the mouse would.
     function choose(way: string): void {
         const ways = ["手机验证码", "手机密码", "邮箱"];
-        test.control(ways[test.model.way]).forceActiveFocus();
+        test.inWindow(item => item.label === "登录方式").forceActiveFocus();
         while (test.model.way !== ways.indexOf(way))
             keyClick(test.model.way < ways.indexOf(way) ? Qt.Key_Right : Qt.Key_Left);
     }
