@@ -20,6 +20,8 @@ FocusScope {
     property alias readOnly: field.readOnly
     property alias text: field.text
     property alias tools: toolRow.data
+    readonly property bool framed: field.activeFocus && !root.ringed
+    readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
     /// Something to send that is not only white space, and leave to send it.
     readonly property bool ready: root.canSend && root.enabled && field.filled
 
@@ -54,11 +56,15 @@ FocusScope {
         return false;
     }
 
-    function menu(): void {
+    function menu(atCursor: bool): void {
         textMenu.setSource("LMPTextMenu.qml", {
             "area": field
         });
-        (textMenu.item as LMPTextMenu).popup();
+        const options = textMenu.item as LMPTextMenu;
+        if (atCursor)
+            options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
+        else
+            options.popup();
     }
 
     implicitHeight: box.height + (note.visible ? note.height + Theme.space4 : 0)
@@ -72,8 +78,8 @@ FocusScope {
         readonly property real most: Theme.dp(220)
         readonly property real textPadding: Math.max(Theme.space4, Math.round((box.least - metrics.height) / 2))
 
-        border.color: !root.enabled ? Theme.border : field.activeFocus ? Theme.accent : Theme.borderStrong
-        border.width: field.activeFocus ? 2 : 1
+        border.color: !root.enabled ? Theme.border : root.framed ? Theme.accent : Theme.borderStrong
+        border.width: root.framed ? 2 : 1
         color: root.enabled ? Theme.surface : Theme.sunken
         height: attachments.height + Math.max(box.least, Math.min(box.most, Math.ceil(field.contentHeight + 2 * box.textPadding)))
         radius: Theme.radiusComposer
@@ -81,7 +87,7 @@ FocusScope {
 
         LMPFocusRing {
             around: box.radius
-            shown: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
+            shown: root.ringed
         }
 
         // A click beside the text is meant for it.
@@ -123,7 +129,7 @@ FocusScope {
                 Accessible.description: root.enabled ? root.hint : "不可用"
                 Accessible.multiLine: true
                 Accessible.name: root.placeholderText !== "" ? root.placeholderText : "消息"
-                Keys.onMenuPressed: root.menu()
+                Keys.onMenuPressed: root.menu(true)
                 Keys.onPressed: event => {
                     if (root.take(event.key, event.modifiers) || (!field.inputMethodComposing && InputKeys.leaves(field, event)))
                         event.accepted = true;
@@ -145,7 +151,7 @@ FocusScope {
 
                 onPressed: event => {
                     if (event.button === Qt.RightButton)
-                        root.menu();
+                        root.menu(false);
                 }
                 onTextChanged: root.edited()
             }

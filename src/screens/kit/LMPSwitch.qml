@@ -12,7 +12,7 @@ T.Switch {
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     implicitHeight: Math.max(Theme.control, implicitContentHeight + topPadding + bottomPadding)
-    implicitWidth: implicitContentWidth + Theme.space16 + implicitIndicatorWidth
+    implicitWidth: implicitContentWidth
     verticalPadding: Theme.space4
 
     contentItem: LMPChoiceText {

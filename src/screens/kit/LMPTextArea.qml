@@ -17,17 +17,23 @@ FocusScope {
     property string placeholderText
     property alias readOnly: field.readOnly
     property alias text: field.text
+    readonly property bool framed: field.activeFocus && !root.ringed
+    readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
     readonly property bool failed: root.errorText !== ""
     readonly property real line: metrics.height
 
     /// The text is another one, by whatever means.
     signal textEdited
 
-    function menu(): void {
+    function menu(atCursor: bool): void {
         textMenu.setSource("LMPTextMenu.qml", {
             "area": field
         });
-        (textMenu.item as LMPTextMenu).popup();
+        const options = textMenu.item as LMPTextMenu;
+        if (atCursor)
+            options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
+        else
+            options.popup();
     }
 
     implicitHeight: column.implicitHeight
@@ -55,16 +61,16 @@ FocusScope {
         }
 
         Rectangle {
-            border.color: root.failed ? Theme.danger : field.activeFocus ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
+            border.color: root.failed ? Theme.danger : root.framed ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
                                                                                                                                 Theme.borderStrong
-            border.width: field.activeFocus || root.failed ? 2 : 1
+            border.width: root.framed || root.failed ? 2 : 1
             color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
             height: Math.max(root.minimumLines * root.line, Math.min(root.maximumLines * root.line, field.contentHeight)) + 2 * Theme.space8
             radius: Theme.radiusControl
             width: parent.width
 
             LMPFocusRing {
-                shown: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
+                shown: root.ringed
             }
 
             Flickable {
@@ -82,7 +88,7 @@ FocusScope {
                     Accessible.description: !root.enabled ? "不可用" : root.failed ? root.errorText : root.helpText
                     Accessible.multiLine: true
                     Accessible.name: root.label !== "" ? root.label : root.placeholderText
-                    Keys.onMenuPressed: root.menu()
+                    Keys.onMenuPressed: root.menu(true)
                     Keys.onPressed: event => {
                         if (field.inputMethodComposing ? InputKeys.heldByComposition(event.key) : InputKeys.leaves(field, event))
                             event.accepted = true;
@@ -100,7 +106,7 @@ FocusScope {
 
                     onPressed: event => {
                         if (event.button === Qt.RightButton)
-                            root.menu();
+                            root.menu(false);
                     }
                     onTextChanged: root.textEdited()
                 }
