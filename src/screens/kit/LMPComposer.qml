@@ -20,8 +20,6 @@ FocusScope {
     property alias readOnly: field.readOnly
     property alias text: field.text
     property alias tools: toolRow.data
-    readonly property bool framed: field.activeFocus && !root.ringed
-    readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
     /// Something to send that is not only white space, and leave to send it.
     readonly property bool ready: root.canSend && root.enabled && field.filled
 
@@ -58,8 +56,8 @@ FocusScope {
 
     function menu(atCursor: bool): void {
         textMenu.setSource("LMPTextMenu.qml", {
-            "area": field
-        });
+                "area": field
+            });
         const options = textMenu.item as LMPTextMenu;
         if (atCursor)
             options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
@@ -70,7 +68,7 @@ FocusScope {
     implicitHeight: box.height + (note.visible ? note.height + Theme.space4 : 0)
     implicitWidth: Theme.dp(560)
 
-    Rectangle {
+    LMPFieldFrame {
         id: box
 
         readonly property real buttonTop: height - Theme.dp(6) - Theme.control
@@ -78,17 +76,13 @@ FocusScope {
         readonly property real most: Theme.dp(220)
         readonly property real textPadding: Math.max(Theme.space4, Math.round((box.least - metrics.height) / 2))
 
-        border.color: !root.enabled ? Theme.border : root.framed ? Theme.accent : Theme.borderStrong
-        border.width: root.framed ? 2 : 1
-        color: root.enabled ? Theme.surface : Theme.sunken
+        focused: field.activeFocus
         height: attachments.height + Math.max(box.least, Math.min(box.most, Math.ceil(field.contentHeight + 2 * box.textPadding)))
+        hovered: field.hovered
         radius: Theme.radiusComposer
+        ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
         width: root.width
-
-        LMPFocusRing {
-            around: box.radius
-            shown: root.ringed
-        }
+        writable: !field.readOnly
 
         // A click beside the text is meant for it.
         MouseArea {

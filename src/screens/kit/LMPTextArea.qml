@@ -17,8 +17,6 @@ FocusScope {
     property string placeholderText
     property alias readOnly: field.readOnly
     property alias text: field.text
-    readonly property bool framed: field.activeFocus && !root.ringed
-    readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
     readonly property bool failed: root.errorText !== ""
     readonly property real line: metrics.height
 
@@ -27,8 +25,8 @@ FocusScope {
 
     function menu(atCursor: bool): void {
         textMenu.setSource("LMPTextMenu.qml", {
-            "area": field
-        });
+                "area": field
+            });
         const options = textMenu.item as LMPTextMenu;
         if (atCursor)
             options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
@@ -60,18 +58,14 @@ FocusScope {
             width: parent.width
         }
 
-        Rectangle {
-            border.color: root.failed ? Theme.danger : root.framed ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
-                                                                                                                                Theme.borderStrong
-            border.width: root.framed || root.failed ? 2 : 1
-            color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
+        LMPFieldFrame {
+            failed: root.failed
+            focused: field.activeFocus
             height: Math.max(root.minimumLines * root.line, Math.min(root.maximumLines * root.line, field.contentHeight)) + 2 * Theme.space8
-            radius: Theme.radiusControl
+            hovered: field.hovered
+            ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
             width: parent.width
-
-            LMPFocusRing {
-                shown: root.ringed
-            }
+            writable: !field.readOnly
 
             Flickable {
                 id: flick

@@ -54,14 +54,12 @@ FocusScope {
 
             readonly property string called: root.label !== "" ? root.label : root.placeholderText
             readonly property bool failed: root.errorText !== ""
-            readonly property bool framed: field.activeFocus && !field.ringed
-            readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason
-                                                                 || field.focusReason === Qt.ShortcutFocusReason)
+            readonly property bool ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
 
             function menu(atCursor: bool): void {
                 textMenu.setSource("LMPTextMenu.qml", {
-                    "line": field
-                });
+                        "line": field
+                    });
                 const options = textMenu.item as LMPTextMenu;
                 if (atCursor)
                     options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
@@ -87,23 +85,18 @@ FocusScope {
             implicitHeight: Math.max(Theme.target, Theme.control)
             leftPadding: root.iconName === "" ? Theme.dp(10) : Theme.dp(34)
             rightPadding: root.secret ? Theme.dp(36) : Theme.dp(10)
-            passwordCharacter: "•"
             selectByMouse: true
             selectedTextColor: Theme.onAccent
             selectionColor: Theme.accent
             verticalAlignment: TextInput.AlignVCenter
             width: parent.width
 
-            background: Rectangle {
-                border.color: field.failed ? Theme.danger : field.framed ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
-                                                                                                                                   Theme.borderStrong
-                border.width: field.framed || field.failed ? 2 : 1
-                color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
-                radius: Theme.radiusControl
-
-                LMPFocusRing {
-                    shown: field.ringed
-                }
+            background: LMPFieldFrame {
+                failed: field.failed
+                focused: field.activeFocus
+                hovered: field.hovered
+                ringed: field.ringed
+                writable: !field.readOnly
             }
 
             onAccepted: root.accepted()

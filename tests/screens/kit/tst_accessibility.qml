@@ -35,9 +35,9 @@ TestCase {
 
     function test_nothingIsCutOrOverlaps_data() {
         return [0.85, 1, 1.3, 1.6].map(scale => ({
-                    tag: scale,
-                    scale: scale
-                }));
+                        "tag": scale,
+                        "scale": scale
+                    }));
     }
 
     /// A text that neither wraps nor elides must have the room it wants.
@@ -59,8 +59,7 @@ TestCase {
     }
 
     function test_states() {
-        const states = [["LMPCheckBox", "同意条款", "checked"], ["LMPSwitch", "共享使用情况", "checked"], ["LMPRadio", "跟随系统", "checked"], [
-                "LMPRow", "分身", "selected"]];
+        const states = [["LMPCheckBox", "同意条款", "checked"], ["LMPSwitch", "共享使用情况", "checked"], ["LMPRadio", "跟随系统", "checked"], ["LMPRow", "分身", "selected"]];
         for (const [type, name, state] of states) {
             const heard = Probe.heard(Probe.inside(page, type));
             compare(heard.name, name);
