@@ -281,6 +281,7 @@ TEST_F(ConversationSessionTest, ALateLoadIsDropped) {
     EXPECT_FALSE(await(std::move(late)));
     EXPECT_EQ(*session.conversation(), open);
 
+    held = nullptr;
     auto closed = session.load(u"c"_s);
     ASSERT_TRUE(eventually([&] { return held; }));
     session.close();
