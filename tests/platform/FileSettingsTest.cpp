@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -28,6 +30,9 @@ TEST_F(FileSettingsTest, TwoProcessesKeepEachOthersKeys) {
     const FileSettings later(m_path);
     EXPECT_FALSE(later.value(u"a"_s));
     EXPECT_EQ(later.value(u"b"_s), QByteArray("\0\xff", 2));
+    struct stat status = {};
+    ASSERT_EQ(::stat(QFile::encodeName(m_path).constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
 }
 
 TEST_F(FileSettingsTest, DamagedFilesArePutAsideEachOnItsOwn) {
