@@ -110,9 +110,19 @@ void growing(benchmark::State &state) {
         const auto sent = chat.view.send(u"在吗"_s);
         chat.say(TalkRole::twin, replyOf(state.range(0)), sent.value().messageId);
         const int row = model.rowCount() - 1;
-        benchmark::DoNotOptimize(
-            model.blocksFor(model.data(model.index(row), MessageListModel::MessageIdRole).toString()));
         const QString id = chat.session.conversation()->messages.last().id;
+        const auto *blocks = model.blocksFor(id);
+        // What a view does with a block that has changed.
+        const auto read = [blocks](int first, int last) {
+            for (int block = first; block <= last; ++block) {
+                for (const int role : {MarkdownBlockModel::KindRole, MarkdownBlockModel::TextRole})
+                    benchmark::DoNotOptimize(blocks->data(blocks->index(block), role));
+            }
+        };
+        QObject::connect(blocks, &QAbstractItemModel::dataChanged, blocks,
+                         [&](const auto &from, const auto &to) { read(from.row(), to.row()); });
+        QObject::connect(blocks, &QAbstractItemModel::rowsInserted, blocks,
+                         [&](const auto &, int first, int last) { read(first, last); });
         const auto start = std::chrono::steady_clock::now();
         for (int number = 0; number < pieces; ++number) {
             chat.session.appendText(id, number % 20 ? piece : u"\n\n"_s);
