@@ -93,47 +93,9 @@ Column {
         session: root.session
     }
 
-    LMPSheet {
+    HandleSheet {
         id: sheet
 
-        readonly property HandleModel handle: root.session.handle
-
-        function save(): void {
-            if (sheet.handle.canSave)
-                sheet.handle.save();
-        }
-
-        hasTypedInput: sheet.handle.input !== "" && sheet.handle.savedText === ""
-        primaryBusy: sheet.handle.saving
-        primaryEnabled: sheet.handle.canSave || sheet.handle.saving
-        primaryText: sheet.handle.savedText === "" ? "保存" : ""
-        secondaryText: sheet.handle.savedText === "" ? "取消" : "好"
-        title: "主页名"
-        onAccepted: sheet.save()
-        onClosed: sheet.handle.restart()
-        onOpened: {
-            if (form.item)
-                (form.item as HandleForm).focusFirst();
-        }
-
-        Loader {
-            id: form
-
-            active: sheet.visible
-            focus: true
-            visible: sheet.handle.savedText === ""
-            width: parent.width
-
-            sourceComponent: HandleForm {
-                handle: sheet.handle
-                onSubmitted: sheet.save()
-            }
-        }
-
-        LMPText {
-            text: sheet.handle.savedText
-            visible: text !== ""
-            width: parent.width
-        }
+        handle: root.session.handle
     }
 }

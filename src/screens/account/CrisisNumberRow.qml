@@ -9,7 +9,7 @@ Item {
     required property string note
     required property string phone
 
-    signal dialled
+    signal dialled(string phone)
 
     implicitHeight: Math.max(words.implicitHeight, call.height)
 
@@ -48,6 +48,6 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         iconName: "phone"
         text: "拨打"
-        onClicked: root.dialled()
+        onClicked: root.dialled(root.phone)
     }
 }

@@ -2,7 +2,8 @@ import QtQuick
 import Lumenpair.Account
 import Lumenpair.Kit
 
-/// The crisis page: numbers of a region for anybody, signed in or not. It records nothing.
+/// The crisis page: numbers of a region for anybody, signed in or not, asked for each time it comes to be seen. It
+/// records nothing.
 FocusScope {
     id: root
 
@@ -10,13 +11,18 @@ FocusScope {
 
     signal closed
 
-    Accessible.name: root.resources.entry
-    Accessible.role: Accessible.Pane
-    Component.onCompleted: {
+    function enter(): void {
+        if (!root.visible)
+            return;
         root.resources.load();
         back.forceActiveFocus();
     }
+
+    Accessible.name: root.resources.entry
+    Accessible.role: Accessible.Pane
+    Component.onCompleted: root.enter()
     Keys.onEscapePressed: root.closed()
+    onVisibleChanged: root.enter()
 
     Rectangle {
         anchors.fill: parent
@@ -130,11 +136,10 @@ FocusScope {
                 model: root.resources.numbers
 
                 delegate: CrisisNumberRow {
-                    id: number
-
                     width: parent ? parent.width : 0
-                    onDialled: root.resources.dial(number.phone)
                 }
+
+                onItemAdded: (index, item) => (item as CrisisNumberRow).dialled.connect(phone => root.resources.dial(phone))
             }
 
             LMPText {

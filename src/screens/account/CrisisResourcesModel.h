@@ -23,7 +23,7 @@ class CrisisResourcesModel : public QObject {
     Q_PROPERTY(QString entrySubtitle READ entrySubtitle CONSTANT)
     Q_PROPERTY(QString backText READ backText CONSTANT)
     Q_PROPERTY(QStringList rules READ rules CONSTANT)
-    Q_PROPERTY(QStringList regions READ regions CONSTANT)
+    Q_PROPERTY(QList<QString> regions READ regions CONSTANT)
     Q_PROPERTY(int regionIndex READ regionIndex NOTIFY changed)
     Q_PROPERTY(bool loading READ loading NOTIFY changed)
     Q_PROPERTY(bool loaded READ loaded NOTIFY changed)

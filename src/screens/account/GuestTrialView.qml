@@ -38,81 +38,46 @@ LMPPage {
         onClicked: root.closed()
     }
 
-    ListView {
+    LMPScrollView {
         id: list
 
-        readonly property real column: Math.min(Theme.dp(760), list.width - 2 * Theme.space24)
+        readonly property real column: Math.min(Theme.dp(760), root.width - 2 * Theme.space24)
 
         anchors.bottom: foot.top
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        bottomMargin: Theme.space16
-        boundsBehavior: Flickable.StopAtBounds
-        cacheBuffer: 100000
-        clip: true
-        model: root.guest.turns
+        bottomPadding: Theme.space16
+        horizontalPadding: Math.round((root.width - list.column) / 2)
         spacing: Theme.space16
-        topMargin: Theme.space16
+        topPadding: Theme.space16
+        onContentHeightChanged: list.contentY = Math.max(0, list.contentHeight - list.height)
 
-        delegate: Column {
-            id: turn
-
-            required property string message
-            required property string reply
-            required property string stardust
-
-            spacing: Theme.space12
-            width: list.column
-            x: Math.round((list.width - list.column) / 2)
-
-            GuestBubble {
-                text: turn.message
-                width: parent.width
-            }
-
-            LMPText {
-                Accessible.name: "分身：" + turn.reply
-                kind: LMPText.Chat
-                text: turn.reply
-                width: parent.width
-            }
-
-            LMPText {
-                color: Theme.text3
-                kind: LMPText.Caption
-                text: turn.stardust
-                visible: turn.stardust !== ""
-                width: parent.width
-            }
-        }
-        footer: Column {
-            spacing: Theme.space12
-            topPadding: root.guest.pending !== "" && list.count > 0 ? Theme.space16 : 0
-            visible: root.guest.pending !== ""
-            width: list.column
-            x: Math.round((list.width - list.column) / 2)
-
-            GuestBubble {
-                text: root.guest.pending
-                width: parent.width
-            }
-
-            LMPBusy {
-                running: root.guest.sending
-                text: "正在回复……"
-            }
-        }
-        header: LMPText {
-            bottomPadding: text !== "" ? Theme.space16 : 0
+        LMPText {
             color: Theme.text2
             text: root.guest.note
-            visible: text !== ""
-            width: list.column
-            x: Math.round((list.width - list.column) / 2)
+            visible: root.guest.note !== ""
+            width: parent.width
         }
 
-        onContentHeightChanged: list.positionViewAtEnd()
+        Repeater {
+            model: root.guest.turns
+
+            delegate: GuestRound {
+                width: parent ? parent.width : 0
+            }
+        }
+
+        GuestBubble {
+            text: root.guest.pending
+            visible: root.guest.pending !== ""
+            width: parent.width
+        }
+
+        LMPBusy {
+            running: root.guest.sending
+            text: "正在回复……"
+        }
     }
 
     LMPBusy {

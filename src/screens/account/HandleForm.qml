@@ -14,7 +14,6 @@ Column {
         field.forceActiveFocus();
     }
 
-    Component.onCompleted: root.handle.load()
     spacing: Theme.space12
 
     LMPTextField {
@@ -34,6 +33,7 @@ Column {
     }
 
     Flow {
+        enabled: !root.handle.saving
         spacing: Theme.space8
         visible: suggestions.count > 0
         width: parent.width
@@ -52,14 +52,15 @@ Column {
             model: root.handle.suggestions
 
             delegate: LMPChip {
-                id: suggestion
-
                 required property string modelData
 
                 clickable: true
-                enabled: !root.handle.saving
-                text: suggestion.modelData
-                onClicked: root.handle.input = suggestion.modelData
+                text: modelData
+            }
+
+            onItemAdded: (index, item) => {
+                const chip = item as LMPChip;
+                chip.clicked.connect(() => root.handle.input = chip.text);
             }
         }
     }

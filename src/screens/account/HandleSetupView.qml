@@ -12,7 +12,10 @@ CenteredPane {
 
     signal finished
 
-    Component.onCompleted: form.focusFirst()
+    Component.onCompleted: {
+        root.handle.load();
+        form.focusFirst();
+    }
 
     NewAccountNotice {
         session: root.session

@@ -7,12 +7,14 @@ FocusScope {
 
     property string closeText
     default property alias content: middle.data
-    property alias extras: extraRow.data
+    /// A second button, where it has words.
+    property string extraText
     property string iconName
     property string text
     property string title
 
     signal closed
+    signal extra
 
     /// Says that only its button closes it, by giving that the keyboard.
     function pointOut(): void {
@@ -92,8 +94,11 @@ FocusScope {
                 onClicked: root.closed()
             }
 
-            Row {
-                id: extraRow
+            LMPButton {
+                kind: LMPButton.Quiet
+                text: root.extraText
+                visible: root.extraText !== ""
+                onClicked: root.extra()
             }
         }
     }

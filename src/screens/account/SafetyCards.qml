@@ -26,6 +26,15 @@ Item {
             cards.open();
         else
             cards.close();
+        root.focusFront();
+    }
+
+    /// The crisis page is in front of the cards; whoever opens last would have the keyboard.
+    function focusFront(): void {
+        if (page.visible)
+            page.forceActiveFocus();
+        else if (cards.visible)
+            (cards.contentItem as SafetyStack).focusCard();
     }
 
     Component.onCompleted: root.follow()
@@ -36,8 +45,8 @@ Item {
         }
 
         function onCrisisShown() {
-            if (cards.opened && !page.visible)
-                crisis.forceActiveFocus();
+            if (cards.opened)
+                root.focusFront();
         }
 
         target: root.safety
@@ -46,95 +55,19 @@ Item {
     LMPModal {
         id: cards
 
-        margins: 0
         accessibleName: root.safety.crisisOpen ? root.safety.crisisTitle : root.safety.continuousUseTitle
-        height: Math.min(scroll.implicitHeight, windowHeight - 2 * Theme.space16)
-        width: Math.min(Theme.dp(560) + 2 * scroll.horizontalPadding, windowWidth)
+        height: Math.min(implicitContentHeight, windowHeight - 2 * Theme.space16)
+        margins: 0
+        width: Math.min(Theme.dp(560) + 2 * Theme.space16, windowWidth)
         z: 1000
 
         background: Item {
         }
-        contentItem: FocusScope {
-            Accessible.name: cards.accessibleName
-            Accessible.role: Accessible.Dialog
-            Keys.onEscapePressed: cards.escaped()
+        contentItem: SafetyStack {
             focus: true
-
-            LMPScrollView {
-                id: scroll
-
-                anchors.fill: parent
-                // Room for the scroll bar beside the cards.
-                horizontalPadding: Theme.space16
-                spacing: Theme.space12
-
-                SafetyCard {
-                    id: crisis
-
-                    closeText: "关掉这张卡片"
-                    focus: root.safety.crisisOpen
-                    iconName: "shield"
-                    text: root.safety.crisisText
-                    title: root.safety.crisisTitle
-                    visible: root.safety.crisisOpen
-                    width: parent.width
-                    onClosed: root.safety.closeCrisis()
-
-                    extras: [
-                        LMPButton {
-                            kind: LMPButton.Quiet
-                            text: "换一个地区看看"
-                            onClicked: page.open()
-                        }
-                    ]
-
-                    LMPText {
-                        kind: LMPText.Strong
-                        text: root.safety.crisisWithoutNumbers
-                        visible: root.safety.crisisWithoutNumbers !== ""
-                        width: parent.width
-                    }
-
-                    LMPText {
-                        color: Theme.text2
-                        text: root.safety.crisisRegionText
-                        visible: root.safety.crisisRegionText !== ""
-                        width: parent.width
-                    }
-
-                    Repeater {
-                        model: root.safety.crisisNumbers
-
-                        delegate: CrisisNumberRow {
-                            id: number
-
-                            width: parent ? parent.width : 0
-                            onDialled: root.safety.dial(number.phone)
-                        }
-                    }
-
-                    LMPText {
-                        Accessible.role: Accessible.AlertMessage
-                        color: Theme.care
-                        text: root.safety.crisisMessage
-                        visible: root.safety.crisisMessage !== ""
-                        width: parent.width
-                    }
-                }
-
-                SafetyCard {
-                    id: reminder
-
-                    closeText: "知道了"
-                    focus: !root.safety.crisisOpen
-                    iconName: "clock"
-                    text: root.safety.continuousUseText
-                    title: root.safety.continuousUseTitle
-                    visible: root.safety.continuousUseOpen
-                    width: parent.width
-                    onClosed: root.safety.closeContinuousUse()
-                }
-            }
+            safety: root.safety
+            onEscaped: cards.escaped()
+            onRegionsRequested: page.open()
         }
 
         // A sheet that opens meanwhile may not take the keyboard from under the card.
@@ -144,11 +77,11 @@ Item {
         }
         onEscaped: {
             if (root.safety.crisisOpen)
-                crisis.pointOut();
+                (cards.contentItem as SafetyStack).pointOut();
             else
                 root.safety.closeContinuousUse();
         }
-        onOpened: (root.safety.crisisOpen ? crisis : reminder).forceActiveFocus()
+        onOpened: root.focusFront()
     }
 
     LMPModal {
@@ -162,25 +95,17 @@ Item {
         y: 0
         z: 1001
 
-        background: Rectangle {
-            color: Theme.surface
+        background: Item {
         }
-        contentItem: FocusScope {
+        contentItem: CrisisPage {
             focus: true
-
-            Loader {
-                active: page.visible
-                anchors.fill: parent
-                focus: true
-
-                sourceComponent: CrisisPage {
-                    focus: true
-                    resources: root.resources
-                    onClosed: page.close()
-                }
-            }
+            resources: root.resources
+            onClosed: page.close()
         }
 
-        onClosed: root.resources.close()
+        onClosed: {
+            root.resources.close();
+            root.focusFront();
+        }
     }
 }

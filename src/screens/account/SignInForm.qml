@@ -12,30 +12,14 @@ FocusScope {
     readonly property bool waitsForProvider: root.signIn.providerText !== ""
     property bool invited: false
 
-    function fieldOf(field: int): Item {
-        switch (field) {
-        case SignInModel.PhoneField:
-            return phone;
-        case SignInModel.EmailField:
-            return email.item as Item;
-        case SignInModel.CodeField:
-            return code;
-        case SignInModel.PasswordField:
-            return (root.resets ? newPassword.item : password.item) as Item;
-        }
-        return null;
-    }
-
     function goTo(field: int): void {
-        const item = root.fieldOf(field);
-        if (item)
-            item.forceActiveFocus(Qt.TabFocusReason);
+        const items = [null, address, address, code, secret];
+        if (items[field])
+            items[field].forceActiveFocus(Qt.TabFocusReason);
     }
 
     function focusFirst(): void {
-        const item = root.fieldOf(root.signIn.asksPhone ? SignInModel.PhoneField : SignInModel.EmailField);
-        if (item)
-            item.forceActiveFocus();
+        address.forceActiveFocus();
     }
 
     function submit(): void {
@@ -88,7 +72,6 @@ FocusScope {
 
         Row {
             spacing: Theme.space8
-            visible: root.signIn.asksPhone
             width: parent.width
 
             LMPComboBox {
@@ -98,43 +81,30 @@ FocusScope {
                 enabled: !root.signIn.submitting
                 label: "国家或地区"
                 model: root.signIn.dialLabels
+                visible: root.signIn.asksPhone
                 width: Math.min(Theme.dp(164), Math.round(parent.width * 0.44))
                 onActivated: index => root.signIn.dialIndex = index
             }
 
             LMPTextField {
-                id: phone
+                id: address
 
-                errorText: root.signIn.phoneMessage
-                focus: root.signIn.asksPhone
-                inputMethodHints: Qt.ImhDialableCharactersOnly
-                label: "手机号"
-                readOnly: root.signIn.submitting
-                text: root.signIn.phone
-                width: parent.width - dial.width - parent.spacing
-                onAccepted: root.submit()
-                onTextEdited: root.signIn.phone = phone.text
-            }
-        }
+                readonly property bool phone: root.signIn.asksPhone
 
-        Loader {
-            id: email
-
-            active: !root.signIn.asksPhone
-            visible: active
-            width: parent.width
-
-            sourceComponent: LMPTextField {
-                id: emailField
-
-                errorText: root.signIn.emailMessage
+                errorText: address.phone ? root.signIn.phoneMessage : root.signIn.emailMessage
                 focus: true
-                inputMethodHints: Qt.ImhEmailCharactersOnly
-                label: "邮箱"
+                inputMethodHints: address.phone ? Qt.ImhDialableCharactersOnly : Qt.ImhEmailCharactersOnly
+                label: address.phone ? "手机号" : "邮箱"
                 readOnly: root.signIn.submitting
-                text: root.signIn.email
+                text: address.phone ? root.signIn.phone : root.signIn.email
+                width: parent.width - (dial.visible ? dial.width + parent.spacing : 0)
                 onAccepted: root.submit()
-                onTextEdited: root.signIn.email = emailField.text
+                onTextEdited: {
+                    if (address.phone)
+                        root.signIn.phone = address.text;
+                    else
+                        root.signIn.email = address.text;
+                }
             }
         }
 
@@ -180,65 +150,36 @@ FocusScope {
             }
         }
 
-        Loader {
-            id: password
+        LMPTextField {
+            id: secret
 
-            active: root.signIn.asksPassword
-            visible: active
+            errorText: root.signIn.passwordMessage
+            label: root.resets ? "新密码" : root.registers ? "设一个密码" : "密码"
+            readOnly: root.signIn.submitting
+            secret: true
+            text: root.resets ? root.signIn.newPassword : root.signIn.password
+            visible: root.signIn.asksPassword || root.resets
             width: parent.width
-
-            sourceComponent: LMPTextField {
-                id: passwordField
-
-                errorText: root.signIn.passwordMessage
-                label: root.registers ? "设一个密码" : "密码"
-                readOnly: root.signIn.submitting
-                secret: true
-                text: root.signIn.password
-                onAccepted: root.submit()
-                onTextEdited: root.signIn.password = passwordField.text
+            onAccepted: root.submit()
+            onTextEdited: {
+                if (root.resets)
+                    root.signIn.newPassword = secret.text;
+                else
+                    root.signIn.password = secret.text;
             }
         }
 
-        Loader {
-            id: newPassword
+        LMPTextField {
+            id: invite
 
-            active: root.resets
-            visible: active
+            helpText: "没有就不用填。"
+            label: "邀请码"
+            readOnly: root.signIn.submitting
+            text: root.signIn.inviteCode
+            visible: root.signIn.asksInvite && root.invited
             width: parent.width
-
-            sourceComponent: LMPTextField {
-                id: newPasswordField
-
-                errorText: root.signIn.passwordMessage
-                label: "新密码"
-                readOnly: root.signIn.submitting
-                secret: true
-                text: root.signIn.newPassword
-                onAccepted: root.submit()
-                onTextEdited: root.signIn.newPassword = newPasswordField.text
-            }
-        }
-
-        Loader {
-            active: root.signIn.asksInvite && (root.invited || root.signIn.inviteCode !== "")
-            visible: active
-            width: parent.width
-
-            sourceComponent: LMPTextField {
-                id: inviteField
-
-                helpText: "没有就不用填。"
-                label: "邀请码"
-                readOnly: root.signIn.submitting
-                text: root.signIn.inviteCode
-                onAccepted: root.submit()
-                onTextEdited: root.signIn.inviteCode = inviteField.text
-                Component.onCompleted: {
-                    if (root.invited)
-                        inviteField.forceActiveFocus(Qt.TabFocusReason);
-                }
-            }
+            onAccepted: root.submit()
+            onTextEdited: root.signIn.inviteCode = invite.text
         }
 
         LMPBanner {
@@ -293,8 +234,11 @@ FocusScope {
                 enabled: !root.signIn.submitting
                 kind: LMPButton.Link
                 text: "有邀请码"
-                visible: root.signIn.asksInvite && !root.invited && root.signIn.inviteCode === ""
-                onClicked: root.invited = true
+                visible: root.signIn.asksInvite && !root.invited
+                onClicked: {
+                    root.invited = true;
+                    invite.forceActiveFocus(Qt.TabFocusReason);
+                }
             }
 
             LMPButton {
@@ -307,13 +251,14 @@ FocusScope {
         }
 
         Loader {
-            active: root.signIn.offersGoogle || root.signIn.offersApple
-            visible: active && !root.resets
-            width: parent.width
+            id: providers
 
-            sourceComponent: ProviderButtons {
+            active: root.signIn.offersGoogle || root.signIn.offersApple
+            visible: providers.active && !root.resets
+            width: parent.width
+            Component.onCompleted: providers.setSource("ProviderButtons.qml", {
                 signIn: root.signIn
-            }
+            })
         }
     }
 }

@@ -90,12 +90,12 @@ void SignInModel::setMode(Mode mode) {
     if (mode == this->mode() || submitting())
         return;
     begin(Action::None);
+    m_login->setMode(LoginModel::Mode(int(mode)));
     // A password is for one kind of account; typed for another, it would be sent to the wrong one.
     auto next = fields();
     next.password.clear();
     next.newPassword.clear();
     m_login->edit(next);
-    m_login->setMode(LoginModel::Mode(int(mode)));
 }
 
 int SignInModel::way() const {

@@ -18,7 +18,7 @@ class SignInModel : public QObject {
     QML_UNCREATABLE("made by SessionModel")
     Q_PROPERTY(lmp::SignInModel::Mode mode READ mode WRITE setMode NOTIFY changed)
     Q_PROPERTY(int way READ way NOTIFY changed)
-    Q_PROPERTY(QStringList dialLabels READ dialLabels CONSTANT)
+    Q_PROPERTY(QList<QString> dialLabels READ dialLabels CONSTANT)
     Q_PROPERTY(int dialIndex READ dialIndex WRITE setDialIndex NOTIFY changed)
     Q_PROPERTY(QString phone READ phone WRITE setPhone NOTIFY changed)
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY changed)

@@ -12,10 +12,14 @@ FocusScope {
 
     signal crisisRequested
 
-    function register(): void {
+    function back(): void {
         root.trying = false;
-        root.session.signIn.mode = SignInModel.Sms;
         form.focusFirst();
+    }
+
+    function register(): void {
+        root.session.signIn.mode = SignInModel.Sms;
+        root.back();
     }
 
     Component.onCompleted: form.focusFirst()
@@ -88,20 +92,21 @@ FocusScope {
     }
 
     Loader {
+        id: trial
+
         active: root.trying
         anchors.fill: parent
         focus: root.trying
-
-        sourceComponent: GuestTrialView {
-            focus: true
-            guest: root.session.guest
+        Component.onCompleted: trial.setSource("GuestTrialView.qml", {
+            guest: root.session.guest,
             resources: root.resources
-            onClosed: {
-                root.trying = false;
-                form.focusFirst();
-            }
-            onCrisisRequested: root.crisisRequested()
-            onRegisterRequested: root.register()
+        })
+        onLoaded: {
+            const page = trial.item as GuestTrialView;
+            page.closed.connect(root.back);
+            page.crisisRequested.connect(root.crisisRequested);
+            page.registerRequested.connect(root.register);
+            page.forceActiveFocus();
         }
     }
 }

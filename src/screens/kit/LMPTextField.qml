@@ -149,6 +149,8 @@ FocusScope {
         Loader {
             active: field.failed || root.helpText !== ""
             source: "LMPFieldNote.qml"
+            // An emptied loader keeps its height.
+            visible: active
             width: parent.width
             onLoaded: {
                 const note = item as LMPFieldNote;

@@ -17,13 +17,16 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-AccountBench::Parts::Parts(bool hasGoogle)
+AccountBench::Parts::Parts(const QString &providers)
     : auth(server.url(u"/api"_s), keychain, clock)
     , webAuth(opener, clock) {
-    if (hasGoogle)
+    if (providers.contains("apple"_L1))
+        apple = std::make_unique<Apple>();
+    if (providers.contains("google"_L1))
         google = std::make_unique<GoogleSignIn>(GoogleProvider::sandbox(Site::at(server.url().toString())), webAuth);
     const auto makeLogin = [this] {
-        return std::make_unique<LoginModel>(auth, clock, LoginModel::Providers{.google = google.get()});
+        return std::make_unique<LoginModel>(auth, clock,
+                                            LoginModel::Providers{.google = google.get(), .apple = apple.get()});
     };
     session = std::make_unique<SessionModel>(
         AccountServices{.auth = auth, .clock = clock, .makeLogin = makeLogin, .webAuth = &webAuth});
@@ -32,7 +35,7 @@ AccountBench::Parts::Parts(bool hasGoogle)
 }
 
 AccountBench::AccountBench()
-    : m_parts(std::make_unique<Parts>(false)) {}
+    : m_parts(std::make_unique<Parts>(QString())) {}
 
 AccountBench::~AccountBench() {
     m_past.push_back(std::move(m_parts));
@@ -49,14 +52,14 @@ void AccountBench::replace(std::unique_ptr<Parts> next) {
     Q_EMIT openedChanged();
 }
 
-void AccountBench::restart(bool google) {
-    auto next = std::make_unique<Parts>(google);
+void AccountBench::restart(const QString &providers) {
+    auto next = std::make_unique<Parts>(providers);
     next->auth.startSignedOut();
     replace(std::move(next));
 }
 
 void AccountBench::restartClosed() {
-    replace(std::make_unique<Parts>(false));
+    replace(std::make_unique<Parts>(QString()));
 }
 
 void AccountBench::answer(const QString &path, int status, const QString &body) {
@@ -116,11 +119,9 @@ void AccountBench::keychainFails(bool fails) {
         fails ? std::optional(Keychain::Error{.unavailable = false, .reason = u"no"_s}) : std::nullopt;
 }
 
-void AccountBench::signIn(const QString &userJson, bool isNew) {
+void AccountBench::signIn(const QString &userJson) {
     const auto user = Json::decode<UserInfo>(userJson.toUtf8());
-    m_parts->auth.signIn({.userInfo = user.value_or(UserInfo{.id = u"?"_s}),
-                          .token = u"t"_s,
-                          .type = isNew ? std::optional(u"register"_s) : std::nullopt});
+    m_parts->auth.signIn({.userInfo = user.value_or(UserInfo{.id = u"?"_s}), .token = u"t"_s, .type = {}});
 }
 
 void AccountBench::safetyArrives(const QString &answer) {

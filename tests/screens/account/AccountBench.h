@@ -34,8 +34,8 @@ public:
     CrisisResourcesModel *resources() { return m_parts->resources.get(); }
     QStringList opened() const { return m_parts->opener.opened; }
 
-    /// Signed out, with a service that answers nothing yet. @param google whether it has Google's sign-in
-    Q_INVOKABLE void restart(bool google = false);
+    /// Signed out, with a service that answers nothing yet. @param providers those it has: "google", "apple", both
+    Q_INVOKABLE void restart(const QString &providers = {});
     /// Not begun yet; `restore` begins it.
     Q_INVOKABLE void restartClosed();
     /// Every request whose path begins with `path` is answered so.
@@ -54,11 +54,12 @@ public:
     Q_INVOKABLE int sleepers() const { return m_parts->clock.sleepers(); }
 
     Q_INVOKABLE void keychainHolds(const QString &token);
+    Q_INVOKABLE QString keychainItem() const { return m_parts->keychain.items.value(AuthStore::tokenKey); }
     Q_INVOKABLE void keychainHangs(bool hangs);
     Q_INVOKABLE void keychainFails(bool fails);
     /// Begins as the program does, with what the keychain holds.
     Q_INVOKABLE void restore() { m_parts->auth.restore(); }
-    Q_INVOKABLE void signIn(const QString &userJson, bool isNew = false);
+    Q_INVOKABLE void signIn(const QString &userJson);
 
     /// Whether something takes links and numbers.
     Q_INVOKABLE void openerWorks(bool works) { m_parts->opener.works = works; }
@@ -81,8 +82,13 @@ private:
         bool works = true;
         QStringList opened;
     };
+    /// A sheet that ends with a token at once.
+    struct Apple : AppleSignInCoordinator {
+        bool isAvailable() const override { return true; }
+        QCoro::Task<Outcome> present() override { co_return Credential{QStringLiteral("apple-token"), {}}; }
+    };
     struct Parts {
-        explicit Parts(bool google);
+        explicit Parts(const QString &providers);
 
         StubServer server;
         ManualClock clock;
@@ -92,6 +98,7 @@ private:
         AuthStore auth;
         WebAuthPresenter webAuth;
         std::unique_ptr<GoogleSignIn> google;
+        std::unique_ptr<Apple> apple;
         std::unique_ptr<SessionModel> session;
         std::unique_ptr<SafetyModel> safety;
         std::unique_ptr<CrisisResourcesModel> resources;
