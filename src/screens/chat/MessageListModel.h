@@ -3,6 +3,7 @@
 #include "conversation/ConversationSession.h"
 #include "platform/Clock.h"
 #include "screens/chat/MessageRow.h"
+#include "screens/markdown/MarkdownBlockModel.h"
 
 #include <QAbstractListModel>
 #include <QtQmlIntegration>
@@ -75,7 +76,7 @@ public:
     Q_INVOKABLE int rowOf(const QString &messageId) const;
 
     /// The blocks of a reply, made when they are first asked for; null for any other message.
-    Q_INVOKABLE QObject *blocksFor(const QString &messageId);
+    Q_INVOKABLE lmp::MarkdownBlockModel *blocksFor(const QString &messageId);
 
     // What this window knows beyond the conversation itself; all of it ends with the conversation.
     void setError(const QString &messageId, const QString &text);
@@ -113,7 +114,7 @@ private:
     void replace(qsizetype row, MessageRow now);
     void announce(const QString &messageId, const QList<int> &roles);
     QString growingText() const;
-    QObject *blocksOf(const MessageRow &row) const;
+    MarkdownBlockModel *blocksOf(const MessageRow &row) const;
     void forgetBlocks(const QString &messageId);
     void flushSoon();
     void flush();
@@ -130,7 +131,7 @@ private:
     QHash<QString, Mark> m_marks;
     QMap<QString, QString> m_feedback;
     QString m_retrying;
-    mutable QHash<QString, QObject *> m_blocks; ///< made when a row is first shown
+    mutable QHash<QString, MarkdownBlockModel *> m_blocks; ///< made when a row is first shown
     std::optional<std::chrono::nanoseconds> m_flushedAt;
     bool m_flushWaits = false;
     std::stop_source m_stop;
