@@ -8,8 +8,7 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 using Command = WindowCommands::Command;
 
-WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting,
-                         QObject *parent)
+WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting, QObject *parent)
     : QObject(parent)
     , m_appearance(appearance)
     , m_quitting(quitting)
@@ -206,11 +205,12 @@ QList<SwitcherEntry> WindowScene::destinations() const {
     for (const auto &entry : WindowCommands::table()) {
         const bool page = entry.command >= Command::TabNow && entry.command <= Command::Settings;
         if (!entry.iconName.isEmpty() && m_commands.enabled(entry))
-            (page ? pages : commands) << SwitcherEntry{.kind = page ? SwitcherEntry::Kind::Page : SwitcherEntry::Kind::Command,
-                                  .key = QString::number(int(entry.command)),
-                                  .title = entry.title,
-                                  .iconName = entry.iconName,
-                                  .shortcutText = WindowCommands::keysText(entry.keys)};
+            (page ? pages : commands) << SwitcherEntry{.kind = page ? SwitcherEntry::Kind::Page
+                                                                    : SwitcherEntry::Kind::Command,
+                                                       .key = QString::number(int(entry.command)),
+                                                       .title = entry.title,
+                                                       .iconName = entry.iconName,
+                                                       .shortcutText = WindowCommands::keysText(entry.keys)};
     }
     return unread + others + pages + commands;
 }
