@@ -3,7 +3,6 @@
 #include "platform/Log.h"
 
 #include <exception>
-#include <vector>
 
 namespace lmp {
 
@@ -21,6 +20,7 @@ QCoro::Task<bool> saveOne(std::shared_ptr<LocalInputRegistry::Save> save) {
 QCoro::Task<bool> saveEach(std::vector<std::shared_ptr<LocalInputRegistry::Save>> saves) {
     // A task runs as soon as it is made, so all of them are under way before the first is waited for.
     std::vector<QCoro::Task<bool>> running;
+    running.reserve(saves.size());
     for (auto &save : saves)
         running.push_back(saveOne(save));
     bool all = true;
