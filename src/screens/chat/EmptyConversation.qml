@@ -33,7 +33,7 @@ Item {
             Repeater {
                 model: root.starters
 
-                LMPButton {
+                delegate: LMPButton {
                     id: starter
 
                     required property string modelData

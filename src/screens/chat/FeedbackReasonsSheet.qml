@@ -27,7 +27,7 @@ LMPSheet {
     Repeater {
         model: root.chat.feedbackReasons
 
-        LMPRadio {
+        delegate: LMPRadio {
             id: reason
 
             required property int index

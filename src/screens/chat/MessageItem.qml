@@ -32,8 +32,11 @@ Item {
 
     /// What a listener hears: who speaks, what, and what became of it. The rest of a long text is read in the text itself.
     function spoken(): string {
-        const words = root.streaming ? "正在回答" : root.text.slice(0, 2000);
-        const parts = [(root.own ? "你说：" : "分身说：") + words, root.stateText, root.errorText, root.timeText];
-        return parts.filter(part => part.length > 0).join("。");
+        let words = (root.own ? "你说：" : "分身说：") + (root.streaming ? "正在回答" : root.text.slice(0, 2000));
+        for (const part of [root.stateText, root.errorText, root.timeText]) {
+            if (part !== "")
+                words += "。" + part;
+        }
+        return words;
     }
 }

@@ -10,7 +10,12 @@ Column {
     property real maximumWidth: 0
 
     function line(): string {
-        return [root.row.timeText, root.row.chargeText, root.row.stateText].filter(part => part.length > 0).join(" · ");
+        let line = root.row.stateText;
+        for (const part of [root.row.chargeText, root.row.timeText]) {
+            if (part !== "")
+                line += (line === "" ? "" : " · ") + part;
+        }
+        return line;
     }
 
     spacing: Theme.dp(2)

@@ -126,7 +126,7 @@ FocusScope {
 
                 model: root.messages
 
-                TranscriptRow {
+                delegate: TranscriptRow {
                     id: row
 
                     chat: root.chat
@@ -164,7 +164,7 @@ FocusScope {
     }
     Connections {
         function onModelReset() {
-            Qt.callLater(root.hold);
+            scroll.hold();
         }
         function onRowsInserted(parent: var, first: int, last: int) {
             if (last === root.messages.count - 1 && root.messages.atEnd)

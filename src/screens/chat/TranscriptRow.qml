@@ -9,6 +9,12 @@ MessageItem {
     property bool awake: false
     property real knownHeight: 0
     property real knownWidth: 0
+    readonly property Component ownForm: OwnMessage {
+        row: root
+    }
+    readonly property Component twinForm: TwinMessage {
+        row: root
+    }
 
     /// A reply in this row has become higher.
     signal grew
@@ -37,21 +43,7 @@ MessageItem {
 
         active: root.awake || root.focused
         asynchronous: !root.seen
-        sourceComponent: root.own ? ownMessage : twinMessage
+        sourceComponent: root.own ? root.ownForm : root.twinForm
         width: root.width
-    }
-    Component {
-        id: ownMessage
-
-        OwnMessage {
-            row: root
-        }
-    }
-    Component {
-        id: twinMessage
-
-        TwinMessage {
-            row: root
-        }
     }
 }

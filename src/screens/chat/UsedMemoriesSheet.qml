@@ -29,7 +29,7 @@ LMPSheet {
     Repeater {
         model: root.chat.usedMemories
 
-        LMPCard {
+        delegate: LMPCard {
             id: memory
 
             required property string content
