@@ -87,7 +87,7 @@ function(lmp_qml_module NAME)
   endif()
   qt_add_library(${NAME} STATIC)
   qt_add_qml_module(${NAME} URI ${ARG_URI} VERSION 1.0 RESOURCE_PREFIX /qt/qml NO_PLUGIN
-    OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/${path} IMPORT_PATH ${CMAKE_BINARY_DIR}/qml
+    OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/${path} IMPORT_PATH ${CMAKE_BINARY_DIR}/qml DEPENDENCIES QtQuick
     QML_FILES ${ARG_SINGLETONS} ${ARG_QML} SOURCES ${ARG_SOURCES} RESOURCES ${ARG_RESOURCES})
   # The generated registration includes every registered type by its base name.
   target_include_directories(${NAME} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})

@@ -1,0 +1,105 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// One of many, chosen from a list that opens below. `label` stands above it.
+FocusScope {
+    id: root
+
+    property alias currentIndex: box.currentIndex
+    readonly property alias currentText: box.currentText
+    property string label
+    property list<string> model
+    readonly property bool opened: box.popup.visible
+
+    signal activated(int index)
+
+    implicitHeight: column.implicitHeight
+    implicitWidth: Theme.dp(200)
+
+    Column {
+        id: column
+
+        spacing: Theme.space4
+        width: root.width
+
+        LMPText {
+            Accessible.ignored: true
+            color: root.enabled ? Theme.text : Theme.disabled
+            kind: LMPText.Label
+            text: root.label
+            visible: root.label !== ""
+            width: parent.width
+        }
+
+        T.ComboBox {
+            id: box
+
+            Accessible.name: root.label
+            Accessible.role: Accessible.ComboBox
+            Keys.onEnterPressed: box.popup.open()
+            Keys.onReturnPressed: box.popup.open()
+            focus: true
+            focusPolicy: Qt.StrongFocus
+            hoverEnabled: true
+            implicitHeight: Math.max(Theme.target, Theme.control)
+            leftPadding: Theme.dp(10)
+            model: root.model
+            rightPadding: Theme.dp(32)
+            width: parent.width
+
+            background: Rectangle {
+                border.color: box.popup.visible ? Theme.accent : !root.enabled ? Theme.border : box.hovered ? Theme.text3 : Theme.borderStrong
+                border.width: box.popup.visible ? 2 : 1
+                color: root.enabled ? Theme.surface : Theme.sunken
+                radius: Theme.radiusControl
+
+                LMPFocusRing {
+                    shown: box.visualFocus
+                }
+            }
+
+            contentItem: LMPText {
+                Accessible.ignored: true
+                color: root.enabled ? Theme.text : Theme.disabled
+                elide: Text.ElideRight
+                text: box.displayText
+                verticalAlignment: Text.AlignVCenter
+                wrapMode: Text.NoWrap
+            }
+
+            delegate: LMPComboEntry {
+            }
+
+            indicator: LMPIcon {
+                color: root.enabled ? Theme.text2 : Theme.disabled
+                name: "chevron-down"
+                size: 16
+                x: box.width - width - Theme.space8
+                y: Math.round((box.height - height) / 2)
+            }
+
+            popup: T.Popup {
+                height: Math.min(contentItem.implicitHeight + topPadding + bottomPadding, Theme.dp(320))
+                margins: Theme.space8
+                padding: Theme.space4
+                width: box.width
+                y: box.height + Theme.space4
+
+                background: Rectangle {
+                    border.color: Theme.borderStrong
+                    border.width: 1
+                    color: Theme.surface
+                    radius: Theme.radiusRow
+                }
+
+                contentItem: LMPComboList {
+                    chosen: box.currentIndex
+                    currentIndex: box.highlightedIndex
+                    model: box.delegateModel
+                }
+            }
+
+            onActivated: index => root.activated(index)
+        }
+    }
+}

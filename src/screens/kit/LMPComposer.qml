@@ -1,0 +1,235 @@
+import QtQuick
+import QtQuick.Templates as T
+import "inputKeys.js" as InputKeys
+
+/// Where a message is written. 44 to 220 high, grows with the text and scrolls from there on.
+///
+/// Enter sends what is there (`submitted`), Shift+Enter breaks the line; Esc stops, only while `busy`. While an input
+/// method composes, none of these does anything, and nothing here touches the text. `text` belongs to the owner, who
+/// clears it when the message was taken over: what was typed is never lost to a send that failed.
+FocusScope {
+    id: root
+
+    property alias attachmentsArea: attachments.data
+    property bool busy: false
+    property bool canSend: true
+    property string hint
+    readonly property alias inputMethodComposing: field.inputMethodComposing
+    property string placeholderText
+    property alias readOnly: field.readOnly
+    property alias text: field.text
+    property alias tools: toolRow.data
+    /// Something to send that is not only white space, and leave to send it.
+    readonly property bool ready: root.canSend && root.enabled && field.filled
+
+    signal edited
+    signal stopRequested
+    signal submitted(string text)
+
+    function clear(): void {
+        field.clear();
+    }
+
+    function submit(): void {
+        if (root.ready && !root.busy && !field.inputMethodComposing)
+            root.submitted(field.text);
+    }
+
+    /// Whether the key was the composer's: Enter, Esc while busy, and what a composition holds.
+    function take(key: int, modifiers: int): bool {
+        if (field.inputMethodComposing)
+            return InputKeys.heldByComposition(key);
+        if (key === Qt.Key_Return || key === Qt.Key_Enter) {
+            if (modifiers & Qt.ShiftModifier)
+                return false;
+            root.submit();
+            return true;
+        }
+        if (key === Qt.Key_Escape && root.busy) {
+            root.stopRequested();
+            return true;
+        }
+        return false;
+    }
+
+    function menu(): void {
+        textMenu.setSource("LMPTextMenu.qml", {
+            "area": field
+        });
+        (textMenu.item as LMPTextMenu).popup();
+    }
+
+    implicitHeight: box.height + (note.visible ? note.height + Theme.space4 : 0)
+    implicitWidth: Theme.dp(560)
+
+    Rectangle {
+        id: box
+
+        readonly property real buttonTop: height - Theme.dp(6) - Theme.control
+        readonly property real least: Theme.dp(44)
+        readonly property real most: Theme.dp(220)
+        readonly property real textPadding: Math.max(Theme.space4, Math.round((box.least - metrics.height) / 2))
+
+        border.color: !root.enabled ? Theme.border : field.activeFocus ? Theme.accent : Theme.borderStrong
+        border.width: field.activeFocus ? 2 : 1
+        color: root.enabled ? Theme.surface : Theme.sunken
+        height: attachments.height + Math.max(box.least, Math.min(box.most, Math.ceil(field.contentHeight + 2 * box.textPadding)))
+        radius: Theme.radiusComposer
+        width: root.width
+
+        LMPFocusRing {
+            around: box.radius
+            shown: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
+        }
+
+        // A click beside the text is meant for it.
+        MouseArea {
+            anchors.fill: parent
+            cursorShape: Qt.IBeamCursor
+            onPressed: field.forceActiveFocus(Qt.MouseFocusReason)
+        }
+
+        Column {
+            id: attachments
+
+            padding: attachments.childrenRect.height > 0 ? Theme.space8 : 0
+            spacing: Theme.space4
+            width: parent.width
+        }
+
+        Row {
+            id: toolRow
+
+            spacing: Theme.space2
+            x: Theme.dp(6)
+            y: box.buttonTop
+        }
+
+        Flickable {
+            id: flick
+
+            T.ScrollBar.vertical: LMPScrollBar {
+            }
+            T.TextArea.flickable: T.TextArea {
+                id: field
+
+                readonly property bool filled: field.length > 0 && /\S/.test(field.text)
+
+                Accessible.description: root.hint
+                Accessible.multiLine: true
+                Accessible.name: root.placeholderText !== "" ? root.placeholderText : "消息"
+                Keys.onMenuPressed: root.menu()
+                Keys.onPressed: event => {
+                    if (root.take(event.key, event.modifiers))
+                        event.accepted = true;
+                }
+                Keys.onShortcutOverride: event => {
+                    if (event.key === Qt.Key_Escape && (root.busy || field.inputMethodComposing))
+                        event.accepted = true;
+                }
+                color: root.enabled ? Theme.text : Theme.disabled
+                focus: true
+                font.family: Theme.fontFamily
+                font.pixelSize: Theme.sp(15)
+                hoverEnabled: true
+                selectByMouse: true
+                selectedTextColor: Theme.onAccent
+                selectionColor: Theme.accent
+                textFormat: TextEdit.PlainText
+                wrapMode: TextEdit.Wrap
+
+                onPressed: event => {
+                    if (event.button === Qt.RightButton)
+                        root.menu();
+                }
+                onTextChanged: root.edited()
+            }
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            height: box.height - y - box.textPadding
+            width: action.x - x - Theme.space8
+            x: toolRow.width > 0 ? toolRow.x + toolRow.width + Theme.space8 : Theme.space16
+            y: attachments.height + box.textPadding
+        }
+
+        LMPText {
+            Accessible.ignored: true
+            color: root.enabled ? Theme.text3 : Theme.disabled
+            elide: Text.ElideRight
+            kind: LMPText.Chat
+            text: root.placeholderText
+            visible: field.length === 0 && field.preeditText === ""
+            width: flick.width
+            wrapMode: Text.NoWrap
+            x: flick.x
+            y: attachments.height + Math.round((box.least - height) / 2)
+        }
+
+        LMPIconButton {
+            id: action
+
+            readonly property bool stops: root.busy
+
+            enabled: action.stops || root.ready
+            iconName: action.stops ? "stop" : "send"
+            text: action.stops ? "停止" : "发送"
+            x: box.width - width - Theme.dp(6)
+            y: box.buttonTop
+
+            background: Rectangle {
+                color: action.stops ? Theme.veil(Theme.text, action.down ? 0.2 : action.hovered ? 0.14 : 0.08) : action.enabled ? Theme.accent : Theme.sunken
+                radius: Theme.radiusRow
+
+                Rectangle {
+                    anchors.fill: parent
+                    color: Theme.veil(Theme.dark ? "#FFFFFF" : "#000000", !action.enabled || action.stops ? 0 : action.down ? 0.18 : action.hovered ? 0.09 : 0)
+                    radius: parent.radius
+                }
+
+                LMPFocusRing {
+                    around: parent.radius
+                    shown: action.visualFocus
+                }
+            }
+
+            contentItem: Item {
+                LMPIcon {
+                    anchors.centerIn: parent
+                    color: action.stops ? Theme.text : action.enabled ? Theme.onAccent : Theme.disabled
+                    name: action.iconName
+                    size: 18
+                }
+            }
+
+            onClicked: {
+                if (action.stops)
+                    root.stopRequested();
+                else
+                    root.submit();
+            }
+        }
+
+        Loader {
+            id: textMenu
+        }
+    }
+
+    FontMetrics {
+        id: metrics
+
+        font: field.font
+    }
+
+    LMPText {
+        id: note
+
+        anchors.top: box.bottom
+        anchors.topMargin: Theme.space4
+        color: Theme.text3
+        kind: LMPText.Caption
+        text: root.hint
+        visible: root.hint !== ""
+        width: root.width - 2 * x
+        x: Theme.space12
+    }
+}

@@ -1,0 +1,96 @@
+import QtQuick
+
+/// A question with its answers. The first button is the primary one; `dangerIndex` is drawn as what cannot be taken
+/// back and never has the keyboard to begin with. Esc gives the answer `escapeIndex`, or, where there is none, only
+/// closes and reports `dismissed`.
+LMPModal {
+    id: root
+
+    property list<string> buttons
+    default property alias content: extra.data
+    property int dangerIndex: -1
+    property int escapeIndex: -1
+    property string text
+    property string title
+
+    signal chosen(int index)
+    signal dismissed
+
+    function choose(index: int): void {
+        root.close();
+        root.chosen(index);
+    }
+
+    function prepare(index: int, button: LMPButton): void {
+        button.kind = index === root.dangerIndex ? LMPButton.Danger : index === 0 ? LMPButton.Primary : LMPButton.Secondary;
+        button.focus = index === (root.dangerIndex === 0 && root.buttons.length > 1 ? 1 : 0);
+        button.clicked.connect(() => root.choose(index));
+    }
+
+    accessibleDescription: root.text
+    accessibleName: root.title
+    implicitHeight: column.implicitHeight + 2 * Theme.space20
+    height: implicitHeight
+    width: Math.min(Theme.dp(440), root.windowWidth - 2 * Theme.space16)
+
+    Column {
+        id: column
+
+        spacing: Theme.space12
+        width: parent.width - 2 * Theme.space20
+        x: Theme.space20
+        y: Theme.space20
+
+        LMPText {
+            Accessible.role: Accessible.Heading
+            kind: LMPText.H3
+            text: root.title
+            visible: root.title !== ""
+            width: parent.width
+        }
+
+        LMPText {
+            color: Theme.text2
+            text: root.text
+            visible: root.text !== ""
+            width: parent.width
+        }
+
+        Column {
+            id: extra
+
+            spacing: Theme.space8
+            width: parent.width
+        }
+
+        Flow {
+            layoutDirection: Qt.RightToLeft
+            spacing: Theme.space8
+            topPadding: Theme.space4
+            width: parent.width
+
+            Repeater {
+                model: root.buttons
+
+                delegate: LMPButton {
+                    id: answer
+
+                    required property string modelData
+
+                    text: answer.modelData
+                }
+
+                onItemAdded: (index, item) => root.prepare(index, item as LMPButton)
+            }
+        }
+    }
+
+    onEscaped: {
+        if (root.escapeIndex >= 0) {
+            root.choose(root.escapeIndex);
+            return;
+        }
+        root.close();
+        root.dismissed();
+    }
+}

@@ -1,0 +1,64 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// A button with an icon alone. Its `text` is what a screen reader says and what the tooltip shows.
+T.AbstractButton {
+    id: root
+
+    property bool danger: false
+    property string iconName
+    property real iconSize: 18
+    readonly property color ink: !root.enabled ? Theme.disabled : root.danger ? Theme.danger : root.checked ? Theme.accent : root.hovered
+                                                                                                         || root.visualFocus ? Theme.text : Theme.text2
+
+    function press(event: KeyEvent): void {
+        if (!event.isAutoRepeat) {
+            if (root.checkable)
+                root.toggle();
+            root.clicked();
+        }
+        event.accepted = true;
+    }
+
+    Accessible.checkable: root.checkable
+    Accessible.checked: root.checked
+    Accessible.name: root.text
+    Accessible.role: Accessible.Button
+    Keys.onEnterPressed: event => root.press(event)
+    Keys.onReturnPressed: event => root.press(event)
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    implicitHeight: Math.max(Theme.target, Theme.control)
+    implicitWidth: implicitHeight
+
+    background: Rectangle {
+        color: root.checked ? Theme.ownBubble : Theme.veil(Theme.text, root.down ? 0.12 : root.hovered && root.enabled ? 0.06 : 0)
+        radius: Theme.radiusControl
+
+        LMPFocusRing {
+            shown: root.visualFocus
+        }
+    }
+
+    contentItem: Item {
+        LMPIcon {
+            anchors.centerIn: parent
+            color: root.ink
+            name: root.iconName
+            size: root.iconSize
+        }
+    }
+
+    Loader {
+        readonly property bool wanted: root.text !== "" && (root.hovered || root.visualFocus)
+
+        onWantedChanged: {
+            if (wanted)
+                setSource("LMPButtonTip.qml", {
+                    "button": root
+                });
+            else
+                source = "";
+        }
+    }
+}

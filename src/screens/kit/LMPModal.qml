@@ -1,0 +1,68 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// What sheets and dialogs share: the middle of the window, a veil over the rest, and the keyboard kept inside while it
+/// is open and given back where it was when it closes. Esc is only reported (`escaped`): what it does is for the kind.
+T.Popup {
+    id: root
+
+    /// What a screen reader calls it, and what it reads with that.
+    property string accessibleDescription
+    property string accessibleName
+    /// What had the keyboard before; null when it went away in the meantime.
+    property Item before: null
+    readonly property real windowHeight: root.parent ? root.parent.height : 0
+    readonly property real windowWidth: root.parent ? root.parent.width : 0
+
+    signal escaped
+
+    T.Overlay.modal: Rectangle {
+        color: Theme.scrim
+    }
+    closePolicy: T.Popup.NoAutoClose
+    dim: true
+    focus: true
+    margins: Theme.space16
+    modal: true
+    padding: 0
+    parent: T.Overlay.overlay
+    x: Math.round((root.windowWidth - root.width) / 2)
+    y: Math.round(Math.max(Theme.space16, (root.windowHeight - root.height) / 2))
+
+    background: Rectangle {
+        border.color: Theme.borderStrong
+        border.width: 1
+        color: Theme.surface
+        radius: Theme.radiusComposer
+    }
+    contentItem: FocusScope {
+        Accessible.description: root.accessibleDescription
+        Accessible.name: root.accessibleName
+        Accessible.role: Accessible.Dialog
+        Keys.onEscapePressed: root.escaped()
+        focus: true
+    }
+    enter: Transition {
+        NumberAnimation {
+            duration: Theme.motion
+            easing.type: Easing.OutCubic
+            from: 0
+            property: "opacity"
+            to: 1
+        }
+    }
+    exit: Transition {
+        NumberAnimation {
+            duration: Theme.motion
+            property: "opacity"
+            to: 0
+        }
+    }
+
+    onAboutToShow: root.before = root.parent ? root.parent.Window.activeFocusItem : null
+    onClosed: {
+        if (root.before)
+            root.before.forceActiveFocus(Qt.PopupFocusReason);
+        root.before = null;
+    }
+}

@@ -1,0 +1,154 @@
+import QtQuick
+import QtQuick.Templates as T
+import "inputKeys.js" as InputKeys
+
+/// Several lines of text with a label above and, below them, help or what is wrong. Grows from `minimumLines` to
+/// `maximumLines` and scrolls from there on. Tab leaves it.
+FocusScope {
+    id: root
+
+    property string errorText
+    property string helpText
+    property alias inputMethodComposing: field.inputMethodComposing
+    property string label
+    property int maximumLines: 10
+    property int minimumLines: 3
+    property string placeholderText
+    property alias readOnly: field.readOnly
+    property alias text: field.text
+    readonly property bool failed: root.errorText !== ""
+    readonly property real line: metrics.height
+
+    signal textEdited
+
+    function menu(): void {
+        textMenu.setSource("LMPTextMenu.qml", {
+            "area": field
+        });
+        (textMenu.item as LMPTextMenu).popup();
+    }
+
+    implicitHeight: column.implicitHeight
+    implicitWidth: Theme.dp(320)
+
+    FontMetrics {
+        id: metrics
+
+        font: field.font
+    }
+
+    Column {
+        id: column
+
+        spacing: Theme.space4
+        width: root.width
+
+        LMPText {
+            Accessible.ignored: true
+            color: root.enabled ? Theme.text : Theme.disabled
+            kind: LMPText.Label
+            text: root.label
+            visible: root.label !== ""
+            width: parent.width
+        }
+
+        Rectangle {
+            border.color: root.failed ? Theme.danger : field.activeFocus ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
+                                                                                                                                Theme.borderStrong
+            border.width: field.activeFocus || root.failed ? 2 : 1
+            color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
+            height: Math.max(root.minimumLines * root.line, Math.min(root.maximumLines * root.line, field.contentHeight)) + 2 * Theme.space8
+            radius: Theme.radiusControl
+            width: parent.width
+
+            LMPFocusRing {
+                shown: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
+            }
+
+            Flickable {
+                id: flick
+
+                T.ScrollBar.vertical: LMPScrollBar {
+                }
+                T.TextArea.flickable: T.TextArea {
+                    id: field
+
+                    Accessible.description: root.failed ? root.errorText : root.helpText
+                    Accessible.multiLine: true
+                    Accessible.name: root.label !== "" ? root.label : root.placeholderText
+                    Keys.onMenuPressed: root.menu()
+                    Keys.onPressed: event => {
+                        if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
+                            event.accepted = true;
+                    }
+                    KeyNavigation.priority: KeyNavigation.BeforeItem
+                    KeyNavigation.tab: field.nextItemInFocusChain(true)
+                    color: root.enabled ? Theme.text : Theme.disabled
+                    focus: true
+                    font.family: Theme.fontFamily
+                    font.pixelSize: Theme.sp(14)
+                    hoverEnabled: true
+                    selectByMouse: true
+                    selectedTextColor: Theme.onAccent
+                    selectionColor: Theme.accent
+                    textFormat: TextEdit.PlainText
+                    wrapMode: TextEdit.Wrap
+
+                    onPressed: event => {
+                        if (event.button === Qt.RightButton)
+                            root.menu();
+                    }
+                    onTextChanged: {
+                        if (field.activeFocus)
+                            root.textEdited();
+                    }
+                }
+                anchors.bottomMargin: Theme.space8
+                anchors.fill: parent
+                anchors.leftMargin: Theme.dp(10)
+                anchors.rightMargin: Theme.dp(10)
+                anchors.topMargin: Theme.space8
+                boundsBehavior: Flickable.StopAtBounds
+                clip: true
+            }
+
+            LMPText {
+                Accessible.ignored: true
+                color: root.enabled ? Theme.text3 : Theme.disabled
+                text: root.placeholderText
+                visible: field.length === 0 && field.preeditText === ""
+                width: parent.width - 2 * x
+                x: Theme.dp(10)
+                y: Theme.space8
+            }
+
+            Loader {
+                id: textMenu
+            }
+        }
+
+        Row {
+            spacing: Theme.space4
+            visible: root.failed || root.helpText !== ""
+            width: parent.width
+
+            LMPIcon {
+                color: Theme.danger
+                name: root.failed ? "error" : ""
+                size: 14
+                visible: root.failed
+                y: Math.round((note.lineHeight - height) / 2)
+            }
+
+            LMPText {
+                id: note
+
+                Accessible.ignored: true
+                color: root.failed ? Theme.danger : Theme.text2
+                kind: LMPText.Caption
+                text: root.failed ? root.errorText : root.helpText
+                width: parent.width - (root.failed ? Theme.dp(18) : 0)
+            }
+        }
+    }
+}

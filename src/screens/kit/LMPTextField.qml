@@ -1,0 +1,174 @@
+import QtQuick
+import QtQuick.Templates as T
+import "inputKeys.js" as InputKeys
+
+/// One line of text with its label above and, below it, help or what is wrong. A secret one hides what is typed and
+/// offers to show it.
+FocusScope {
+    id: root
+
+    property string errorText
+    property string helpText
+    property string iconName
+    property alias inputMethodComposing: field.inputMethodComposing
+    property alias inputMethodHints: field.inputMethodHints
+    property string label
+    property alias maximumLength: field.maximumLength
+    property string placeholderText
+    property alias readOnly: field.readOnly
+    property bool secret: false
+    property alias text: field.text
+    property alias validator: field.validator
+
+    signal accepted
+    signal textEdited
+
+    function clear(): void {
+        field.clear();
+    }
+
+    function selectAll(): void {
+        field.selectAll();
+    }
+
+    implicitHeight: column.implicitHeight
+    implicitWidth: Theme.dp(240)
+
+    Column {
+        id: column
+
+        spacing: Theme.space4
+        width: root.width
+
+        LMPText {
+            Accessible.ignored: true
+            color: root.enabled ? Theme.text : Theme.disabled
+            kind: LMPText.Label
+            text: root.label
+            visible: root.label !== ""
+            width: parent.width
+        }
+
+        T.TextField {
+            id: field
+
+            readonly property bool failed: root.errorText !== ""
+            readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason
+                                                                 || field.focusReason === Qt.ShortcutFocusReason)
+
+            function menu(): void {
+                textMenu.setSource("LMPTextMenu.qml", {
+                    "line": field
+                });
+                (textMenu.item as LMPTextMenu).popup();
+            }
+
+            Accessible.description: field.failed ? root.errorText : root.helpText
+            Accessible.name: root.label !== "" ? root.label : root.placeholderText
+            Accessible.passwordEdit: root.secret
+            Keys.onMenuPressed: field.menu()
+            Keys.onPressed: event => {
+                if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
+                    event.accepted = true;
+            }
+            color: root.enabled ? Theme.text : Theme.disabled
+            echoMode: root.secret && !reveal.checked ? TextInput.Password : TextInput.Normal
+            focus: true
+            font.family: Theme.fontFamily
+            font.pixelSize: Theme.sp(14)
+            hoverEnabled: true
+            implicitHeight: Math.max(Theme.target, Theme.control)
+            leftPadding: root.iconName === "" ? Theme.dp(10) : Theme.dp(34)
+            rightPadding: root.secret ? Theme.dp(36) : Theme.dp(10)
+            selectByMouse: true
+            selectedTextColor: Theme.onAccent
+            selectionColor: Theme.accent
+            verticalAlignment: TextInput.AlignVCenter
+            width: parent.width
+
+            background: Rectangle {
+                border.color: field.failed ? Theme.danger : field.activeFocus ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
+                                                                                                                                   Theme.borderStrong
+                border.width: field.activeFocus || field.failed ? 2 : 1
+                color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
+                radius: Theme.radiusControl
+
+                LMPFocusRing {
+                    shown: field.ringed
+                }
+            }
+
+            onAccepted: root.accepted()
+            onPressed: event => {
+                if (event.button === Qt.RightButton)
+                    field.menu();
+            }
+            onTextEdited: root.textEdited()
+
+            LMPText {
+                Accessible.ignored: true
+                anchors.left: parent.left
+                anchors.leftMargin: field.leftPadding
+                anchors.right: parent.right
+                anchors.rightMargin: field.rightPadding
+                anchors.verticalCenter: parent.verticalCenter
+                color: root.enabled ? Theme.text3 : Theme.disabled
+                elide: Text.ElideRight
+                text: root.placeholderText
+                visible: field.text === "" && field.preeditText === ""
+                wrapMode: Text.NoWrap
+            }
+
+            LMPIcon {
+                anchors.left: parent.left
+                anchors.leftMargin: Theme.dp(10)
+                anchors.verticalCenter: parent.verticalCenter
+                color: root.enabled ? Theme.text3 : Theme.disabled
+                name: root.iconName
+                size: 16
+            }
+
+            LMPIconButton {
+                id: reveal
+
+                anchors.right: parent.right
+                anchors.rightMargin: Theme.space2
+                anchors.verticalCenter: parent.verticalCenter
+                checkable: true
+                iconName: reveal.checked ? "eye-off" : "eye"
+                iconSize: 16
+                implicitHeight: Theme.target
+                text: reveal.checked ? "隐藏输入的内容" : "显示输入的内容"
+                visible: root.secret
+            }
+
+            Loader {
+                id: textMenu
+            }
+        }
+
+        Row {
+            spacing: Theme.space4
+            visible: field.failed || root.helpText !== ""
+            width: parent.width
+
+            LMPIcon {
+                color: Theme.danger
+                name: field.failed ? "error" : ""
+                size: 14
+                visible: field.failed
+                y: Math.round((note.lineHeight - height) / 2)
+            }
+
+            LMPText {
+                id: note
+
+                Accessible.ignored: true
+                color: field.failed ? Theme.danger : Theme.text2
+                kind: LMPText.Caption
+                text: field.failed ? root.errorText : root.helpText
+                width: parent.width - (field.failed ? Theme.dp(18) : 0)
+            }
+        }
+    }
+}

@@ -1,0 +1,23 @@
+.pragma library
+
+// What an input method means to have for itself while a composition is open. Where it lets such a key through, the key
+// must do nothing: neither send, leave the field, close a sheet nor move the cursor out of the composition.
+function heldByComposition(key) {
+    switch (key) {
+    case Qt.Key_Return:
+    case Qt.Key_Enter:
+    case Qt.Key_Escape:
+    case Qt.Key_Tab:
+    case Qt.Key_Backtab:
+    case Qt.Key_Left:
+    case Qt.Key_Right:
+    case Qt.Key_Up:
+    case Qt.Key_Down:
+    case Qt.Key_PageUp:
+    case Qt.Key_PageDown:
+    case Qt.Key_Home:
+    case Qt.Key_End:
+        return true;
+    }
+    return false;
+}
