@@ -32,6 +32,8 @@ class ChatModel : public QObject {
     Q_PROPERTY(QString incognitoText READ incognitoText CONSTANT)
     /// The service's copy has moved on; `openServiceCopy` gives up the local one.
     Q_PROPERTY(bool conflicted READ conflicted NOTIFY conversationChanged)
+    /// What is open is with this machine alone, and nothing is under way that would change that.
+    Q_PROPERTY(bool localOnly READ localOnly NOTIFY conversationChanged)
     /// What became of the last save, while it is not with the service; `saveAgain` is the action.
     Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
     /// Why a link was not opened, until it is closed.
@@ -78,6 +80,7 @@ public:
     bool incognito() const { return m_session.incognito(); }
     QString incognitoText() const;
     bool conflicted() const { return m_session.conflicted(); }
+    bool localOnly() const { return m_session.unsaved() && !m_session.isSaving() && isIdle(); }
     const QString &notice() const { return m_notice; }
     const QString &linkNotice() const { return m_linkNotice; }
     bool sending() const { return m_view.sending(); }

@@ -23,7 +23,9 @@ ConversationListModel::ConversationListModel(Application &application, QObject *
 ConversationListModel::ConversationListModel(ChatServices services, QObject *parent)
     : QAbstractListModel(parent)
     , m_services(std::move(services))
-    , m_owner(owner()) {}
+    , m_owner(owner()) {
+    m_files.setMaxThreadCount(1);
+}
 
 ConversationListModel::~ConversationListModel() = default;
 
@@ -106,7 +108,8 @@ QCoro::Task<> ConversationListModel::readLocal() {
     const auto generation = m_generation;
     auto read =
         co_await PoolAwaiter([drafts = m_services.drafts, inputs = m_services.inputs,
-                              account = m_services.account.current()] { return Local::read(drafts, inputs, account); });
+                              account = m_services.account.current()] { return Local::read(drafts, inputs, account); },
+                             &m_files);
     if (!self || m_generation != generation)
         co_return;
     m_local = std::move(read);
@@ -139,18 +142,23 @@ void ConversationListModel::rebuild() {
     QHash<QString, ConversationRow> drafts;
     for (const ConversationRow &row : std::as_const(m_local.rows))
         drafts.insert(row.id, row);
+    // The chat knows better than the disk how what it has open stands.
+    const auto isDraft = [this](const QString &id, bool onDisk) {
+        return id == m_open.id ? m_open.draft : onDisk || m_local.unsent.contains(id);
+    };
     QList<ConversationRow> known;
     for (const auto &summary : std::as_const(m_summaries)) {
         const auto draft = drafts.take(summary.id);
         known.push_back({.id = summary.id,
                          .title = summary.title,
                          .at = std::max(draft.at, m_savedAt.value(summary.id)),
-                         .draft = draft.draft || m_local.unsent.contains(summary.id),
+                         .draft = isDraft(summary.id, draft.draft),
                          .localOnly = false});
     }
     // What the service does not know comes first, the newest in front.
     QList<ConversationRow> all;
-    for (const ConversationRow &row : std::as_const(m_local.rows)) {
+    for (ConversationRow row : std::as_const(m_local.rows)) {
+        row.draft = isDraft(row.id, true);
         if (drafts.contains(row.id))
             all.push_back(row);
     }
@@ -251,11 +259,18 @@ void ConversationListModel::follow(ChatModel *chat) {
 
 void ConversationListModel::onChatChanged() {
     const bool titled = m_chat->isOpen() && !m_chat->incognito() && m_chat->messages()->total() > 0;
-    const ConversationRow open{
-        .id = titled ? m_chat->conversationId() : QString(), .title = titled ? m_chat->title() : QString(), .at = {}};
-    select(m_chat->conversationId());
-    if (std::exchange(m_open, open) != open)
-        rebuild();
+    const QString id = m_chat->conversationId();
+    m_open = {.id = titled ? id : QString(),
+              .title = titled ? m_chat->title() : QString(),
+              .at = {},
+              .draft = titled && m_chat->localOnly(),
+              .localOnly = true};
+    const bool other = id != m_selectedId;
+    select(id);
+    rebuild();
+    // What was open before stands on disk as it was left.
+    if (other)
+        detach(readLocal(), "listing the drafts");
 }
 
 void ConversationListModel::recheckAccount() {

@@ -8,6 +8,7 @@
 #include <QAbstractListModel>
 #include <QPointer>
 #include <QSet>
+#include <QThreadPool>
 #include <QtQmlIntegration>
 
 namespace lmp {
@@ -117,6 +118,7 @@ private:
     bool m_again = false;
     bool m_loaded = false; ///< the service has answered once
     QPointer<ChatModel> m_chat;
+    QThreadPool m_files; ///< of one thread, so that what was read last is what is newest
 };
 
 } // namespace lmp

@@ -4,12 +4,12 @@ import QtQuick
 Item {
     id: root
 
-    required property ChatModel chat
     required property int index
     required property string messageId
     required property string role
     required property string text
     required property string timeText
+    required property int state
     required property string stateText
     required property string errorText
     required property bool retryOffered
@@ -22,13 +22,13 @@ Item {
     required property string chargeText
     required property bool grouped
 
+    readonly property TranscriptColumn column: root.parent as TranscriptColumn
+    readonly property ChatModel chat: root.column ? root.column.chat : null
     readonly property bool own: root.role === "user"
-    /// Whether any of it is in sight, whether the focus is somewhere in it, whether it is the last.
+    readonly property bool last: root.column !== null && root.index === root.column.count - 1
+    readonly property bool focused: root.column !== null && root.column.focusedRow === root
+    /// Whether any of it is in sight.
     property bool seen: false
-    property bool focused: false
-    property bool last: false
-
-    signal editRequested
 
     /// What a listener hears: who speaks, what, and what became of it. The rest of a long text is read in the text itself.
     function spoken(): string {

@@ -279,9 +279,8 @@ QString MessageListModel::growingText() const {
 }
 
 QObject *MessageListModel::blocksOf(const MessageRow &row) const {
-    auto blocks = m_blocks.constFind(row.id);
-    if (blocks != m_blocks.constEnd())
-        return *blocks;
+    if (auto *blocks = m_blocks.value(row.id))
+        return blocks;
     const QString text = row.growing ? growingText() : row.text;
     if (row.growing)
         m_fed = text.size();
@@ -331,11 +330,17 @@ void MessageListModel::flush() {
     if (auto *blocks = m_blocks.value(m_growingId)) {
         const QString piece = reply->text.sliced(m_fed);
         m_fed = reply->text.size();
-        ReplyBlocks::append(blocks, piece);
+        if (!piece.isEmpty())
+            ReplyBlocks::append(blocks, piece);
     } else {
         Q_EMIT dataChanged(index(row), index(row), {TextRole});
     }
     Q_EMIT grew();
+}
+
+QObject *MessageListModel::blocksFor(const QString &messageId) {
+    const int row = rowOf(messageId);
+    return row >= 0 && m_rows.at(row).isTwin ? blocksOf(m_rows.at(row)) : nullptr;
 }
 
 // What this window knows beyond the conversation

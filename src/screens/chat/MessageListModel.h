@@ -76,6 +76,9 @@ public:
     /// What the `blocks` role holds, for a view that makes them only where somebody looks.
     Q_INVOKABLE QObject *blocksFor(const QString &messageId) const;
 
+    /// The blocks of a reply, made when they are first asked for; null for any other message.
+    Q_INVOKABLE QObject *blocksFor(const QString &messageId);
+
     // What this window knows beyond the conversation itself; all of it ends with the conversation.
     void setError(const QString &messageId, const QString &text);
     void setCharge(const QString &messageId, const QString &text);

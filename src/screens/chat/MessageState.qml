@@ -23,7 +23,7 @@ Column {
 
     LMPText {
         Accessible.ignored: true
-        color: root.row.troubled ? Theme.warning : Theme.text3
+        color: root.row.state === MessageListModel.Unknown || root.row.state === MessageListModel.Failed ? Theme.warning : Theme.text3
         horizontalAlignment: root.atRight ? Text.AlignRight : Text.AlignLeft
         kind: LMPText.Caption
         text: root.line()

@@ -38,6 +38,6 @@ Row {
         text: "改一改再发"
         visible: root.row.retryOffered && !root.row.retryBusy
 
-        onClicked: root.row.editRequested()
+        onClicked: root.row.column.editRequested(root.row.messageId)
     }
 }

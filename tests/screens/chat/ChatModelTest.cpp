@@ -1,0 +1,346 @@
+#include "conversation/ConversationTexts.h"
+
+#include "ChatModelFixture.h"
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using State = MessageListModel::State;
+
+class ChatModelTest : public ChatModelFixture {};
+
+TEST_F(ChatModelTest, EachEndOfATurnIsToldAtItsMessage) {
+    const auto refusal = [](int status, QByteArray body = "{}") {
+        return StubServer::reply(status, std::move(body));
+    };
+    const auto broken = [](const auto &, QTcpSocket &socket) {
+        socket.write("HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + frames({delta("一半")}));
+        socket.disconnectFromHost();
+    };
+    struct Case {
+        const char *name;
+        StubServer::Handler handler;
+        State state;
+        QString stateText;
+        int rows;
+        QString error;  ///< in the last row
+        QString charge; ///< in the last row
+    };
+    const auto unknown = ConversationTexts::unknownMessage();
+    for (const Case &c : std::initializer_list<Case>{
+             {"done", StubServer::events(frames({delta("好"), done})), State::Delivered, {}, 2, {}, u"3 Pip"_s},
+             {"empty",
+              StubServer::events(frames({done})),
+              State::Delivered,
+              {},
+              1,
+              ConversationTexts::chargedEmpty(),
+              u"3 Pip"_s},
+             {"no done", StubServer::events(frames({delta("好")})), State::Unknown, unknown, 2,
+              ConversationTexts::endedEarly(), u"—"_s},
+             {"nothing", StubServer::events({}), State::Unknown, unknown, 1, ConversationTexts::endedEarly(), u"—"_s},
+             {"broken", broken, State::Unknown, unknown, 2, ConversationTexts::interrupted(), u"—"_s},
+             {"refused", refusal(402), State::Failed, u"未送达"_s, 1, ConversationTexts::refused(), {}},
+             {"off",
+              refusal(503, R"({"error":"relay_unconfigured"})"),
+              State::Failed,
+              u"未送达"_s,
+              1,
+              ConversationTexts::relayUnconfigured(),
+              {}},
+             {"no route at all", refusal(404), State::Unknown, unknown, 1, ConversationTexts::plainUnconfirmed(),
+              u"—"_s},
+         }) {
+        SCOPED_TRACE(c.name);
+        chat->begin(true);
+        chat->begin(false);
+        server.on(stream, c.handler);
+        turn(u"在吗"_s);
+        ASSERT_EQ(chat->messages()->rowCount(), c.rows);
+        EXPECT_EQ(state(0), c.state);
+        EXPECT_EQ(text(0, "stateText"), c.stateText);
+        EXPECT_EQ(text(-1, "errorText"), c.error);
+        EXPECT_EQ(text(-1, "chargeText"), c.charge);
+        EXPECT_EQ(chat->errorText(), c.error) << "also under the input";
+        EXPECT_EQ(text(0, "retryText"), c.state == State::Failed ? ConversationTexts::failedMessage() : QString());
+        if (c.rows == 2) {
+            EXPECT_EQ(shown(1, "retryOffered").toBool(), c.state == State::Delivered)
+                << "no other answer while it is open whether the first was charged";
+            EXPECT_FALSE(shown(1, "streaming").toBool());
+            EXPECT_TRUE(text(0, "errorText").isEmpty());
+        }
+        EXPECT_TRUE(chat->input().isEmpty());
+        EXPECT_TRUE(chat->isIdle());
+    }
+    EXPECT_EQ(chat->balanceText(), u"97 Pip"_s);
+    EXPECT_EQ(chat->lastChargeText(), u"—"_s) << "the last turn's";
+}
+
+TEST_F(ChatModelTest, StoppingKeepsWhatCameAndTheNextCanBeSentAtOnce) {
+    chat->begin();
+    holdStream();
+    chat->setInput(u"在吗"_s);
+    ASSERT_TRUE(chat->send());
+    say({delta("一"), delta("半")});
+    ASSERT_TRUE(eventually([this] { return chat->messages()->rowCount() == 2; }));
+    EXPECT_EQ(text(0, "stateText"), ConversationTexts::awaitingReply());
+    EXPECT_TRUE(shown(1, "streaming").toBool());
+
+    chat->setInput(u"还有"_s);
+    EXPECT_FALSE(chat->send());
+    EXPECT_EQ(chat->inputHeldReason(), ConversationTexts::heldByReply());
+    EXPECT_EQ(chat->input(), u"还有"_s);
+
+    ASSERT_TRUE(eventually([this] { return text(1) == u"一半"_s; }));
+    chat->stop();
+    EXPECT_EQ(state(1), State::Stopped);
+    EXPECT_EQ(text(1), u"一半"_s);
+    EXPECT_EQ(state(0), State::Unknown);
+    EXPECT_EQ(chat->errorText(), ConversationTexts::stopped());
+    answer({delta("好"), done});
+    ASSERT_TRUE(chat->send());
+    EXPECT_TRUE(chat->inputHeldReason().isEmpty());
+    EXPECT_TRUE(eventually([this] { return chat->isIdle(); }));
+    EXPECT_EQ(chat->messages()->rowCount(), 4);
+}
+
+TEST_F(ChatModelTest, WhatIsTypedStaysWithItsConversation) {
+    load(u"a"_s);
+    chat->setInput(u"给 a"_s);
+    load(u"b"_s);
+    EXPECT_EQ(chat->input(), QString());
+    chat->setInput(u"给 b"_s);
+    server.on("/api/app/conversation?id=c", StubServer::reply(500, R"({"reason":"稍后"})"));
+    load(u"c"_s);
+    EXPECT_EQ(chat->loadError(), u"稍后"_s);
+    EXPECT_FALSE(chat->isOpen());
+    chat->setInput(u"给 c"_s);
+    EXPECT_FALSE(chat->send());
+    EXPECT_EQ(chat->inputHeldReason(), ConversationTexts::nothingOpen());
+    chat->begin();
+    EXPECT_EQ(chat->input(), QString()) << "what was typed for one that could not be opened is not a fresh one's";
+    chat->setInput(u"新的"_s);
+    chat->begin(true);
+    EXPECT_EQ(chat->input(), QString());
+    chat->setInput(u"无痕"_s);
+    EXPECT_TRUE(await(chat->preserve()));
+    EXPECT_TRUE(chat->localInputSaved()) << "of an incognito conversation nothing is to be kept";
+    server.on("/api/app/conversation?id=c", StubServer::reply(200, conversation("c", message("c1"))));
+
+    // After a restart.
+    chat.reset();
+    open();
+    for (const auto &[id, typed] : std::initializer_list<std::pair<QString, QString>>{
+             {u"b"_s, u"给 b"_s}, {u"c"_s, u"给 c"_s}, {u"a"_s, u"给 a"_s}}) {
+        load(id);
+        EXPECT_EQ(chat->input(), typed);
+    }
+    chat->begin();
+    EXPECT_EQ(chat->input(), u"新的"_s);
+    ASSERT_TRUE(chat->send());
+    EXPECT_TRUE(eventually([this] { return chat->isIdle(); }));
+    settleFiles();
+    chat.reset();
+    open();
+    chat->begin();
+    EXPECT_EQ(chat->input(), QString()) << "what was sent does not come back";
+}
+
+TEST_F(ChatModelTest, WhatAnotherWindowHasOpenIsNotLeftBehind) {
+    chat->begin();
+    chat->setInput(u"这个窗口"_s);
+    EXPECT_TRUE(await(chat->preserve()));
+    ChatModel other(services());
+    await(other.preserve());
+    settle();
+    other.begin();
+    EXPECT_EQ(other.input(), QString());
+}
+
+TEST_F(ChatModelTest, QuittingIsHeldUpByADiskThatRefuses) {
+    ASSERT_TRUE(QFile(folder.filePath(u"UnsentInput"_s)).open(QIODevice::WriteOnly));
+    ASSERT_TRUE(QFile(folder.filePath(u"ConversationDrafts"_s)).open(QIODevice::WriteOnly));
+    load(u"a"_s);
+    EXPECT_TRUE(await(chat->preserve())) << "nothing to lose";
+    chat->setInput(u"没发出"_s);
+    EXPECT_FALSE(await(chat->preserve()));
+    EXPECT_FALSE(chat->localInputSaved());
+    chat->setInput({});
+    holdStream();
+    chat->setInput(u"在吗"_s);
+    ASSERT_TRUE(chat->send());
+    EXPECT_FALSE(await(chat->preserve())) << "a turn under way";
+    ASSERT_TRUE(QFile::remove(folder.filePath(u"UnsentInput"_s)));
+    ASSERT_TRUE(QFile::remove(folder.filePath(u"ConversationDrafts"_s)));
+    EXPECT_TRUE(await(chat->preserve()));
+    EXPECT_TRUE(chat->sending()) << "the person may yet stay";
+}
+
+TEST_F(ChatModelTest, SwitchingInMidStreamWritesNothingIntoEither) {
+    load(u"a"_s);
+    holdStream();
+    chat->setInput(u"在吗"_s);
+    ASSERT_TRUE(chat->send());
+    say({delta("一半")});
+    ASSERT_TRUE(eventually([this] { return chat->messages()->rowCount() == 3; }));
+    load(u"b"_s);
+    EXPECT_TRUE(chat->isIdle());
+    if (held)
+        held->write(frames({delta("后"), done}));
+    settle();
+    EXPECT_EQ(chat->messages()->rowCount(), 1);
+    EXPECT_EQ(text(0), u"b1"_s);
+    EXPECT_EQ(chat->errorText(), QString());
+
+    // What this machine kept of it, with an outcome that can no longer be learned.
+    load(u"a"_s);
+    ASSERT_EQ(chat->messages()->rowCount(), 3);
+    EXPECT_EQ(state(1), State::Unknown);
+    EXPECT_EQ(text(2), u"一半"_s);
+}
+
+TEST_F(ChatModelTest, AnotherAccountSeesNothingOfTheFirst) {
+    load(u"a"_s);
+    turn(u"在吗"_s);
+    chat->openUsed(text(-1, "messageId"));
+    chat->setInput(u"秘密"_s);
+    chat->load(u"b"_s);
+    become(u"u2"_s);
+    EXPECT_TRUE(eventually([this] { return !chat->loading(); }));
+    settle();
+    EXPECT_FALSE(chat->isOpen()) << "also what was being opened";
+    EXPECT_EQ(chat->messages()->rowCount(), 0);
+    EXPECT_EQ(chat->input() + chat->title() + chat->conversationId() + chat->errorText() + chat->notice(), QString());
+    EXPECT_EQ(chat->balanceText(), u"—"_s);
+    load(u"a"_s);
+    EXPECT_EQ(chat->input(), QString());
+    become(u"u1"_s);
+    load(u"a"_s);
+    EXPECT_TRUE(eventually([this] { return chat->input() == u"秘密"_s; }));
+
+    // In the middle of a turn.
+    holdStream();
+    ASSERT_TRUE(chat->send());
+    say({delta("一半")});
+    ASSERT_TRUE(eventually([this] { return text(-1, "role") == u"twin"_s; }));
+    become({});
+    EXPECT_TRUE(chat->isIdle());
+    EXPECT_EQ(chat->messages()->rowCount(), 0);
+}
+
+TEST_F(ChatModelTest, AnotherAnswerToAReply) {
+    server.on("/api/app/conversation?id=a",
+              StubServer::reply(200, conversation("a", message("m1") + "," + reply("r1", "m1"))));
+    load(u"a"_s);
+    EXPECT_EQ(text(1, "retryText"), ConversationTexts::retryOffer());
+    QTcpSocket *asked = nullptr;
+    server.on("/api/app/conversation/retry", [&](const auto &, QTcpSocket &socket) { asked = &socket; });
+    ASSERT_TRUE(chat->retryReply(u"r1"_s));
+    EXPECT_TRUE(shown(1, "retryBusy").toBool());
+    EXPECT_EQ(text(1, "retryText"), ConversationTexts::retryRunning());
+    chat->setInput(u"等等"_s);
+    EXPECT_FALSE(chat->send());
+    EXPECT_EQ(chat->input(), u"等等"_s);
+    ASSERT_TRUE(eventually([&] { return asked; }));
+    asked->write(StubServer::message(500, "{}"));
+    ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
+    EXPECT_FALSE(shown(1, "retryBusy").toBool());
+    EXPECT_EQ(text(1, "errorText"), ConversationTexts::retryUnconfirmed());
+
+    server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r2","text":"新"})"));
+    ASSERT_TRUE(chat->retryReply(u"r1"_s));
+    EXPECT_EQ(text(1, "errorText"), QString());
+    ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
+    EXPECT_EQ(text(2), u"新"_s);
+    EXPECT_EQ(chat->input(), u"等等"_s);
+}
+
+TEST_F(ChatModelTest, AFailedMessageIsTriedAgainEdited) {
+    server.on("/api/app/conversation?id=a", StubServer::reply(200, conversation("a", message("m1", "failed"))));
+    load(u"a"_s);
+    chat->setInput(u"别的"_s);
+    EXPECT_FALSE(chat->restoreMessage(u"m1"_s));
+    EXPECT_FALSE(chat->retryMessage(u"m1"_s, u"改过"_s));
+    EXPECT_EQ(text(0, "errorText"), ConversationTexts::inputBoxOccupied());
+    EXPECT_EQ(chat->input(), u"别的"_s);
+    chat->setInput({});
+    ASSERT_TRUE(chat->restoreMessage(u"m1"_s));
+    EXPECT_EQ(chat->input(), u"m1"_s);
+    EXPECT_EQ(text(0, "errorText"), QString());
+
+    chat->setInput(u"改过"_s);
+    server.on("/api/app/conversation/retry", StubServer::reply(500, "{}"));
+    ASSERT_TRUE(chat->send());
+    ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
+    EXPECT_EQ(text(0, "errorText"), ConversationTexts::retryUnconfirmed());
+    EXPECT_EQ(chat->input(), u"改过"_s) << "a failed retry costs nothing that was typed";
+    EXPECT_EQ(chat->retryTarget(), u"m1"_s);
+
+    server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r1","text":"新"})"));
+    ASSERT_TRUE(chat->send());
+    ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
+    EXPECT_EQ(text(0), u"改过"_s);
+    EXPECT_EQ(state(0), State::Delivered);
+    EXPECT_EQ(text(1), u"新"_s);
+    EXPECT_EQ(chat->input() + chat->retryTarget(), QString());
+}
+
+TEST_F(ChatModelTest, WhatBecameOfASaveStaysInSight) {
+    load(u"a"_s);
+    server.on(sync, StubServer::reply(500, "{}"));
+    turn(u"在吗"_s);
+    EXPECT_EQ(chat->notice(), ConversationTexts::notSynchronised());
+    EXPECT_TRUE(chat->localOnly());
+    EXPECT_FALSE(chat->retryReply(text(-1, "messageId")));
+    EXPECT_EQ(text(-1, "errorText"), ConversationTexts::retryNeedsSave());
+    server.on(sync, StubServer::reply(409, "{}"));
+    chat->saveAgain();
+    EXPECT_TRUE(eventually([this] { return chat->notice() == ConversationTexts::conflict(); }));
+    EXPECT_TRUE(chat->conflicted());
+    chat->openServiceCopy();
+    EXPECT_TRUE(eventually([this] { return !chat->loading(); }));
+    EXPECT_FALSE(chat->conflicted());
+    EXPECT_EQ(chat->notice(), QString());
+    EXPECT_EQ(chat->messages()->rowCount(), 1);
+}
+
+TEST_F(ChatModelTest, MemoriesAndFeedback) {
+    QAbstractItemModelTester used(chat->usedMemories(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    chat->begin();
+    answer(
+        {R"({"delta":"a","usedMemories":[{"content":"怕冷","truth":"pref"},{"content":"x","truth":"newer"}]})", done});
+    turn(u"在吗"_s);
+    EXPECT_EQ(text(1, "usedText"), ConversationTexts::usedMemories(2));
+    chat->openUsed(text(1, "messageId"));
+    ASSERT_TRUE(chat->usedOpen());
+    const auto *memories = chat->usedMemories();
+    EXPECT_EQ(memories->note(), ConversationTexts::usedMemoriesNote(2));
+    EXPECT_EQ(memories->data(memories->index(0), UsedMemoryModel::TruthTextRole), u"偏好"_s);
+    EXPECT_EQ(memories->data(memories->index(1), UsedMemoryModel::TruthTextRole), u"newer"_s);
+
+    EXPECT_EQ(chat->feedbackReasons().size(), chat->feedbackReasonTexts().size());
+    server.on("/api/app/feedback", StubServer::reply(200, "{}"));
+    chat->like(text(1, "messageId"));
+    EXPECT_EQ(text(1, "feedback"), u"positive"_s);
+    server.on("/api/app/feedback", StubServer::reply(500, "{}"));
+    chat->dislike(text(1, "messageId"), u"too_long"_s);
+    EXPECT_EQ(text(1, "feedback"), u"negative"_s);
+    EXPECT_TRUE(eventually([this] { return text(1, "feedback").isEmpty(); })) << "it did not arrive";
+    EXPECT_EQ(chat->errorText(), ConversationTexts::feedbackNotSent());
+}
+
+TEST_F(ChatModelTest, LinksThatAreNotOpened) {
+    for (const char *link :
+         {"file:///etc/passwd", "javascript:alert(1)", "https:///x", "tel:110", "lumenpair://x", ""}) {
+        EXPECT_FALSE(chat->openLink(QUrl(QString::fromLatin1(link)))) << link;
+        EXPECT_FALSE(chat->linkNotice().isEmpty());
+    }
+    EXPECT_TRUE(opener.opened.isEmpty());
+    EXPECT_TRUE(chat->openLink(QUrl(u"HTTPS://example.invalid/a"_s)));
+    EXPECT_EQ(chat->linkNotice(), QString());
+    opener.works = false;
+    EXPECT_FALSE(chat->openLink(QUrl(u"https://example.invalid/a"_s)));
+    EXPECT_TRUE(chat->linkNotice().contains(u"example.invalid"_s));
+}
+
+} // namespace lmp

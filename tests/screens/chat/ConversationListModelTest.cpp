@@ -1,0 +1,176 @@
+#include "screens/chat/ConversationListModel.h"
+#include "screens/chat/ChatDateText.h"
+
+#include "conversation/ConversationTexts.h"
+
+#include "ChatModelFixture.h"
+
+#include <QFile>
+#include <QTimeZone>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+class ConversationListModelTest : public ChatModelFixture {
+protected:
+    ConversationListModelTest() { serve({"a", "b", "c"}); }
+
+    /// The service's list, latest first; the title of each is "关于" and its id.
+    void serve(const QList<QByteArray> &ids) {
+        QByteArray all;
+        for (const QByteArray &id : ids)
+            all += (all.isEmpty() ? "" : ",") + (R"({"id":")" + id + R"(","title":"关于)" + id + "\"}");
+        server.on("/api/app/conversations", StubServer::reply(200, R"({"conversations":[)" + all + "]}"));
+    }
+    void refresh() {
+        list.refresh();
+        EXPECT_TRUE(eventually([this] { return !list.loading(); }));
+    }
+    QVariant shownIn(int row, const char *role) { return list.data(list.index(row), list.roleNames().key(role)); }
+    /// Ids, with what stands out of each.
+    QString rows() {
+        QString all;
+        for (int row = 0; row < list.rowCount(); ++row) {
+            all += shownIn(row, "conversationId").toString();
+            all += shownIn(row, "draft").toBool() ? u"!"_s : QString();
+            all += shownIn(row, "selected").toBool() ? u"*"_s : QString();
+        }
+        return all;
+    }
+
+    ConversationListModel list{services()};
+    QAbstractItemModelTester listTester{&list, QAbstractItemModelTester::FailureReportingMode::Fatal};
+};
+
+TEST_F(ConversationListModelTest, ARefreshMovesRowsAndAFailedOneKeepsThem) {
+    EXPECT_FALSE(list.empty()) << "not known yet";
+    refresh();
+    EXPECT_EQ(rows(), u"abc"_s);
+    QSignalSpy reset(&list, &QAbstractItemModel::modelReset);
+    list.select(u"c"_s);
+    serve({"c", "d", "b"});
+    refresh();
+    EXPECT_EQ(rows(), u"c*db"_s);
+    EXPECT_EQ(reset.size(), 0) << "a list that is scrolled stays where it is";
+    EXPECT_EQ(list.neighbour(1), u"d"_s);
+    EXPECT_EQ(list.neighbour(-1), QString());
+
+    server.on("/api/app/conversations", StubServer::reply(500, R"({"reason":"稍后"})"));
+    refresh();
+    EXPECT_EQ(rows(), u"c*db"_s);
+    EXPECT_EQ(list.errorText(), u"稍后"_s);
+    serve({});
+    refresh();
+    EXPECT_EQ(list.errorText(), QString());
+    EXPECT_TRUE(list.empty());
+}
+
+TEST_F(ConversationListModelTest, FindingByOneCharacter) {
+    server.on("/api/app/conversations", StubServer::reply(200, R"({"conversations":[
+        {"id":"a","title":"雨夜的咖啡"},{"id":"b","title":"Coffee"},{"id":"c","title":""}]})"));
+    refresh();
+    for (const auto &[wanted, found] : std::initializer_list<std::pair<QString, QString>>{{u"雨"_s, u"a"_s},
+                                                                                          {u"咖啡"_s, u"a"_s},
+                                                                                          {u" coffee "_s, u"b"_s},
+                                                                                          {u"晴"_s, {}},
+                                                                                          {u"e"_s, u"b"_s},
+                                                                                          {{}, u"abc"_s}}) {
+        list.find(wanted);
+        EXPECT_EQ(rows(), found) << wanted.toStdString();
+        EXPECT_EQ(list.noneFound(), found.isEmpty());
+    }
+    EXPECT_EQ(shownIn(2, "title"), u"新对话"_s);
+}
+
+TEST_F(ConversationListModelTest, WhatThisMachineAloneHolds) {
+    list.follow(chat.get());
+    refresh();
+    load(u"a"_s);
+    chat->setInput(u"没发"_s);
+    EXPECT_EQ(rows(), u"a*bc"_s) << "what is being typed is no draft";
+    load(u"b"_s);
+    EXPECT_TRUE(eventually([this] { return rows() == u"a!b*c"_s; }));
+    server.on(sync, StubServer::reply(500, "{}"));
+    turn(u"在吗"_s);
+    EXPECT_TRUE(eventually([this] { return rows() == u"a!b!*c"_s; }));
+
+    // One that the service never had, while it streams and when it could not be saved.
+    chat->begin();
+    holdStream();
+    chat->setInput(u"新的话"_s);
+    ASSERT_TRUE(chat->send());
+    EXPECT_EQ(list.rowCount(), 4);
+    EXPECT_EQ(shownIn(0, "title"), u"新的话"_s);
+    EXPECT_FALSE(shownIn(0, "draft").toBool());
+    say({delta("好"), done});
+    EXPECT_TRUE(eventually([this] { return shownIn(0, "draft").toBool(); }));
+    load(u"c"_s);
+    settle();
+    refresh();
+    EXPECT_EQ(list.rowCount(), 4);
+    EXPECT_EQ(shownIn(0, "title"), u"新的话"_s);
+    EXPECT_EQ(shownIn(0, "timeText"), u"刚刚"_s);
+
+    QFile damaged(folder.filePath(u"UnsentInput/v1/x.json"_s));
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
+    damaged.write("{");
+    damaged.close();
+    refresh();
+    EXPECT_EQ(list.notice(), ConversationTexts::draftsKeptUnread(1));
+}
+
+TEST_F(ConversationListModelTest, AnotherAccountSeesNothingOfTheFirst) {
+    QTcpSocket *asked = nullptr;
+    refresh();
+    server.on("/api/app/conversations", [&](const auto &, QTcpSocket &socket) { asked = &socket; });
+    list.refresh();
+    ASSERT_TRUE(eventually([&] { return asked; }));
+    become(u"u2"_s);
+    list.recheckAccount();
+    EXPECT_EQ(list.rowCount(), 0);
+    EXPECT_FALSE(list.loading());
+    asked->write(StubServer::message(200, R"({"conversations":[{"id":"a","title":"x"}]})"));
+    settle();
+    serve({"z"});
+    refresh();
+    EXPECT_EQ(rows(), u"z"_s);
+}
+
+TEST(ChatDateTextTest, TimesAsAListTellsThem) {
+    const QTimeZone zone(8 * 3600);
+    const QDateTime now(QDate(2026, 3, 1), QTime(0, 30), zone);
+    for (const auto &[then, text] : std::initializer_list<std::pair<QDateTime, QString>>{
+             {now.addSecs(-59), u"刚刚"_s},
+             {now.addSecs(-60), u"今天 00:29"_s},
+             {now.addSecs(3600), u"今天 01:30"_s},
+             {now.addSecs(-3600).toUTC(), u"昨天 23:30"_s},
+             {now.addDays(-2), u"2月27日"_s},
+             {QDateTime(QDate(2025, 12, 31), QTime(23, 59), zone), u"2025年12月31日"_s},
+             {QDateTime(), QString()},
+         })
+        EXPECT_EQ(ChatDateText::of(then, now), text);
+}
+
+TEST_F(ChatModelFixture, AFileThatIsNoInputIsLeftAlone) {
+    const ComposerInputFile files(support);
+    ComposerInputFile::Entry entry;
+    entry.id = u"a"_s;
+    entry.input.text = u"x"_s;
+    ASSERT_TRUE(files.save(user, entry));
+    const QDir kept(folder.filePath(u"UnsentInput/v1"_s));
+    const QString path = kept.filePath(kept.entryList(QDir::Files).value(0));
+    EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    EXPECT_EQ(files.list(user)->entries, QList{entry});
+    EXPECT_TRUE(files.list(u"u2"_s)->entries.isEmpty());
+    EXPECT_FALSE(files.save(std::nullopt, entry));
+    QFile damaged(path);
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
+    damaged.write("{");
+    damaged.close();
+    EXPECT_FALSE(files.save(user, entry));
+    EXPECT_EQ(files.list(user)->unreadable, 1);
+    EXPECT_EQ(damaged.size(), 1);
+}
+
+} // namespace lmp
