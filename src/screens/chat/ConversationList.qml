@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The conversations under the tab "now": find one, open one, begin one.

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// Asks what was wrong with a reply. Nothing is sent before a reason is chosen.

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 
 /// One message as its row knows it: what the model says of it, and how the transcript stands to it.
 Item {

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The line under a message: when, what it cost, what became of it, and what went wrong with it.

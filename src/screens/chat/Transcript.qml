@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import QtQuick.Window
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The messages of the open conversation, and where in them one reads.

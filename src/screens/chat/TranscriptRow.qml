@@ -19,7 +19,8 @@ MessageItem {
         return Theme.dp(80) + Theme.dp(25) * Math.ceil(root.text.length / letters);
     }
     function tellStreaming(): void {
-        root.column.streamingChanged(root, root.streaming, root.streaming ? "" : root.spoken());
+        if (root.column)
+            root.column.streamingChanged(root, root.streaming, root.streaming ? "" : root.spoken());
     }
 
     height: root.content ? Math.ceil(root.content.implicitHeight) : root.guess()
