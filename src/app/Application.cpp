@@ -34,7 +34,7 @@ QCoro::Task<std::expected<void, QString>> Application::open() {
         co_return std::unexpected(QString());
     if (!root)
         co_return std::unexpected(root.error());
-    m_site = Site::at(*root);
+    m_site = Site::at(*root, m_options.downloads);
     if (!m_site.api.isValid())
         co_return std::unexpected(APIError::unusableURL().reason + u"："_s + *root);
     makeStores();
@@ -59,6 +59,7 @@ QCoro::Task<std::expected<QString, QString>> Application::findService() {
 void Application::makeStores() {
     m_keychain = std::make_unique<SystemKeychain>();
     m_auth = std::make_unique<AuthStore>(m_site.api, *m_keychain, m_clock, keychainSuffix());
+    m_capabilities = std::make_unique<CapabilityStore>(m_auth->api());
     if (m_options.withoutTrace) {
         m_auth->startSignedOut();
         return;

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "app/LocalInputRegistry.h"
 #include "app/SandboxProcess.h"
 #include "conversation/ChatWithTwinView.h"
 #include "core/AuthStore.h"
+#include "core/CapabilityStore.h"
 #include "core/LoginModel.h"
 #include "core/SSEClient.h"
 #include "core/Site.h"
@@ -30,6 +32,7 @@ class Application : public QObject {
 public:
     struct Options {
         QString site;                 ///< root of the service; empty is the sandbox that comes with the program
+        QString downloads = {};       ///< where the service's builds lie; empty is below its root
         QString profile;              ///< empty is the person's own
         std::optional<QString> token; ///< a session token given from outside
         QString viewport;             ///< what the person looks at, for telemetry
@@ -55,10 +58,17 @@ public:
     APIClient api() const { return m_auth->api(); }
     SSEClient events() const { return SSEClient(m_site.api, m_auth->tokenProvider()); }
     SafetyGateStore &safety() { return m_safety; }
+    /// Empty until somebody refreshes it; a window does at its start, the terminal has no use for it.
+    CapabilityStore &capabilities() { return *m_capabilities; }
+    /// Null in a run without trace, as is `telemetry`.
+    Settings *settings() { return m_settings.get(); }
+    Telemetry *telemetry() { return m_telemetry.get(); }
+    ExternalOpener &opener() { return m_opener; }
     Clock &clock() { return m_clock; }
+    /// Where whoever holds something typed adds how to save it, for a quit.
+    LocalInputRegistry &localInput() { return m_localInput; }
     /// Where this profile's files live.
     const ApplicationSupport &support() const { return m_support; }
-    ExternalOpener &opener() { return m_opener; }
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
@@ -89,6 +99,8 @@ private:
     std::unique_ptr<Keychain> m_keychain;
     std::unique_ptr<AuthStore> m_auth;
     std::unique_ptr<Telemetry> m_telemetry;
+    std::unique_ptr<CapabilityStore> m_capabilities;
+    LocalInputRegistry m_localInput;
     SafetyGateStore m_safety;
     SystemOpener m_opener;
     WebAuthPresenter m_webAuth;

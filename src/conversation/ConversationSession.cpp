@@ -156,6 +156,7 @@ QCoro::Task<bool> ConversationSession::preserve() {
         co_return true;
     const auto entry = ConversationDraftCache::entry(*m_conversation, m_clock.now());
     m_draftWriteId = entry.writeId;
+    // Behind what is being written already, so that the newest is what remains.
     co_return co_await PoolAwaiter(
         [drafts = m_drafts, user = m_userId, entry] { return drafts.save(user, entry).has_value(); }, &m_files);
 }

@@ -80,7 +80,8 @@ public:
     /// Keeps what there is now in the draft cache without waiting, so that a crash in the middle of a turn costs no
     /// input. Incognito: nothing.
     void keep();
-    /// The same, and waits for it. @return false when it is not on the disk
+    /// The same, waiting for the disk; for a program that is about to end.
+    /// @return false when what is unsaved could not be kept, and would be lost
     QCoro::Task<bool> preserve();
     /// Sends the conversation to the service, after the save under way if there is one. `saveEnded` follows once, when
     /// nothing more is to be saved, always through the event loop; it does not when another conversation is opened

@@ -188,8 +188,9 @@ bool HTTPExchange::redirect(int status) {
         return false;
     const QByteArray location = m_reply->rawHeader("Location");
     const QUrl target = m_request.url.resolved(QUrl::fromEncoded(location, QUrl::StrictMode));
-    const bool downgrade = m_request.url.scheme() == "https"_L1 && target.scheme() != "https"_L1;
-    const bool followed = !location.isEmpty() && target.isValid() && !target.host().isEmpty() && !downgrade &&
+    const bool secureOnly = m_request.url.scheme() == "https"_L1 || m_request.redirects == Redirects::Secure;
+    const bool followed = !location.isEmpty() && target.isValid() && !target.host().isEmpty() &&
+                          (!secureOnly || target.scheme() == "https"_L1) &&
                           (target.scheme() == "http"_L1 || target.scheme() == "https"_L1);
     if (!followed)
         return false;

@@ -26,11 +26,17 @@ public:
         QByteArray value;
         bool secret = false; ///< left behind when a redirect leads to another origin
     };
+    /// Where a redirect may lead. One that is not followed is the answer. From https to http none ever is.
+    enum class Redirects {
+        Follow,
+        Secure, ///< to https alone, also from http
+    };
     struct Request {
         QByteArray method;
         QUrl url;
         std::vector<Header> headers;
         std::optional<QByteArray> body;
+        Redirects redirects = Redirects::Follow;
     };
     enum class End {
         Complete, ///< the whole answer is there

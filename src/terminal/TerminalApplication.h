@@ -1,11 +1,11 @@
 #pragma once
 
 #include "app/Application.h"
+#include "platform/SignalWatcher.h"
 #include "terminal/ChatCommand.h"
 #include "terminal/CommandLine.h"
 #include "terminal/Console.h"
 #include "terminal/SignInCommand.h"
-#include "terminal/SignalWatcher.h"
 #include "terminal/StandardInput.h"
 
 #include <memory>

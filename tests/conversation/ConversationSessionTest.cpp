@@ -191,6 +191,28 @@ TEST_F(ConversationSessionTest, NoPromiseThatIsNotKept) {
     EXPECT_EQ(save().where, Where::Lost) << "nobody to keep it for";
 }
 
+TEST_F(ConversationSessionTest, WhatIsUnsavedIsKeptBeforeAnEnd) {
+    EXPECT_TRUE(await(session.preserve())) << "nothing is open";
+    session.begin({}, true);
+    say(u"1"_s);
+    EXPECT_TRUE(await(session.preserve()));
+    EXPECT_TRUE(draftFiles().isEmpty()) << "incognito";
+    session.begin();
+    EXPECT_TRUE(await(session.preserve()));
+    EXPECT_TRUE(draftFiles().isEmpty()) << "nothing was said";
+    say(u"1"_s);
+    session.keep();
+    say(u"2"_s);
+    EXPECT_TRUE(await(session.preserve()));
+    const QString id = session.conversation()->id;
+    ASSERT_TRUE(draft(id));
+    EXPECT_EQ(draft(id)->snapshot.messages.size(), 2);
+    QDir(folder.filePath(u"ConversationDrafts"_s)).removeRecursively();
+    QFile inTheWay(folder.filePath(u"ConversationDrafts"_s));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    EXPECT_FALSE(await(session.preserve()));
+}
+
 TEST_F(ConversationSessionTest, LoadingRecoversWhatWasPending) {
     serve(3, stored("1") + "," + stored("2", "pending"));
     ASSERT_TRUE(await(session.load(u"c"_s)));

@@ -144,6 +144,11 @@ TEST_F(SandboxServerTest, CareNeedsNoAccount) {
     const auto table = get("/api/app/capabilities?platform=macos").json();
     EXPECT_EQ(table.at("platform"), "macos");
     EXPECT_EQ(table.at("features").at(0).at("level"), "degraded") << "the twin is offline";
+    for (const auto &entry : table.at("features").as_array()) {
+        const bool full = entry.at("level") == "full";
+        EXPECT_EQ(entry.as_object().contains("note"), !full) << "what does not work says so: " << entry.at("id");
+    }
+    EXPECT_EQ(get("/downloads/desktop/mac/latest.json").json().at("build"), std::stoll(LMP_BUILD));
 }
 
 /// The program itself, started with pipes at both ends.

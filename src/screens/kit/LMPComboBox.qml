@@ -34,10 +34,16 @@ FocusScope {
         T.ComboBox {
             id: box
 
-            Accessible.name: root.label
+            Accessible.description: root.enabled ? box.displayText : "不可用"
+            Accessible.name: root.label !== "" ? root.label : box.displayText
             Accessible.role: Accessible.ComboBox
-            Keys.onEnterPressed: box.popup.open()
-            Keys.onReturnPressed: box.popup.open()
+            // As the template has it: what a key does to the list happens when it is let go.
+            Keys.onReleased: event => {
+                if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !event.isAutoRepeat && !box.popup.visible) {
+                    box.popup.open();
+                    event.accepted = true;
+                }
+            }
             focus: true
             focusPolicy: Qt.StrongFocus
             hoverEnabled: true

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Lumenpair.Kit
 import "inputKeys.js" as InputKeys
 
 /// Where a message is written. 44 to 220 high, grows with the text and scrolls from there on.
@@ -23,6 +24,7 @@ FocusScope {
     /// Something to send that is not only white space, and leave to send it.
     readonly property bool ready: root.canSend && root.enabled && field.filled
 
+    /// The text is another one, by whatever means.
     signal edited
     signal stopRequested
     signal submitted(string text)
@@ -114,14 +116,17 @@ FocusScope {
             T.TextArea.flickable: T.TextArea {
                 id: field
 
+                readonly property LMPLongText longText: LMPLongText {
+                    editor: field
+                }
                 readonly property bool filled: field.length > 0 && /\S/.test(field.text)
 
-                Accessible.description: root.hint
+                Accessible.description: root.enabled ? root.hint : "不可用"
                 Accessible.multiLine: true
                 Accessible.name: root.placeholderText !== "" ? root.placeholderText : "消息"
                 Keys.onMenuPressed: root.menu()
                 Keys.onPressed: event => {
-                    if (root.take(event.key, event.modifiers))
+                    if (root.take(event.key, event.modifiers) || (!field.inputMethodComposing && InputKeys.leaves(field, event)))
                         event.accepted = true;
                 }
                 Keys.onShortcutOverride: event => {

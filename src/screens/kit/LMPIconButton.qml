@@ -22,6 +22,7 @@ T.AbstractButton {
 
     Accessible.checkable: root.checkable
     Accessible.checked: root.checked
+    Accessible.description: root.enabled ? "" : "不可用"
     Accessible.name: root.text
     Accessible.role: Accessible.Button
     Keys.onEnterPressed: event => root.press(event)

@@ -21,3 +21,12 @@ function heldByComposition(key) {
     }
     return false;
 }
+
+// Tab leaves a text of several lines, as it leaves every other control. Whether the key did that.
+function leaves(item, event) {
+    if ((event.key !== Qt.Key_Tab && event.key !== Qt.Key_Backtab) || (event.modifiers & ~Qt.ShiftModifier))
+        return false;
+    const forward = event.key === Qt.Key_Tab && !(event.modifiers & Qt.ShiftModifier);
+    item.nextItemInFocusChain(forward).forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
+    return true;
+}

@@ -35,7 +35,11 @@ MarkdownColumn {
     text: MarkdownText {
     }
 
+<<<<<<< HEAD
     onLeft: (row, by) => root.moveFocus(row, by)
+=======
+    onLeaving: (row, by) => root.moveFocus(row, by)
+>>>>>>> main
 
     Repeater {
         id: items

@@ -5,6 +5,9 @@ import Lumenpair.Kit
 Rectangle {
     id: root
 
+    readonly property Item thread: unreadRow
+    readonly property Item waiting: waitingRow
+
     color: Theme.window
     height: 1500
     width: 1120
@@ -20,9 +23,6 @@ Rectangle {
         spacing: Theme.space20
 
         Column {
-            id: left
-
-            objectName: "left"
             spacing: Theme.space12
             width: (parent.width - parent.spacing) * 0.5
 
@@ -64,7 +64,7 @@ Rectangle {
             LMPTextField { label: "手机号"; placeholderText: "请输入手机号"; helpText: "只用于登录"; width: parent.width }
             LMPTextField { label: "密码"; secret: true; text: "secret"; width: parent.width }
             LMPTextField { label: "验证码"; text: "12"; errorText: "验证码应为 6 位数字"; width: parent.width }
-            LMPTextField { enabled: false; text: "不可编辑"; iconName: "search"; width: parent.width }
+            LMPTextField { enabled: false; text: "不可编辑"; placeholderText: "查找"; iconName: "search"; width: parent.width }
             LMPTextArea { label: "想说的话"; placeholderText: "写点什么"; width: parent.width }
             LMPComposer { placeholderText: "和你的分身聊聊"; hint: "回车发送，Shift+回车换行"; width: parent.width
                 tools: [ LMPIconButton { iconName: "plus"; text: "添加附件" } ] }
@@ -107,9 +107,9 @@ Rectangle {
                     width: parent.width
                     LMPRow { iconName: "chat"; title: "分身"; selected: true; width: parent.width }
                     LMPRow { iconName: "clock"; title: "历史对话"; trailingText: "12"; width: parent.width }
-                    LMPRow { avatarText: "林小满"; twoLine: true; title: "林小满"; subtitle: "明天见，记得带伞"; trailingText: "昨天"; unread: 3; width: parent.width }
+                    LMPRow { id: unreadRow; avatarText: "林小满"; twoLine: true; title: "林小满"; subtitle: "明天见，记得带伞"; trailingText: "昨天"; unread: 3; width: parent.width }
                     LMPRow { avatarText: "周"; twoLine: true; title: "一个非常长的名字会在这里被省略掉的"; subtitle: "好的"; trailingText: "10:24"; draft: true; width: parent.width }
-                    LMPRow { avatarText: "𠮷田"; twoLine: true; title: "𠮷田"; subtitle: "想请你看一下这个安排"; waitingText: "待你决定"; selected: true; width: parent.width }
+                    LMPRow { id: waitingRow; avatarText: "𠮷田"; twoLine: true; title: "𠮷田"; subtitle: "想请你看一下这个安排"; waitingText: "待你决定"; selected: true; width: parent.width }
                 }
             }
             Flow {

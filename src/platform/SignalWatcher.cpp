@@ -1,4 +1,4 @@
-#include "terminal/SignalWatcher.h"
+#include "platform/SignalWatcher.h"
 
 #include <array>
 #include <cerrno>

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "app/MacQuitCoordinator.h"
+#include "platform/SignalWatcher.h"
+
+namespace lmp {
+
+/// Turns every way to end the program into one request to the quit coordinator: the menu, the last window, the end of
+/// the desktop session, a signal, and whatever else asks Qt to quit.
+///
+/// One for the process, made after the QCoreApplication; UI thread. Whoever owns it exits on the coordinator's
+/// `terminationAllowed`, with QCoreApplication::exit.
+class MacAppLifecycle : public QObject {
+    Q_OBJECT
+public:
+    /// @param coordinator outlives this
+    explicit MacAppLifecycle(MacQuitCoordinator &coordinator, QObject *parent = nullptr);
+
+    /// The menu's command.
+    Q_INVOKABLE void quit();
+    /// The last window is about to close.
+    /// @return true when it may. Otherwise it stays until the answer: a warning needs a window to be shown in.
+    Q_INVOKABLE bool mayCloseLastWindow();
+    /// The desktop session ends (QGuiApplication::commitDataRequest). Saving has begun when this returns; a session
+    /// manager that does not wait for it ends us with a signal, which changes nothing.
+    void endSession();
+
+protected:
+    /// Holds back Qt's own quitting until the coordinator allows it.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    MacQuitCoordinator &m_coordinator;
+    SignalWatcher m_signals;
+};
+
+} // namespace lmp

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/APIClient.h"
+#include "core/CapabilitiesResponse.h"
+
+#include <QHash>
+#include <QObject>
+
+namespace lmp {
+
+/// Which features work on this platform, and how well; looked up by whatever screen shows them.
+///
+/// Owned by the application for its whole life, UI thread. Empty until the first refresh that succeeds. Nothing here
+/// fails: what cannot be fetched or read leaves the table as it was, and a feature without an entry is shown without a
+/// note. Nothing is kept over a restart.
+class CapabilityStore : public QObject {
+    Q_OBJECT
+public:
+    explicit CapabilityStore(APIClient api, QObject *parent = nullptr);
+    ~CapabilityStore() override;
+
+    /// Asks the service, once. Of several under way only the one begun last counts.
+    QCoro::Task<> refresh();
+    /// Takes the table over, unless it has the version that is here already.
+    void apply(const CapabilitiesResponse &response);
+
+    /// The feature's entry, or none. Never asks the service.
+    std::optional<FeatureCapability> lookup(const QString &id) const;
+    const QHash<QString, FeatureCapability> &byId() const { return m_byId; }
+    /// The version of the table, 0 before the first.
+    qint64 version() const { return m_version; }
+
+Q_SIGNALS:
+    /// Another table is here.
+    void changed();
+
+private:
+    APIClient m_api;
+    QHash<QString, FeatureCapability> m_byId;
+    qint64 m_version = 0;
+    quint64 m_refreshes = 0; ///< counts what was begun
+    std::stop_source m_stop;
+};
+
+} // namespace lmp

@@ -1,0 +1,45 @@
+import QtQuick
+import Lumenpair.Kit
+import Lumenpair.Markdown
+
+/// What the blocks of one message share: the model, what their text begins with, who has the keyboard, and the ways out.
+/// MarkdownView adds what each kind of block is drawn with, which refers to this.
+Column {
+    id: root
+
+    required property MarkdownBlockModel blocks
+    /// The block that Tab reaches.
+    property int current: 0
+    /// Rich text names no colour and no font of its own; this is where it gets them from.
+    readonly property string style: "<style>p,th,td{margin:0;white-space:pre-wrap}" + "a{color:" + Theme.link + "}" + "code{font-family:'"
+        + Theme.monoFamily + "';font-size:" + Theme.sp(13) + "px;background-color:" + Theme.sunken + "}" + "b,th{font-weight:600}.em{font-weight:500}"
+        + "table{border-color:" + Theme.border + "}" + "th{background-color:" + Theme.sunken + "}</style>"
+
+    property Component address
+    property Component bars
+    property Component code
+    property Component image
+    property Component marker
+    property Component rule
+    property Component table
+    property Component text
+
+    signal linkActivated(url link)
+    signal copyRequested(string text)
+    /// The keyboard leaves a block upwards (-1) or downwards (1).
+    signal leaving(int row, int by)
+
+    function bodyOf(kind: int): Component {
+        switch (kind) {
+        case MarkdownBlockModel.Code:
+            return root.code;
+        case MarkdownBlockModel.Table:
+            return root.table;
+        case MarkdownBlockModel.Image:
+            return root.image;
+        case MarkdownBlockModel.Rule:
+            return root.rule;
+        }
+        return root.text;
+    }
+}
