@@ -28,6 +28,8 @@ MarkdownColumn {
     }
     marker: MarkdownMarker {
     }
+    ring: LMPFocusRing {
+    }
     rule: MarkdownRule {
     }
     table: MarkdownTable {
@@ -35,7 +37,11 @@ MarkdownColumn {
     text: MarkdownText {
     }
 
+<<<<<<< HEAD
+    onLeft: (row, by) => root.moveFocus(row, by)
+=======
     onLeaving: (row, by) => root.moveFocus(row, by)
+>>>>>>> main
 
     Repeater {
         id: items
