@@ -37,11 +37,7 @@ MarkdownColumn {
     text: MarkdownText {
     }
 
-<<<<<<< HEAD
-    onLeft: (row, by) => root.moveFocus(row, by)
-=======
     onLeaving: (row, by) => root.moveFocus(row, by)
->>>>>>> main
 
     Repeater {
         id: items
