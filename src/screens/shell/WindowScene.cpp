@@ -136,15 +136,18 @@ void WindowScene::settleStage() {
         return;
     m_stage = stage;
     Q_EMIT stageChanged();
-    if (m_stage == Stage::Shell)
-        enterShell();
     m_commands.setShellShown(m_stage == Stage::Shell);
-    m_navigation.setShellShown(m_stage == Stage::Shell);
+    // The models of the account hear of the same change, and some of them after us.
+    QMetaObject::invokeMethod(this, &WindowScene::enterShell, Qt::QueuedConnection);
 }
 
 void WindowScene::enterShell() {
+    m_navigation.setShellShown(m_stage == Stage::Shell);
+    if (m_stage != Stage::Shell)
+        return;
     m_conversations->refresh();
-    if (!m_chat->isOpen() && !m_navigation.router().isPending())
+    // A link may have opened one already.
+    if (m_chat->conversationId().isEmpty())
         m_chat->begin();
 }
 
