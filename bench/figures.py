@@ -146,11 +146,11 @@ def memory(figures):
     figures.hold("memory", f"grows by {growth:.1f} MB (under 20)", growth < 20 and body >= 500e6)
 
 
-def records(figures):
-    """A conversation of 20,000 messages into records, and back"""
+def benchmarks(figures, program):
+    """Runs a program of benchmarks in turns. Returns the median of each, by its name."""
     done = subprocess.run(
         [
-            figures.program("bench_json"),
+            figures.program(program),
             "--benchmark_enable_random_interleaving=true",
             f"--benchmark_repetitions={ROUNDS}",
             "--benchmark_min_time=0.3",
@@ -161,12 +161,20 @@ def records(figures):
         text=True,
         check=True,
     )
-    speeds = {}
+    medians = {}
     for one in json.loads(done.stdout)["benchmarks"]:
         if one.get("error_occurred"):
             raise SystemExit(f"{one['name']}: {one['error_message']}")
         if one.get("aggregate_name") == "median":
-            speeds[one["run_name"].removeprefix("reading/")] = one["bytes_per_second"] / 1e6
+            medians[one["run_name"].split("/iterations")[0].removesuffix("/manual_time")] = one
+    return medians
+
+
+def records(figures):
+    """A conversation of 20,000 messages into records, and back"""
+    speeds = {}
+    for name, one in benchmarks(figures, "bench_json").items():
+        speeds[name.removeprefix("reading/")] = one["bytes_per_second"] / 1e6
     figures.note(", ".join(f"{label} {speed:.0f} MB/s" for label, speed in speeds.items()))
     by_hand = speeds["ours"] / speeds["by_hand"]
     qt = speeds["ours"] / speeds["qt"]
@@ -174,6 +182,16 @@ def records(figures):
     figures.hold("records by hand", f"{by_hand:.2f} x Boost.JSON by hand (at least 0.85)", by_hand >= 0.85)
     figures.hold("records Qt", f"{qt:.2f} x QJsonDocument (at least 1.8)", qt >= 1.8)
     figures.hold("records writing", f"{writing:.2f} x reading (at least 1.0)", writing >= 1.0)
+
+
+def chat(figures):
+    """The window's chat without the window: opening a conversation, and a piece of a long reply"""
+    us = {name: one["real_time"] for name, one in benchmarks(figures, "bench_chat_model").items()}
+    figures.note(", ".join(f"{name} {time:.1f} us" for name, time in us.items()))
+    opening = us["opening/10000"] / us["opening/100"]
+    growing = us["growing/100000"] / us["growing/10000"]
+    figures.hold("chat opening", f"10,000 messages {opening:.2f} x 100 of them (at most 1.5)", opening <= 1.5)
+    figures.hold("chat growing", f"a piece at 100 KB {growing:.2f} x one at 10 KB (at most 1.3)", growing <= 1.3)
 
 
 def version(figures):
@@ -186,7 +204,7 @@ def version(figures):
     figures.hold("version", f"{ratio:.2f} x a program that makes a QCoreApplication (at most 1.5)", ratio <= 1.5)
 
 
-ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, version)}
+ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, chat, version)}
 
 
 def main():

@@ -303,28 +303,13 @@ TEST_F(ConversationSessionTest, ALateLoadIsDropped) {
     EXPECT_FALSE(await(std::move(late)));
     EXPECT_EQ(*session.conversation(), open);
 
+    held = nullptr;
     auto closed = session.load(u"c"_s);
     ASSERT_TRUE(eventually([&] { return held; }));
     session.close();
     held->write(StubServer::message(200, conversation("c", 1, "")));
     EXPECT_FALSE(await(std::move(closed)));
     EXPECT_FALSE(session.isActive());
-}
-
-TEST_F(ConversationSessionTest, WhetherTheUnsavedIsOnDisk) {
-    session.begin();
-    EXPECT_TRUE(await(session.preserve())) << "nothing to keep";
-    EXPECT_TRUE(draftFiles().isEmpty());
-    say(u"1"_s);
-    EXPECT_TRUE(await(session.preserve()));
-    EXPECT_TRUE(draft(session.conversation()->id));
-    user.reset();
-    session.begin();
-    say(u"2"_s);
-    EXPECT_FALSE(await(session.preserve())) << "nobody to keep it for";
-    session.begin({}, true);
-    say(u"3"_s);
-    EXPECT_TRUE(await(session.preserve())) << "not to be kept";
 }
 
 TEST_F(ConversationSessionTest, TheUnsavedIsKeptWhenItIsClosed) {

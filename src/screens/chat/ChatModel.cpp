@@ -31,6 +31,7 @@ ChatModel::ChatModel(Application &application, QObject *parent)
     for (const auto signal :
          {&AuthStore::generationChanged, &AuthStore::phaseChanged, &AuthStore::verificationFailedChanged})
         connect(&application.auth(), signal, this, &ChatModel::recheckAccount);
+    m_localInput = application.localInput().add([this] { return preserve(); });
 }
 
 ChatModel::ChatModel(ChatServices services, QObject *parent)

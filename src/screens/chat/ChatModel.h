@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/LocalInputRegistry.h"
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
 #include "screens/chat/MessageListModel.h"
@@ -183,6 +184,7 @@ private:
     MessageListModel m_messages;
     UsedMemoryModel m_used;
     ComposerInputs m_inputs;
+    LocalInputRegistry::Registration m_localInput;
     QString m_owner;     ///< the account and sign-in that what is open is of
     QString m_wantedId;  ///< of a conversation that is being opened, or could not be
     quint64 m_loads = 0; ///< counts what was asked for

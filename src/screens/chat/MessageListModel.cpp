@@ -4,7 +4,6 @@
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
 #include "screens/chat/ChatDateText.h"
-#include "screens/chat/ReplyBlocks.h"
 
 #include <QPointer>
 
@@ -59,7 +58,7 @@ QVariant MessageListModel::data(const QModelIndex &index, int role) const {
     case TextRole:
         return row.growing ? growingText() : row.text;
     case BlocksRole:
-        return row.isTwin ? QVariant::fromValue(blocksOf(row)) : QVariant::fromValue<QObject *>(nullptr);
+        return QVariant::fromValue(row.isTwin ? blocksOf(row) : nullptr);
     case TimeTextRole:
         return ChatDateText::of(mark.at, m_clock.now().toLocalTime());
     case StateRole:
@@ -210,6 +209,11 @@ int MessageListModel::rowOf(const QString &messageId) const {
     return found == m_rows.rend() ? -1 : int(m_rows.rend() - found - 1);
 }
 
+QObject *MessageListModel::blocksFor(const QString &messageId) const {
+    const int row = rowOf(messageId);
+    return row >= 0 && m_rows.at(row).isTwin ? blocksOf(m_rows.at(row)) : nullptr;
+}
+
 // The conversation changes
 
 void MessageListModel::onChanged() {
@@ -248,10 +252,11 @@ void MessageListModel::replace(qsizetype row, MessageRow now) {
         return;
     auto *blocks = m_blocks.value(now.id);
     if (blocks && before.growing && !now.growing) {
-        ReplyBlocks::append(blocks, now.text.sliced(std::min(m_fed, now.text.size())));
-        m_fed = 0;
+        blocks->append(now.text.sliced(std::min(m_fed, now.text.size())));
+        blocks->finish();
     } else if (blocks && before.text != now.text) {
-        ReplyBlocks::setText(blocks, now.text);
+        blocks->setText(now.text);
+        blocks->finish();
     }
     m_rows[row] = std::move(now);
     Q_EMIT dataChanged(index(int(row)), index(int(row)));
@@ -273,15 +278,18 @@ QString MessageListModel::growingText() const {
     return reply ? reply->text : QString();
 }
 
-QObject *MessageListModel::blocksOf(const MessageRow &row) const {
+MarkdownBlockModel *MessageListModel::blocksOf(const MessageRow &row) const {
     if (auto *blocks = m_blocks.value(row.id))
         return blocks;
+    // Under this object, so that the engine does not take it for its own.
+    auto *made = new MarkdownBlockModel(const_cast<MessageListModel *>(this));
     const QString text = row.growing ? growingText() : row.text;
+    made->setText(text);
     if (row.growing)
         m_fed = text.size();
-    auto *made = ReplyBlocks::make(text, const_cast<MessageListModel *>(this));
-    if (made)
-        m_blocks.insert(row.id, made);
+    else
+        made->finish();
+    m_blocks.insert(row.id, made);
     return made;
 }
 
@@ -326,14 +334,14 @@ void MessageListModel::flush() {
         const QString piece = reply->text.sliced(m_fed);
         m_fed = reply->text.size();
         if (!piece.isEmpty())
-            ReplyBlocks::append(blocks, piece);
+            blocks->append(piece);
     } else {
         Q_EMIT dataChanged(index(row), index(row), {TextRole});
     }
     Q_EMIT grew();
 }
 
-QObject *MessageListModel::blocksFor(const QString &messageId) {
+MarkdownBlockModel *MessageListModel::blocksFor(const QString &messageId) {
     const int row = rowOf(messageId);
     return row >= 0 && m_rows.at(row).isTwin ? blocksOf(m_rows.at(row)) : nullptr;
 }

@@ -3,6 +3,7 @@
 #include "conversation/ConversationSession.h"
 #include "platform/Clock.h"
 #include "screens/chat/MessageRow.h"
+#include "screens/markdown/MarkdownBlockModel.h"
 
 #include <QAbstractListModel>
 #include <QtQmlIntegration>
@@ -73,9 +74,11 @@ public:
     Q_INVOKABLE void jumpToLatest();
     /// The row of a message, or -1 when it is not in the window.
     Q_INVOKABLE int rowOf(const QString &messageId) const;
+    /// What the `blocks` role holds, for a view that makes them only where somebody looks.
+    Q_INVOKABLE QObject *blocksFor(const QString &messageId) const;
 
     /// The blocks of a reply, made when they are first asked for; null for any other message.
-    Q_INVOKABLE QObject *blocksFor(const QString &messageId);
+    Q_INVOKABLE lmp::MarkdownBlockModel *blocksFor(const QString &messageId);
 
     // What this window knows beyond the conversation itself; all of it ends with the conversation.
     void setError(const QString &messageId, const QString &text);
@@ -113,7 +116,7 @@ private:
     void replace(qsizetype row, MessageRow now);
     void announce(const QString &messageId, const QList<int> &roles);
     QString growingText() const;
-    QObject *blocksOf(const MessageRow &row) const;
+    MarkdownBlockModel *blocksOf(const MessageRow &row) const;
     void forgetBlocks(const QString &messageId);
     void flushSoon();
     void flush();
@@ -130,7 +133,7 @@ private:
     QHash<QString, Mark> m_marks;
     QMap<QString, QString> m_feedback;
     QString m_retrying;
-    mutable QHash<QString, QObject *> m_blocks; ///< made when a row is first shown
+    mutable QHash<QString, MarkdownBlockModel *> m_blocks; ///< made when a row is first shown
     std::optional<std::chrono::nanoseconds> m_flushedAt;
     bool m_flushWaits = false;
     std::stop_source m_stop;

@@ -9,7 +9,7 @@ FocusScope {
     readonly property alias currentText: box.currentText
     property string label
     property list<string> model
-    readonly property bool opened: box.popup.visible
+    readonly property bool opened: box.down
 
     signal activated(int index)
 
@@ -53,15 +53,10 @@ FocusScope {
             rightPadding: Theme.dp(32)
             width: parent.width
 
-            background: Rectangle {
-                border.color: box.popup.visible ? Theme.accent : !root.enabled ? Theme.border : box.hovered ? Theme.text3 : Theme.borderStrong
-                border.width: box.popup.visible ? 2 : 1
-                color: root.enabled ? Theme.surface : Theme.sunken
-                radius: Theme.radiusControl
-
-                LMPFocusRing {
-                    shown: box.visualFocus
-                }
+            background: LMPFieldFrame {
+                focused: box.down
+                hovered: box.hovered
+                ringed: box.visualFocus
             }
 
             contentItem: LMPText {

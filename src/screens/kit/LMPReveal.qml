@@ -1,4 +1,5 @@
 /// Shows and hides what is typed into a secret field.
+
 LMPIconButton {
     id: root
 

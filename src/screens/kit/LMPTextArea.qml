@@ -23,11 +23,15 @@ FocusScope {
     /// The text is another one, by whatever means.
     signal textEdited
 
-    function menu(): void {
+    function menu(atCursor: bool): void {
         textMenu.setSource("LMPTextMenu.qml", {
-            "area": field
-        });
-        (textMenu.item as LMPTextMenu).popup();
+                "area": field
+            });
+        const options = textMenu.item as LMPTextMenu;
+        if (atCursor)
+            options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
+        else
+            options.popup();
     }
 
     implicitHeight: column.implicitHeight
@@ -54,18 +58,14 @@ FocusScope {
             width: parent.width
         }
 
-        Rectangle {
-            border.color: root.failed ? Theme.danger : field.activeFocus ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
-                                                                                                                                Theme.borderStrong
-            border.width: field.activeFocus || root.failed ? 2 : 1
-            color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
+        LMPFieldFrame {
+            failed: root.failed
+            focused: field.activeFocus
             height: Math.max(root.minimumLines * root.line, Math.min(root.maximumLines * root.line, field.contentHeight)) + 2 * Theme.space8
-            radius: Theme.radiusControl
+            hovered: field.hovered
+            ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
             width: parent.width
-
-            LMPFocusRing {
-                shown: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
-            }
+            writable: !field.readOnly
 
             Flickable {
                 id: flick
@@ -82,7 +82,7 @@ FocusScope {
                     Accessible.description: !root.enabled ? "不可用" : root.failed ? root.errorText : root.helpText
                     Accessible.multiLine: true
                     Accessible.name: root.label !== "" ? root.label : root.placeholderText
-                    Keys.onMenuPressed: root.menu()
+                    Keys.onMenuPressed: root.menu(true)
                     Keys.onPressed: event => {
                         if (field.inputMethodComposing ? InputKeys.heldByComposition(event.key) : InputKeys.leaves(field, event))
                             event.accepted = true;
@@ -100,7 +100,7 @@ FocusScope {
 
                     onPressed: event => {
                         if (event.button === Qt.RightButton)
-                            root.menu();
+                            root.menu(false);
                     }
                     onTextChanged: root.textEdited()
                 }

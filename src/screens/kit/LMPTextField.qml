@@ -54,21 +54,24 @@ FocusScope {
 
             readonly property string called: root.label !== "" ? root.label : root.placeholderText
             readonly property bool failed: root.errorText !== ""
-            readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason
-                                                                 || field.focusReason === Qt.ShortcutFocusReason)
+            readonly property bool ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
 
-            function menu(): void {
+            function menu(atCursor: bool): void {
                 textMenu.setSource("LMPTextMenu.qml", {
-                    "line": field
-                });
-                (textMenu.item as LMPTextMenu).popup();
+                        "line": field
+                    });
+                const options = textMenu.item as LMPTextMenu;
+                if (atCursor)
+                    options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
+                else
+                    options.popup();
             }
 
             // Qt keeps the name of a password field to itself, so its label is said here.
             Accessible.description: (root.secret ? field.called + "。" : "") + (!root.enabled ? "不可用" : field.failed ? root.errorText : root.helpText)
             Accessible.name: field.called
             Accessible.passwordEdit: root.secret
-            Keys.onMenuPressed: field.menu()
+            Keys.onMenuPressed: field.menu(true)
             Keys.onPressed: event => {
                 if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
                     event.accepted = true;
@@ -88,22 +91,18 @@ FocusScope {
             verticalAlignment: TextInput.AlignVCenter
             width: parent.width
 
-            background: Rectangle {
-                border.color: field.failed ? Theme.danger : field.activeFocus ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
-                                                                                                                                   Theme.borderStrong
-                border.width: field.activeFocus || field.failed ? 2 : 1
-                color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
-                radius: Theme.radiusControl
-
-                LMPFocusRing {
-                    shown: field.ringed
-                }
+            background: LMPFieldFrame {
+                failed: field.failed
+                focused: field.activeFocus
+                hovered: field.hovered
+                ringed: field.ringed
+                writable: !field.readOnly
             }
 
             onAccepted: root.accepted()
             onPressed: event => {
                 if (event.button === Qt.RightButton)
-                    field.menu();
+                    field.menu(false);
             }
             onTextEdited: root.textEdited()
 

@@ -30,3 +30,8 @@ function leaves(item, event) {
     item.nextItemInFocusChain(forward).forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
     return true;
 }
+
+// Whether the keyboard came to a text by the keyboard. The templates say so of every control but texts.
+function cameByKey(reason) {
+    return reason === Qt.TabFocusReason || reason === Qt.BacktabFocusReason || reason === Qt.ShortcutFocusReason;
+}

@@ -110,10 +110,15 @@ LMPModal {
                 required property int index
                 required property string kindText
                 required property string shortcutText
+                required draft
+                required iconName
+                required title
+                required unread
 
                 focusPolicy: Qt.NoFocus
                 selected: ListView.isCurrentItem
                 trailingText: shortcutText === "" ? kindText : shortcutText
+                rightPadding: Theme.dp(16)
                 width: ListView.view.width
                 onClicked: root.take(index)
             }

@@ -28,6 +28,7 @@ FocusScope {
 
     function present(): void {
         stage.setSource(root.pane(root.scene.stage), {
+            focus: true,
             scene: root.scene
         });
     }

@@ -18,6 +18,7 @@ FocusScope {
         const page = pages.itemAt(root.tab) as Loader;
         if (page.status === Loader.Null)
             page.setSource(root.files[root.tab], {
+                focus: true,
                 scene: root.scene,
                 frame: root,
                 tab: root.tab

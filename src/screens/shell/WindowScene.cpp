@@ -8,8 +8,7 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 using Command = WindowCommands::Command;
 
-WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting,
-                         QObject *parent)
+WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting, QObject *parent)
     : QObject(parent)
     , m_appearance(appearance)
     , m_quitting(quitting)
@@ -137,15 +136,18 @@ void WindowScene::settleStage() {
         return;
     m_stage = stage;
     Q_EMIT stageChanged();
-    if (m_stage == Stage::Shell)
-        enterShell();
     m_commands.setShellShown(m_stage == Stage::Shell);
-    m_navigation.setShellShown(m_stage == Stage::Shell);
+    // The models of the account hear of the same change, and some of them after us.
+    QMetaObject::invokeMethod(this, &WindowScene::enterShell, Qt::QueuedConnection);
 }
 
 void WindowScene::enterShell() {
+    m_navigation.setShellShown(m_stage == Stage::Shell);
+    if (m_stage != Stage::Shell)
+        return;
     m_conversations->refresh();
-    if (!m_chat->isOpen() && !m_navigation.router().isPending())
+    // A link may have opened one already.
+    if (m_chat->conversationId().isEmpty())
         m_chat->begin();
 }
 
@@ -206,11 +208,12 @@ QList<SwitcherEntry> WindowScene::destinations() const {
     for (const auto &entry : WindowCommands::table()) {
         const bool page = entry.command >= Command::TabNow && entry.command <= Command::Settings;
         if (!entry.iconName.isEmpty() && m_commands.enabled(entry))
-            (page ? pages : commands) << SwitcherEntry{.kind = page ? SwitcherEntry::Kind::Page : SwitcherEntry::Kind::Command,
-                                  .key = QString::number(int(entry.command)),
-                                  .title = entry.title,
-                                  .iconName = entry.iconName,
-                                  .shortcutText = WindowCommands::keysText(entry.keys)};
+            (page ? pages : commands) << SwitcherEntry{.kind = page ? SwitcherEntry::Kind::Page
+                                                                    : SwitcherEntry::Kind::Command,
+                                                       .key = QString::number(int(entry.command)),
+                                                       .title = entry.title,
+                                                       .iconName = entry.iconName,
+                                                       .shortcutText = WindowCommands::keysText(entry.keys)};
     }
     return unread + others + pages + commands;
 }

@@ -95,10 +95,32 @@ TEST_F(MessageListModelTest, AGrowingReplyChangesOneRowThirtyTimesASecond) {
         EXPECT_EQ(change.at(0).toModelIndex().row(), model()->rowCount() - 1);
         EXPECT_EQ(change.at(1).toModelIndex().row(), model()->rowCount() - 1);
     }
-    say({done});
+    // Where blocks are drawn they grow in place of the text.
+    const QPointer blocks = model()->blocksFor(text(-1, "messageId"));
+    changed.clear();
+    grew.clear();
+    say({delta("\\n\\n- 一"), delta("\\n- 二 **")});
+    ASSERT_TRUE(eventually([&] { return text(-1).endsWith(u"二 **"_s); }));
+    clock.advance(std::chrono::milliseconds(50));
+    ASSERT_TRUE(eventually([&] { return blocks->rowCount() == 3; }));
+    EXPECT_TRUE(changed.isEmpty());
+    EXPECT_LE(grew.size(), 2);
+    say({delta("重**"), done});
     ASSERT_TRUE(eventually([this] { return chat->isIdle(); }));
-    EXPECT_EQ(text(-1), all);
+    EXPECT_EQ(text(-1), all + u"\n\n- 一\n- 二 **重**"_s);
     EXPECT_EQ(reset.size(), 0);
+    EXPECT_EQ(model()->blocksFor(text(-1, "messageId")), blocks);
+    MarkdownBlockModel whole;
+    whole.setText(text(-1));
+    whole.finish();
+    ASSERT_EQ(blocks->rowCount(), whole.rowCount());
+    for (int row = 0; row < whole.rowCount(); ++row)
+        EXPECT_EQ(blocks->source(row), whole.source(row));
+    EXPECT_FALSE(model()->blocksFor(text(0, "messageId"))) << "only a reply has blocks";
+
+    load(u"a"_s);
+    settle();
+    EXPECT_FALSE(blocks) << "what is out of sight is not kept";
 }
 
 } // namespace lmp

@@ -18,6 +18,7 @@ class ChatStage : public QObject {
     Q_PROPERTY(QString clipboard READ clipboard)
     Q_PROPERTY(QStringList openedLinks READ openedLinks)
 public:
+    ChatStage();
     ~ChatStage() override;
 
     ChatModel *chat() const { return m_chat.get(); }
@@ -25,6 +26,8 @@ public:
     static QString clipboard();
     QStringList openedLinks() const;
 
+    /// Lets everything under way end.
+    void finish();
     /// A fresh service and fresh models, with nothing open.
     Q_INVOKABLE void restart();
     /// How requests of a path below the API are answered from now on; a status of 0 breaks the connection.
@@ -50,7 +53,7 @@ private:
     std::unique_ptr<StubServer> m_server;
     std::unique_ptr<QTemporaryDir> m_folder;
     SafetyGateStore m_safety;
-    std::shared_ptr<Opener> m_opener;
+    std::unique_ptr<Opener> m_opener;
     std::unique_ptr<Clock> m_clock;
     std::unique_ptr<ConversationListModel> m_conversations;
     std::unique_ptr<ChatModel> m_chat;

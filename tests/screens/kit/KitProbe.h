@@ -47,12 +47,13 @@ public:
         return found;
     }
 
-    /// The first item below `root` whose type is called `type`.
-    Q_INVOKABLE static QObject *inside(QQuickItem *root, const QString &type) {
+    /// The first item below `root` whose type is called `type`, with these words if any are given.
+    Q_INVOKABLE static QObject *inside(QQuickItem *root, const QString &type, const QString &text = {}) {
         for (QQuickItem *child : root->childItems()) {
-            if (QString::fromLatin1(child->metaObject()->className()).startsWith(type))
+            if (QString::fromLatin1(child->metaObject()->className()).startsWith(type) &&
+                (text.isEmpty() || child->property("text") == text))
                 return child;
-            if (QObject *found = inside(child, type))
+            if (QObject *found = inside(child, type, text))
                 return found;
         }
         return nullptr;

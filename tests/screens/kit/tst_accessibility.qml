@@ -35,9 +35,9 @@ TestCase {
 
     function test_nothingIsCutOrOverlaps_data() {
         return [0.85, 1, 1.3, 1.6].map(scale => ({
-                    tag: scale,
-                    scale: scale
-                }));
+                        "tag": scale,
+                        "scale": scale
+                    }));
     }
 
     /// A text that neither wraps nor elides must have the room it wants.
@@ -59,14 +59,16 @@ TestCase {
     }
 
     function test_states() {
-        const states = [["LMPCheckBox", "同意条款", "checked"], ["LMPSwitch", "共享使用情况", "checked"], ["LMPRadio", "跟随系统", "checked"], [
-                "LMPRow", "分身", "selected"]];
+        const states = [["LMPCheckBox", "同意条款", "checked"], ["LMPSwitch", "共享使用情况", "checked"], ["LMPRadio", "跟随系统", "checked"], ["LMPRow", "分身", "selected"]];
         for (const [type, name, state] of states) {
             const heard = Probe.heard(Probe.inside(page, type));
             compare(heard.name, name);
             verify(heard[state], name + " is not " + state);
         }
         compare(Probe.heard(Probe.inside(page, "LMPSwitch")).description, "只含次数与耗时，不含聊天内容");
+        const heading = Probe.heard(Probe.inside(page, "", "类型"));
+        compare(heading.name, "类型");
+        compare(heading.role, 0x29, "static text");
         compare(page.thread.Accessible.name, "林小满，未读 3 条，明天见，记得带伞，昨天");
         compare(page.waiting.Accessible.name, "𠮷田，待你决定，想请你看一下这个安排");
     }

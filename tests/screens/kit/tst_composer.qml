@@ -68,32 +68,27 @@ TestCase {
     }
 
     function test_nothingToSend_data() {
-        return [
-            {
-                tag: "empty",
-                text: "",
-                canSend: true,
-                busy: false
-            },
-            {
-                tag: "blank",
-                text: " \n\t　",
-                canSend: true,
-                busy: false
-            },
-            {
-                tag: "held",
-                text: "a",
-                canSend: false,
-                busy: false
-            },
-            {
-                tag: "busy",
-                text: "a",
-                canSend: true,
-                busy: true
-            }
-        ];
+        return [{
+                "tag": "empty",
+                "text": "",
+                "canSend": true,
+                "busy": false
+            }, {
+                "tag": "blank",
+                "text": " \n\t　",
+                "canSend": true,
+                "busy": false
+            }, {
+                "tag": "held",
+                "text": "a",
+                "canSend": false,
+                "busy": false
+            }, {
+                "tag": "busy",
+                "text": "a",
+                "canSend": true,
+                "busy": true
+            }];
     }
 
     function test_nothingToSend(row) {

@@ -26,16 +26,13 @@ TestCase {
     }
 
     function init_data() {
-        return [
-            {
-                tag: "light",
-                dark: false
-            },
-            {
-                tag: "dark",
-                dark: true
-            }
-        ];
+        return [{
+                "tag": "light",
+                "dark": false
+            }, {
+                "tag": "dark",
+                "dark": true
+            }];
     }
 
     function cleanup() {

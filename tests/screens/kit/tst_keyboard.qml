@@ -119,9 +119,9 @@ TestCase {
 
     function test_spaceAndEnterPress_data() {
         return [button, iconButton, chip, row].map(control => ({
-                    tag: String(control),
-                    control: control
-                }));
+                        "tag": String(control),
+                        "control": control
+                    }));
     }
 
     function test_spaceAndEnterPress(data) {

@@ -34,14 +34,17 @@ TestCase {
         }
 
         Item {
-            height: filler.visible ? 900 : 0
+            id: filler
+
+            height: visible ? 900 : 0
+            visible: false
             width: 1
+        }
 
-            Item {
-                id: filler
+        LMPButton {
+            id: deep
 
-                visible: false
-            }
+            text: "最下面"
         }
     }
 
@@ -137,8 +140,7 @@ TestCase {
     }
 
     function test_primaryLeavesClosingToTheOwner() {
-        const button = Probe.inside(sheet.contentItem, "LMPButton_");
-        compare(button.text, "保存");
+        const button = Probe.inside(sheet.contentItem, "LMPButton_", "保存");
         mouseClick(button);
         compare(accepted.count, 1);
         verify(sheet.visible);
@@ -154,8 +156,17 @@ TestCase {
     function test_fitsALowWindow() {
         compare(sheet.width, 560);
         filler.visible = true;
+        const scroll = Probe.inside(sheet.contentItem, "LMPScrollView");
+        tryVerify(() => scroll.contentHeight > 900);
         verify(sheet.height <= root.height, sheet.height);
         verify(sheet.y >= 0 && sheet.y + sheet.height <= 420 + 20);
+        deep.forceActiveFocus(Qt.TabFocusReason);
+        verify(deep.mapToItem(scroll, 0, 0).y + deep.height <= scroll.height, "what has the keyboard is in view");
+        const bottom = scroll.contentY;
+        keyClick(Qt.Key_Tab);
+        verify(!deep.activeFocus);
+        keyClick(Qt.Key_PageUp);
+        verify(scroll.contentY < bottom, "the page keys scroll from outside");
         filler.visible = false;
     }
 
