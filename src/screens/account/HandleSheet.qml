@@ -22,6 +22,11 @@ LMPSheet {
     onAccepted: root.handle.save()
     onClosed: root.handle.restart()
     onOpened: form.focusFirst()
+    onSavedChanged: {
+        // The button that saved is gone.
+        if (root.saved)
+            root.contentItem.forceActiveFocus();
+    }
 
     HandleForm {
         id: form

@@ -8,18 +8,35 @@ Column {
 
     required property SignInModel signIn
     readonly property bool waiting: root.signIn.providerText !== ""
+    property bool waited: false
+
+    /// The keyboard was at the button that has gone with the wait.
+    function resume(): void {
+        if (!root.waited || root.waiting || !google.visible || !google.enabled)
+            return;
+        root.waited = false;
+        google.forceActiveFocus();
+    }
 
     spacing: Theme.space12
+    onWaitingChanged: {
+        if (root.waiting)
+            root.waited = true;
+    }
 
     LMPSeparator {
     }
 
     LMPButton {
+        id: google
+
         enabled: !root.signIn.submitting
         text: "用 Google 登录"
         visible: root.signIn.offersGoogle && !root.waiting
         width: parent.width
         onClicked: root.signIn.signInWithGoogle()
+        onEnabledChanged: root.resume()
+        onVisibleChanged: root.resume()
     }
 
     LMPButton {

@@ -145,7 +145,8 @@ FocusScope {
                 width: Theme.dp(124)
                 // Beside the box, not beside its label.
                 y: labelHeight.height + Theme.space4
-                onClicked: root.goTo(root.signIn.sendCode())
+                // It rests for a while now, and what comes next is the code.
+                onClicked: root.goTo(root.signIn.sendCode() || SignInModel.CodeField)
 
                 LMPText {
                     id: labelHeight

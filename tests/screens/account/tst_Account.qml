@@ -118,6 +118,21 @@ ScreenTest {
         createTemporaryObject(section, test);
         for (const text of ["小林", "+86 13800138000", "u1", "lin"])
             test.awaitText(text);
+        // The handle can be changed from here.
+        Bench.answer("/api/app/handle/suggest", 200, '{"suggestions":["lin_9"]}');
+        Bench.answer("/api/app/handle", 200, '{"handle":"lin_9"}');
+        test.press("换一个");
+        tryVerify(() => test.hasKeyboard(test.field("主页名")));
+        tryVerify(() => test.control("lin_9") !== null);
+        test.press("lin_9");
+        test.check(200, '{"available":true}');
+        test.awaitText("可以用");
+        test.press("保存");
+        test.awaitText("主页名已设为 lin_9");
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !test.shows("主页名已设为 lin_9"));
+        test.awaitText("lin_9");
+
         Bench.keychainFails(true);
         test.press("退出登录");
         test.awaitText("退出登录？");
