@@ -114,8 +114,8 @@ private:
     void replace(qsizetype row, MessageRow now);
     void announce(const QString &messageId, const QList<int> &roles);
     QString growingText() const;
-    MarkdownBlockModel *blocksOf(const MessageRow &row) const;
-    void forgetBlocks(const QString &messageId);
+    MarkdownBlockModel *blocksOf(qsizetype row) const;
+    void forgetBlocks(qsizetype index);
     void flushSoon();
     void flush();
     QCoro::Task<> flushLater(std::chrono::milliseconds wait, std::stop_token stop);
@@ -131,7 +131,8 @@ private:
     QHash<QString, Mark> m_marks;
     QMap<QString, QString> m_feedback;
     QString m_retrying;
-    mutable QHash<QString, MarkdownBlockModel *> m_blocks; ///< made when a row is first shown
+    /// By the place in the conversation; made when a row is first shown.
+    mutable QHash<qsizetype, MarkdownBlockModel *> m_blocks;
     std::optional<std::chrono::nanoseconds> m_flushedAt;
     bool m_flushWaits = false;
     std::stop_source m_stop;
