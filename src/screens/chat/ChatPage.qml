@@ -1,11 +1,197 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
-Item {
+/// The chat with one's twin: what was said, what is typed, and how things stand between the two.
+FocusScope {
     id: root
 
-    LMPText {
-        anchors.centerIn: parent
-        text: "正在启动…"
+    required property ChatModel chat
+    readonly property alias transcript: transcript
+    readonly property alias composer: composer
+    /// What a screen reader is told, once, at the end of a reply.
+    readonly property alias announced: announcer.words
+    /// At the left of the title, as the shell may need.
+    property alias leading: page.leading
+
+    /// Puts the caret into the input box.
+    function focusInput(): void {
+        composer.forceActiveFocus();
+    }
+    /// What stands under the input box: why it was held back before all else, then what is worth knowing.
+    function hint(): string {
+        if (root.chat.inputHeldReason !== "")
+            return root.chat.inputHeldReason;
+        // What went wrong with a message stands under that message.
+        if (root.chat.errorText !== "" && !transcript.showsError(root.chat.errorText))
+            return root.chat.errorText;
+        return root.chat.cheaperMode ? "省着聊已打开，回答会短一些" : "";
+    }
+    function purse(): string {
+        const balance = "余额 " + root.chat.balanceText;
+        return root.chat.lastChargeText === "—" ? balance : "上一轮 " + root.chat.lastChargeText + " · " + balance;
+    }
+    /// Begins a conversation of the other kind. What nobody keeps is asked for before it goes.
+    function switchIncognito(incognito: bool): void {
+        options.close();
+        if (root.chat.incognito && transcript.count > 0)
+            leaving.open();
+        else
+            root.chat.begin(incognito);
+    }
+
+    LMPPage {
+        id: page
+
+        anchors.fill: parent
+        title: root.chat.open ? root.chat.title : "对话"
+
+        actions: LMPText {
+            Accessible.name: "花费与余额，" + root.purse()
+            color: Theme.text3
+            kind: LMPText.Caption
+            text: root.purse()
+            wrapMode: Text.NoWrap
+        }
+        banners: ChatBanners {
+            chat: root.chat
+            width: parent.width
+
+            onServiceCopyWanted: replacing.open()
+        }
+
+        Transcript {
+            id: transcript
+
+            anchors.bottom: foot.top
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: parent.top
+            chat: root.chat
+            visible: root.chat.open && transcript.count > 0
+
+            onEditRequested: messageId => {
+                if (root.chat.restoreMessage(messageId))
+                    root.focusInput();
+            }
+            onReplyEnded: words => announcer.announce(words)
+        }
+        EmptyConversation {
+            anchors.fill: transcript
+            visible: root.chat.open && transcript.count === 0
+
+            onChosen: text => {
+                root.chat.input = text;
+                root.focusInput();
+            }
+        }
+        LMPBusy {
+            anchors.centerIn: transcript
+            running: root.chat.loading
+            text: "正在打开对话"
+        }
+        LMPErrorState {
+            anchors.centerIn: transcript
+            text: root.chat.loadError
+            visible: root.chat.loadError !== "" && !root.chat.loading
+
+            onAction: root.chat.reload()
+        }
+        Item {
+            id: foot
+
+            anchors.bottom: parent.bottom
+            anchors.horizontalCenter: parent.horizontalCenter
+            height: composer.height + Theme.space12
+            width: transcript.columnWidth
+
+            LMPComposer {
+                id: composer
+
+                attachmentsArea: RetryTarget {
+                    chat: root.chat
+                    width: parent.width
+                }
+                busy: root.chat.sending
+                canSend: root.chat.canSend
+                enabled: root.chat.open
+                focus: true
+                height: implicitHeight
+                hint: root.hint()
+                placeholderText: root.chat.incognito ? "无痕地说点什么" : "说点什么"
+                tools: LMPIconButton {
+                    iconName: "settings"
+                    text: "对话方式"
+
+                    onClicked: options.open()
+                }
+                width: parent.width
+
+                Keys.onPressed: event => {
+                    if (composer.text === "" && !composer.inputMethodComposing)
+                        event.accepted = transcript.takeKey(event.key, event.modifiers);
+                }
+                onEdited: root.chat.input = composer.text
+                onStopRequested: root.chat.stop()
+                onSubmitted: root.chat.send()
+            }
+        }
+        ReplyAnnouncer {
+            id: announcer
+        }
+    }
+    Connections {
+        function onInputChanged() {
+            if (composer.text !== root.chat.input)
+                composer.text = root.chat.input;
+        }
+        function onSent() {
+            transcript.hold();
+        }
+
+        target: root.chat
+    }
+    Component.onCompleted: composer.text = root.chat.input
+
+    ChatOptionsSheet {
+        id: options
+
+        chat: root.chat
+
+        onIncognitoWanted: incognito => root.switchIncognito(incognito)
+    }
+    UsedMemoriesSheet {
+        chat: root.chat
+    }
+    FeedbackReasonsSheet {
+        chat: root.chat
+    }
+    LMPDialog {
+        id: leaving
+
+        buttons: ["离开", "留在这里"]
+        dangerIndex: 0
+        escapeIndex: 1
+        text: "这段对话的内容不会留下。要留的话，请先复制。"
+        title: "离开无痕对话？"
+
+        onChosen: index => {
+            if (index === 0)
+                root.chat.begin(false);
+        }
+    }
+    LMPDialog {
+        id: replacing
+
+        buttons: ["打开服务上的版本", "先不"]
+        dangerIndex: 0
+        escapeIndex: 1
+        text: "本机还没有同步的内容会被放弃，找不回来。要留的话，请先复制。"
+        title: "改用服务上的版本？"
+
+        onChosen: index => {
+            if (index === 0)
+                root.chat.openServiceCopy();
+        }
     }
 }

@@ -20,8 +20,8 @@ Rectangle {
     property int tone: LMPBanner.Info
     readonly property bool acts: root.actionText !== "" || root.secondActionText !== ""
     readonly property real room: root.width - sentence.x - (root.closable ? close.width + Theme.space4 : 0) - Theme.space12
-    readonly property bool stacked: root.acts && sentence.implicitWidth + actions.implicitWidth + Theme.space16 > root.room && actions.implicitWidth
-                                    > root.room * 0.35
+    readonly property bool crowded: sentence.implicitWidth + actions.implicitWidth + Theme.space16 > root.room
+    readonly property bool stacked: root.acts && root.crowded && actions.implicitWidth > root.room * 0.35
 
     signal action
     signal closed

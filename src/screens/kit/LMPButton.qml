@@ -26,9 +26,8 @@ T.AbstractButton {
             return Theme.disabled;
         switch (kind) {
         case LMPButton.Primary:
-            return Theme.onAccent;
         case LMPButton.Danger:
-            return Theme.dark ? Theme.onAccent : Theme.surface;
+            return Theme.onAccent;
         case LMPButton.Link:
             return Theme.link;
         }
@@ -56,7 +55,7 @@ T.AbstractButton {
         event.accepted = true;
     }
 
-    Accessible.description: root.busy ? "正在进行" : ""
+    Accessible.description: !root.enabled ? "不可用" : root.busy ? "正在进行" : ""
     Accessible.name: root.text
     Accessible.role: root.kind === LMPButton.Link ? Accessible.Link : Accessible.Button
     Accessible.onPressAction: {

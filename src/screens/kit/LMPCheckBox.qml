@@ -7,7 +7,7 @@ T.CheckBox {
 
     property string description
 
-    Accessible.description: root.description
+    Accessible.description: root.enabled ? root.description : "不可用"
     Accessible.name: root.text
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true

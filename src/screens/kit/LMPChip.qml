@@ -101,6 +101,7 @@ Rectangle {
     T.AbstractButton {
         id: button
 
+        Accessible.description: root.enabled ? "" : "不可用"
         Accessible.name: root.text
         Accessible.role: Accessible.Button
         Keys.onEnterPressed: event => root.press(event)

@@ -9,7 +9,7 @@ FocusScope {
     readonly property alias currentText: box.currentText
     property string label
     property list<string> model
-    readonly property bool opened: box.popup.visible
+    readonly property bool opened: box.down
 
     signal activated(int index)
 
@@ -34,10 +34,16 @@ FocusScope {
         T.ComboBox {
             id: box
 
-            Accessible.name: root.label
+            Accessible.description: root.enabled ? box.displayText : "不可用"
+            Accessible.name: root.label !== "" ? root.label : box.displayText
             Accessible.role: Accessible.ComboBox
-            Keys.onEnterPressed: box.popup.open()
-            Keys.onReturnPressed: box.popup.open()
+            // As the template has it: what a key does to the list happens when it is let go.
+            Keys.onReleased: event => {
+                if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !event.isAutoRepeat && !box.popup.visible) {
+                    box.popup.open();
+                    event.accepted = true;
+                }
+            }
             focus: true
             focusPolicy: Qt.StrongFocus
             hoverEnabled: true
@@ -47,15 +53,10 @@ FocusScope {
             rightPadding: Theme.dp(32)
             width: parent.width
 
-            background: Rectangle {
-                border.color: box.popup.visible ? Theme.accent : !root.enabled ? Theme.border : box.hovered ? Theme.text3 : Theme.borderStrong
-                border.width: box.popup.visible ? 2 : 1
-                color: root.enabled ? Theme.surface : Theme.sunken
-                radius: Theme.radiusControl
-
-                LMPFocusRing {
-                    shown: box.visualFocus
-                }
+            background: LMPFieldFrame {
+                focused: box.down
+                hovered: box.hovered
+                ringed: box.visualFocus
             }
 
             contentItem: LMPText {

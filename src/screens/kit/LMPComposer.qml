@@ -1,12 +1,14 @@
 import QtQuick
 import QtQuick.Templates as T
+import Lumenpair.Kit
 import "inputKeys.js" as InputKeys
 
 /// Where a message is written. 44 to 220 high, grows with the text and scrolls from there on.
 ///
-/// Enter sends what is there (`submitted`), Shift+Enter breaks the line; Esc stops, only while `busy`. While an input
-/// method composes, none of these does anything, and nothing here touches the text. `text` belongs to the owner, who
-/// clears it when the message was taken over: what was typed is never lost to a send that failed.
+/// Enter sends what is there (`submitted`), Shift+Enter breaks the line; Esc stops, only while `busy`. What is submitted
+/// while `busy` is the owner's to hold back, and to say why in `hint`. While an input method composes, none of these does
+/// anything, and nothing here touches the text. `text` belongs to the owner, who clears it when the message was taken
+/// over: what was typed is never lost to a send that failed.
 FocusScope {
     id: root
 
@@ -22,6 +24,7 @@ FocusScope {
     /// Something to send that is not only white space, and leave to send it.
     readonly property bool ready: root.canSend && root.enabled && field.filled
 
+    /// The text is another one, by whatever means.
     signal edited
     signal stopRequested
     signal submitted(string text)
@@ -31,7 +34,7 @@ FocusScope {
     }
 
     function submit(): void {
-        if (root.ready && !root.busy && !field.inputMethodComposing)
+        if (root.ready && !field.inputMethodComposing)
             root.submitted(field.text);
     }
 
@@ -52,17 +55,21 @@ FocusScope {
         return false;
     }
 
-    function menu(): void {
+    function menu(atCursor: bool): void {
         textMenu.setSource("LMPTextMenu.qml", {
-            "area": field
-        });
-        (textMenu.item as LMPTextMenu).popup();
+                "area": field
+            });
+        const options = textMenu.item as LMPTextMenu;
+        if (atCursor)
+            options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
+        else
+            options.popup();
     }
 
     implicitHeight: box.height + (note.visible ? note.height + Theme.space4 : 0)
     implicitWidth: Theme.dp(560)
 
-    Rectangle {
+    LMPFieldFrame {
         id: box
 
         readonly property real buttonTop: height - Theme.dp(6) - Theme.control
@@ -70,17 +77,13 @@ FocusScope {
         readonly property real most: Theme.dp(220)
         readonly property real textPadding: Math.max(Theme.space4, Math.round((box.least - metrics.height) / 2))
 
-        border.color: !root.enabled ? Theme.border : field.activeFocus ? Theme.accent : Theme.borderStrong
-        border.width: field.activeFocus ? 2 : 1
-        color: root.enabled ? Theme.surface : Theme.sunken
+        focused: field.activeFocus
         height: attachments.height + Math.max(box.least, Math.min(box.most, Math.ceil(field.contentHeight + 2 * box.textPadding)))
+        hovered: field.hovered
         radius: Theme.radiusComposer
+        ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
         width: root.width
-
-        LMPFocusRing {
-            around: box.radius
-            shown: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
-        }
+        writable: !field.readOnly
 
         // A click beside the text is meant for it.
         MouseArea {
@@ -113,14 +116,17 @@ FocusScope {
             T.TextArea.flickable: T.TextArea {
                 id: field
 
+                readonly property LMPLongText longText: LMPLongText {
+                    editor: field
+                }
                 readonly property bool filled: field.length > 0 && /\S/.test(field.text)
 
-                Accessible.description: root.hint
+                Accessible.description: root.enabled ? root.hint : "不可用"
                 Accessible.multiLine: true
                 Accessible.name: root.placeholderText !== "" ? root.placeholderText : "消息"
-                Keys.onMenuPressed: root.menu()
+                Keys.onMenuPressed: root.menu(true)
                 Keys.onPressed: event => {
-                    if (root.take(event.key, event.modifiers))
+                    if (root.take(event.key, event.modifiers) || (!field.inputMethodComposing && InputKeys.leaves(field, event)))
                         event.accepted = true;
                 }
                 Keys.onShortcutOverride: event => {
@@ -140,7 +146,7 @@ FocusScope {
 
                 onPressed: event => {
                     if (event.button === Qt.RightButton)
-                        root.menu();
+                        root.menu(false);
                 }
                 onTextChanged: root.edited()
             }

@@ -29,17 +29,21 @@ LMPModal {
 
     accessibleDescription: root.text
     accessibleName: root.title
-    implicitHeight: column.implicitHeight + 2 * Theme.space20
-    height: implicitHeight
+    height: Math.min(implicitHeight, root.windowHeight - 2 * Theme.space16)
+    implicitHeight: scroll.contentHeight + answers.height + Theme.space20
+    scroller: scroll
     width: Math.min(Theme.dp(440), root.windowWidth - 2 * Theme.space16)
 
-    Column {
-        id: column
+    LMPScrollView {
+        id: scroll
 
+        anchors.bottom: answers.top
+        anchors.top: parent.top
+        bottomPadding: Theme.space16
+        horizontalPadding: Theme.space20
         spacing: Theme.space12
-        width: parent.width - 2 * Theme.space20
-        x: Theme.space20
-        y: Theme.space20
+        topPadding: Theme.space20
+        width: parent.width
 
         LMPText {
             Accessible.role: Accessible.Heading
@@ -60,28 +64,33 @@ LMPModal {
             id: extra
 
             spacing: Theme.space8
+            visible: extra.children.length > 0
             width: parent.width
         }
+    }
 
-        Flow {
-            layoutDirection: Qt.RightToLeft
-            spacing: Theme.space8
-            topPadding: Theme.space4
-            width: parent.width
+    Flow {
+        id: answers
 
-            Repeater {
-                model: root.buttons
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.space20
+        layoutDirection: Qt.RightToLeft
+        spacing: Theme.space8
+        width: parent.width - 2 * Theme.space20
+        x: Theme.space20
 
-                delegate: LMPButton {
-                    id: answer
+        Repeater {
+            model: root.buttons
 
-                    required property string modelData
+            delegate: LMPButton {
+                id: answer
 
-                    text: answer.modelData
-                }
+                required property string modelData
 
-                onItemAdded: (index, item) => root.prepare(index, item as LMPButton)
+                text: answer.modelData
             }
+
+            onItemAdded: (index, item) => root.prepare(index, item as LMPButton)
         }
     }
 

@@ -1,4 +1,5 @@
 /// Asked before what was typed into a sheet is lost.
+
 LMPDialog {
     id: root
 

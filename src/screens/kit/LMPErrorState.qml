@@ -1,4 +1,5 @@
 /// Something could not be shown: what happened in one sentence, and usually a way to try again.
+
 LMPEmptyState {
     id: root
 

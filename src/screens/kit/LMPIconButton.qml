@@ -8,8 +8,15 @@ T.AbstractButton {
     property bool danger: false
     property string iconName
     property real iconSize: 18
-    readonly property color ink: !root.enabled ? Theme.disabled : root.danger ? Theme.danger : root.checked ? Theme.accent : root.hovered
-                                                                                                         || root.visualFocus ? Theme.text : Theme.text2
+    readonly property color ink: root.inkOf(root.enabled, root.checked, root.hovered || root.visualFocus)
+
+    function inkOf(enabled: bool, checked: bool, met: bool): color {
+        if (!enabled)
+            return Theme.disabled;
+        if (root.danger)
+            return Theme.danger;
+        return checked ? Theme.accent : met ? Theme.text : Theme.text2;
+    }
 
     function press(event: KeyEvent): void {
         if (!event.isAutoRepeat) {
@@ -22,6 +29,7 @@ T.AbstractButton {
 
     Accessible.checkable: root.checkable
     Accessible.checked: root.checked
+    Accessible.description: root.enabled ? "" : "不可用"
     Accessible.name: root.text
     Accessible.role: Accessible.Button
     Keys.onEnterPressed: event => root.press(event)
@@ -55,8 +63,8 @@ T.AbstractButton {
         onWantedChanged: {
             if (wanted)
                 setSource("LMPButtonTip.qml", {
-                    "button": root
-                });
+                        "button": root
+                    });
             else
                 source = "";
         }

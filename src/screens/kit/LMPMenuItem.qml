@@ -17,6 +17,7 @@ T.MenuItem {
         event.accepted = true;
     }
 
+    Accessible.description: root.enabled ? "" : "不可用"
     Accessible.name: root.text
     Accessible.role: Accessible.MenuItem
     Keys.onEnterPressed: event => root.press(event)

@@ -11,6 +11,8 @@ T.Popup {
     property string accessibleName
     /// What had the keyboard before; null when it went away in the meantime.
     property Item before: null
+    /// Gets the keys that nothing else took, so that long words can be read with the keyboard on a button.
+    property Item scroller: null
     readonly property real windowHeight: root.parent ? root.parent.height : 0
     readonly property real windowWidth: root.parent ? root.parent.width : 0
 
@@ -39,6 +41,7 @@ T.Popup {
         Accessible.description: root.accessibleDescription
         Accessible.name: root.accessibleName
         Accessible.role: Accessible.Dialog
+        Keys.forwardTo: root.scroller ? [root.scroller] : []
         Keys.onEscapePressed: root.escaped()
         focus: true
     }

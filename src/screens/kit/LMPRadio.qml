@@ -10,7 +10,8 @@ T.RadioButton {
     /// The next or the previous one of the same parent, chosen and given the keyboard.
     function step(by: int): void {
         const all = [];
-        for (const item of root.parent.children) {
+        for (let i = 0; i < root.parent.children.length; ++i) {
+            const item = root.parent.children[i];
             if (item instanceof T.RadioButton && item.visible && item.enabled)
                 all.push(item);
         }
@@ -23,7 +24,7 @@ T.RadioButton {
         next.clicked();
     }
 
-    Accessible.description: root.description
+    Accessible.description: root.enabled ? root.description : "不可用"
     Accessible.name: root.text
     Keys.onDownPressed: root.step(1)
     Keys.onLeftPressed: root.step(-1)

@@ -38,6 +38,7 @@ T.AbstractButton {
         event.accepted = true;
     }
 
+    Accessible.description: root.enabled ? "" : "不可用"
     Accessible.name: root.spoken()
     Accessible.role: Accessible.ListItem
     Accessible.selectable: true
@@ -53,7 +54,7 @@ T.AbstractButton {
     text: root.title
 
     background: Rectangle {
-        color: root.selected ? Theme.ownBubble : root.down ? Theme.border : root.hovered && root.enabled ? Theme.hover : "transparent"
+        color: root.selected || root.down ? Theme.ownBubble : root.hovered && root.enabled ? Theme.hover : "transparent"
         radius: Theme.radiusRow
 
         // Selection is told by a bar too: the tint alone is too faint for some eyes.

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 
 /// A column that scrolls: its children stand below each other, each as wide as it says (`width: parent.width`).
-/// What gets the keyboard is brought into view; the page keys scroll.
+/// What gets the keyboard is brought into view; the page keys and the arrows scroll.
 Flickable {
     id: root
 
@@ -22,6 +22,20 @@ Flickable {
             root.contentY = Math.max(0, Math.min(top, bottom - root.height, root.contentHeight - root.height));
     }
 
+    function wayOf(key: int): real {
+        switch (key) {
+        case Qt.Key_PageDown:
+            return 0.9 * root.height;
+        case Qt.Key_PageUp:
+            return -0.9 * root.height;
+        case Qt.Key_Down:
+            return Theme.space40;
+        case Qt.Key_Up:
+            return -Theme.space40;
+        }
+        return 0;
+    }
+
     function scrollBy(pixels: real): void {
         root.contentY = Math.max(0, Math.min(root.contentY + pixels, root.contentHeight - root.height));
     }
@@ -35,9 +49,10 @@ Flickable {
     }
 
     Keys.onPressed: event => {
-        if (event.key !== Qt.Key_PageDown && event.key !== Qt.Key_PageUp)
+        const way = root.wayOf(event.key);
+        if (way === 0 || root.contentHeight <= root.height)
             return;
-        root.scrollBy((event.key === Qt.Key_PageDown ? 0.9 : -0.9) * root.height);
+        root.scrollBy(way);
         event.accepted = true;
     }
     T.ScrollBar.vertical: LMPScrollBar {

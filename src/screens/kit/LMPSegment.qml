@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// One word of an LMPSegmented, which it finds as the container it stands in.
+/// One word of an LMPSegmented, which it finds as the container it stands in. The container has the keyboard, not it.
 T.AbstractButton {
     id: root
 
@@ -12,10 +12,10 @@ T.AbstractButton {
 
     Accessible.checkable: true
     Accessible.checked: root.chosen
+    Accessible.description: root.enabled ? "" : "不可用"
     Accessible.name: root.text
     Accessible.role: Accessible.RadioButton
-    activeFocusOnTab: root.chosen || (root.index === 0 && root.row !== null && root.row.currentIndex < 0)
-    focusPolicy: Qt.ClickFocus
+    focusPolicy: Qt.NoFocus
     height: root.row ? root.row.availableHeight : implicitHeight
     hoverEnabled: true
     implicitHeight: Theme.target
@@ -30,7 +30,7 @@ T.AbstractButton {
 
         LMPFocusRing {
             around: Theme.radiusControl
-            shown: root.visualFocus
+            shown: root.chosen && root.row.visualFocus
         }
     }
 

@@ -10,24 +10,31 @@ T.Container {
 
     signal activated(int index)
 
-    function choose(index: int, byKey: bool): void {
-        if (index < 0 || index >= root.count)
+    function choose(index: int): void {
+        if (index < 0 || index >= root.count || index === root.currentIndex)
             return;
-        const changed = index !== root.currentIndex;
         // Not an assignment: what the owner bound `currentIndex` to stays bound.
         root.setCurrentIndex(index);
-        if (byKey)
-            root.itemAt(index).forceActiveFocus(Qt.TabFocusReason);
-        if (changed)
-            root.activated(index);
+        root.activated(index);
     }
 
-    Accessible.name: root.label
+    function press(index: int): void {
+        root.forceActiveFocus(Qt.MouseFocusReason);
+        root.choose(index);
+    }
+
+    Accessible.description: root.enabled ? "" : "不可用"
+    Accessible.focusable: true
+    Accessible.name: {
+        const current = root.currentIndex >= 0 && root.currentIndex < root.model.length ? root.model[root.currentIndex] : "";
+        return root.label === "" || current === "" ? root.label + current : root.label + "：" + current;
+    }
     Accessible.role: Accessible.PageTabList
-    Keys.onDownPressed: root.choose(root.currentIndex + 1, true)
-    Keys.onLeftPressed: root.choose(root.currentIndex - 1, true)
-    Keys.onRightPressed: root.choose(root.currentIndex + 1, true)
-    Keys.onUpPressed: root.choose(root.currentIndex - 1, true)
+    Keys.onDownPressed: root.choose(root.currentIndex + 1)
+    Keys.onLeftPressed: root.choose(root.currentIndex - 1)
+    Keys.onRightPressed: root.choose(root.currentIndex + 1)
+    Keys.onUpPressed: root.choose(root.currentIndex - 1)
+    focusPolicy: Qt.StrongFocus
     implicitHeight: Math.max(Theme.target, Theme.control)
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     padding: Theme.space2
@@ -51,6 +58,6 @@ T.Container {
         delegate: LMPSegment {
         }
 
-        onItemAdded: (index, item) => (item as LMPSegment).clicked.connect(() => root.choose(index, false))
+        onItemAdded: (index, item) => (item as LMPSegment).clicked.connect(() => root.press(index))
     }
 }

@@ -37,36 +37,8 @@ LMPModal {
     accessibleName: root.title
     height: Math.min(implicitHeight, root.windowHeight - 2 * Theme.space16)
     implicitHeight: header.height + scroll.contentHeight + footer.height
+    scroller: scroll
     width: Math.min(Theme.dp(root.sheetWidth), root.windowWidth - 2 * Theme.space16)
-
-    Item {
-        id: header
-
-        height: Math.max(Theme.dp(52), heading.implicitHeight + 2 * Theme.space12)
-        width: parent.width
-
-        LMPText {
-            id: heading
-
-            Accessible.role: Accessible.Heading
-            anchors.verticalCenter: parent.verticalCenter
-            kind: LMPText.H3
-            text: root.title
-            width: cross.x - x - Theme.space8
-            x: Theme.space20
-        }
-
-        LMPIconButton {
-            id: cross
-
-            anchors.right: parent.right
-            anchors.rightMargin: Theme.space12
-            anchors.verticalCenter: parent.verticalCenter
-            iconName: "close"
-            text: "关闭"
-            onClicked: root.dismiss()
-        }
-    }
 
     LMPScrollView {
         id: scroll
@@ -97,8 +69,13 @@ LMPModal {
             anchors.right: parent.right
             anchors.rightMargin: Theme.space20
             anchors.verticalCenter: parent.verticalCenter
-            layoutDirection: Qt.RightToLeft
             spacing: Theme.space8
+
+            LMPButton {
+                text: root.secondaryText
+                visible: root.secondaryText !== ""
+                onClicked: root.dismiss()
+            }
 
             LMPButton {
                 busy: root.primaryBusy
@@ -108,12 +85,35 @@ LMPModal {
                 visible: root.primaryText !== ""
                 onClicked: root.accepted()
             }
+        }
+    }
 
-            LMPButton {
-                text: root.secondaryText
-                visible: root.secondaryText !== ""
-                onClicked: root.dismiss()
-            }
+    Item {
+        id: header
+
+        height: Math.max(Theme.dp(52), heading.implicitHeight + 2 * Theme.space12)
+        width: parent.width
+
+        LMPText {
+            id: heading
+
+            Accessible.role: Accessible.Heading
+            anchors.verticalCenter: parent.verticalCenter
+            kind: LMPText.H3
+            text: root.title
+            width: cross.x - x - Theme.space8
+            x: Theme.space20
+        }
+
+        LMPIconButton {
+            id: cross
+
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.space12
+            anchors.verticalCenter: parent.verticalCenter
+            iconName: "close"
+            text: "关闭"
+            onClicked: root.dismiss()
         }
     }
 

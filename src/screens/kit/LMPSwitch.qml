@@ -7,12 +7,12 @@ T.Switch {
 
     property string description
 
-    Accessible.description: root.description
+    Accessible.description: root.enabled ? root.description : "不可用"
     Accessible.name: root.text
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     implicitHeight: Math.max(Theme.control, implicitContentHeight + topPadding + bottomPadding)
-    implicitWidth: implicitContentWidth + Theme.space16 + implicitIndicatorWidth
+    implicitWidth: implicitContentWidth
     verticalPadding: Theme.space4
 
     contentItem: LMPChoiceText {
@@ -42,7 +42,7 @@ T.Switch {
             x: root.checked ? parent.width - width - Theme.dp(3) : Theme.dp(3)
             y: Theme.dp(3)
 
-            Behavior on x {
+            Behavior on x  {
                 NumberAnimation {
                     duration: Theme.motion
                     easing.type: Easing.OutCubic

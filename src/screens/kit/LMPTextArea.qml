@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Lumenpair.Kit
 import "inputKeys.js" as InputKeys
 
 /// Several lines of text with a label above and, below them, help or what is wrong. Grows from `minimumLines` to
@@ -19,13 +20,18 @@ FocusScope {
     readonly property bool failed: root.errorText !== ""
     readonly property real line: metrics.height
 
+    /// The text is another one, by whatever means.
     signal textEdited
 
-    function menu(): void {
+    function menu(atCursor: bool): void {
         textMenu.setSource("LMPTextMenu.qml", {
-            "area": field
-        });
-        (textMenu.item as LMPTextMenu).popup();
+                "area": field
+            });
+        const options = textMenu.item as LMPTextMenu;
+        if (atCursor)
+            options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
+        else
+            options.popup();
     }
 
     implicitHeight: column.implicitHeight
@@ -52,18 +58,14 @@ FocusScope {
             width: parent.width
         }
 
-        Rectangle {
-            border.color: root.failed ? Theme.danger : field.activeFocus ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
-                                                                                                                                Theme.borderStrong
-            border.width: field.activeFocus || root.failed ? 2 : 1
-            color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
+        LMPFieldFrame {
+            failed: root.failed
+            focused: field.activeFocus
             height: Math.max(root.minimumLines * root.line, Math.min(root.maximumLines * root.line, field.contentHeight)) + 2 * Theme.space8
-            radius: Theme.radiusControl
+            hovered: field.hovered
+            ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
             width: parent.width
-
-            LMPFocusRing {
-                shown: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason)
-            }
+            writable: !field.readOnly
 
             Flickable {
                 id: flick
@@ -73,16 +75,18 @@ FocusScope {
                 T.TextArea.flickable: T.TextArea {
                     id: field
 
-                    Accessible.description: root.failed ? root.errorText : root.helpText
+                    readonly property LMPLongText longText: LMPLongText {
+                        editor: field
+                    }
+
+                    Accessible.description: !root.enabled ? "不可用" : root.failed ? root.errorText : root.helpText
                     Accessible.multiLine: true
                     Accessible.name: root.label !== "" ? root.label : root.placeholderText
-                    Keys.onMenuPressed: root.menu()
+                    Keys.onMenuPressed: root.menu(true)
                     Keys.onPressed: event => {
-                        if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
+                        if (field.inputMethodComposing ? InputKeys.heldByComposition(event.key) : InputKeys.leaves(field, event))
                             event.accepted = true;
                     }
-                    KeyNavigation.priority: KeyNavigation.BeforeItem
-                    KeyNavigation.tab: field.nextItemInFocusChain(true)
                     color: root.enabled ? Theme.text : Theme.disabled
                     focus: true
                     font.family: Theme.fontFamily
@@ -96,12 +100,9 @@ FocusScope {
 
                     onPressed: event => {
                         if (event.button === Qt.RightButton)
-                            root.menu();
+                            root.menu(false);
                     }
-                    onTextChanged: {
-                        if (field.activeFocus)
-                            root.textEdited();
-                    }
+                    onTextChanged: root.textEdited()
                 }
                 anchors.bottomMargin: Theme.space8
                 anchors.fill: parent
@@ -127,27 +128,16 @@ FocusScope {
             }
         }
 
-        Row {
-            spacing: Theme.space4
-            visible: root.failed || root.helpText !== ""
+        Loader {
+            active: root.failed || root.helpText !== ""
+            source: "LMPFieldNote.qml"
+            // An emptied loader keeps its height.
+            visible: active
             width: parent.width
-
-            LMPIcon {
-                color: Theme.danger
-                name: root.failed ? "error" : ""
-                size: 14
-                visible: root.failed
-                y: Math.round((note.lineHeight - height) / 2)
-            }
-
-            LMPText {
-                id: note
-
-                Accessible.ignored: true
-                color: root.failed ? Theme.danger : Theme.text2
-                kind: LMPText.Caption
-                text: root.failed ? root.errorText : root.helpText
-                width: parent.width - (root.failed ? Theme.dp(18) : 0)
+            onLoaded: {
+                const note = item as LMPFieldNote;
+                note.failed = Qt.binding(() => root.failed);
+                note.text = Qt.binding(() => root.failed ? root.errorText : root.helpText);
             }
         }
     }

@@ -52,27 +52,32 @@ FocusScope {
         T.TextField {
             id: field
 
+            readonly property string called: root.label !== "" ? root.label : root.placeholderText
             readonly property bool failed: root.errorText !== ""
-            readonly property bool ringed: field.activeFocus && (field.focusReason === Qt.TabFocusReason || field.focusReason === Qt.BacktabFocusReason
-                                                                 || field.focusReason === Qt.ShortcutFocusReason)
+            readonly property bool ringed: field.activeFocus && InputKeys.cameByKey(field.focusReason)
 
-            function menu(): void {
+            function menu(atCursor: bool): void {
                 textMenu.setSource("LMPTextMenu.qml", {
-                    "line": field
-                });
-                (textMenu.item as LMPTextMenu).popup();
+                        "line": field
+                    });
+                const options = textMenu.item as LMPTextMenu;
+                if (atCursor)
+                    options.popup(field, field.cursorRectangle.x, field.cursorRectangle.y + field.cursorRectangle.height);
+                else
+                    options.popup();
             }
 
-            Accessible.description: field.failed ? root.errorText : root.helpText
-            Accessible.name: root.label !== "" ? root.label : root.placeholderText
+            // Qt keeps the name of a password field to itself, so its label is said here.
+            Accessible.description: (root.secret ? field.called + "。" : "") + (!root.enabled ? "不可用" : field.failed ? root.errorText : root.helpText)
+            Accessible.name: field.called
             Accessible.passwordEdit: root.secret
-            Keys.onMenuPressed: field.menu()
+            Keys.onMenuPressed: field.menu(true)
             Keys.onPressed: event => {
                 if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
                     event.accepted = true;
             }
             color: root.enabled ? Theme.text : Theme.disabled
-            echoMode: root.secret && !reveal.checked ? TextInput.Password : TextInput.Normal
+            echoMode: root.secret && !reveal.shows ? TextInput.Password : TextInput.Normal
             focus: true
             font.family: Theme.fontFamily
             font.pixelSize: Theme.sp(14)
@@ -86,22 +91,18 @@ FocusScope {
             verticalAlignment: TextInput.AlignVCenter
             width: parent.width
 
-            background: Rectangle {
-                border.color: field.failed ? Theme.danger : field.activeFocus ? Theme.accent : !root.enabled ? Theme.border : field.hovered ? Theme.text3 :
-                                                                                                                                   Theme.borderStrong
-                border.width: field.activeFocus || field.failed ? 2 : 1
-                color: root.enabled && !field.readOnly ? Theme.surface : Theme.sunken
-                radius: Theme.radiusControl
-
-                LMPFocusRing {
-                    shown: field.ringed
-                }
+            background: LMPFieldFrame {
+                failed: field.failed
+                focused: field.activeFocus
+                hovered: field.hovered
+                ringed: field.ringed
+                writable: !field.readOnly
             }
 
             onAccepted: root.accepted()
             onPressed: event => {
                 if (event.button === Qt.RightButton)
-                    field.menu();
+                    field.menu(false);
             }
             onTextEdited: root.textEdited()
 
@@ -128,18 +129,16 @@ FocusScope {
                 size: 16
             }
 
-            LMPIconButton {
+            Loader {
                 id: reveal
 
+                readonly property bool shows: reveal.item !== null && (reveal.item as LMPReveal).checked
+
+                active: root.secret
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.space2
                 anchors.verticalCenter: parent.verticalCenter
-                checkable: true
-                iconName: reveal.checked ? "eye-off" : "eye"
-                iconSize: 16
-                implicitHeight: Theme.target
-                text: reveal.checked ? "隐藏输入的内容" : "显示输入的内容"
-                visible: root.secret
+                source: "LMPReveal.qml"
             }
 
             Loader {
@@ -147,27 +146,16 @@ FocusScope {
             }
         }
 
-        Row {
-            spacing: Theme.space4
-            visible: field.failed || root.helpText !== ""
+        Loader {
+            active: field.failed || root.helpText !== ""
+            source: "LMPFieldNote.qml"
+            // An emptied loader keeps its height.
+            visible: active
             width: parent.width
-
-            LMPIcon {
-                color: Theme.danger
-                name: field.failed ? "error" : ""
-                size: 14
-                visible: field.failed
-                y: Math.round((note.lineHeight - height) / 2)
-            }
-
-            LMPText {
-                id: note
-
-                Accessible.ignored: true
-                color: field.failed ? Theme.danger : Theme.text2
-                kind: LMPText.Caption
-                text: field.failed ? root.errorText : root.helpText
-                width: parent.width - (field.failed ? Theme.dp(18) : 0)
+            onLoaded: {
+                const note = item as LMPFieldNote;
+                note.failed = Qt.binding(() => field.failed);
+                note.text = Qt.binding(() => field.failed ? root.errorText : root.helpText);
             }
         }
     }

@@ -21,3 +21,17 @@ function heldByComposition(key) {
     }
     return false;
 }
+
+// Tab leaves a text of several lines, as it leaves every other control. Whether the key did that.
+function leaves(item, event) {
+    if ((event.key !== Qt.Key_Tab && event.key !== Qt.Key_Backtab) || (event.modifiers & ~Qt.ShiftModifier))
+        return false;
+    const forward = event.key === Qt.Key_Tab && !(event.modifiers & Qt.ShiftModifier);
+    item.nextItemInFocusChain(forward).forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
+    return true;
+}
+
+// Whether the keyboard came to a text by the keyboard. The templates say so of every control but texts.
+function cameByKey(reason) {
+    return reason === Qt.TabFocusReason || reason === Qt.BacktabFocusReason || reason === Qt.ShortcutFocusReason;
+}

@@ -154,8 +154,14 @@ void InlineWriter::closePicture() {
     if (--m_pictures > 0)
         return;
     m_made.pictures.last().alt = m_alt.simplified();
-    const bool only = m_onlyPictures;
-    write(m_alt.isEmpty() ? u"[图片]"_s : u"[图片："_s + m_alt.simplified() + u"]"_s);
+    // A picture that is a link has its text for that.
+    const bool only = m_onlyPictures && !m_inLink;
+    const QString &url = MarkdownInline::safeUrl(m_made.pictures.last().url);
+    const QString words = m_alt.isEmpty() ? u"[图片]"_s : u"[图片："_s + m_alt.simplified() + u"]"_s;
+    if (m_inLink || url.isEmpty())
+        write(words);
+    else
+        writeLink(words, url);
     m_onlyPictures = only;
 }
 
@@ -209,7 +215,7 @@ void InlineWriter::writeLink(QStringView text, const QString &url) {
     m_made.text += u"<a href=\""_s + MarkdownInline::escaped(url) + u"\">"_s;
     write(text);
     m_made.text += u"</a>"_s;
-    m_made.links += MarkdownLink{start, m_made.length - start, url, false};
+    m_made.links += MarkdownLink{start, m_made.length - start, url, bareAddress(text) != bareAddress(url)};
 }
 
 /// Text to the letter, but for characters that would end the paragraph, mean something to the layout or turn the

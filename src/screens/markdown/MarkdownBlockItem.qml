@@ -27,14 +27,14 @@ Item {
     property MarkdownColumn view: root.parent as MarkdownColumn
     property Item barsItem
     property Item body
+    /// The text of the body, if it has any.
+    property MarkdownEdit edit
     property Item markerItem
 
     function takeFocus(by: int): bool {
-        const body = root.body as MarkdownText;
-        if (!body)
-            return false;
-        body.enter(by);
-        return true;
+        if (root.edit)
+            root.edit.enter(by);
+        return root.edit !== null;
     }
 
     /// Most blocks have neither bars nor a marker, and no items for them.

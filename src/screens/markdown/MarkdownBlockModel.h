@@ -52,7 +52,7 @@ public:
     Q_INVOKABLE void setText(const QString &text);
     /// More of the text.
     Q_INVOKABLE void append(const QString &piece);
-    /// No more will come: the last line counts as it stands.
+    /// No more is expected: the last line counts as it stands.
     Q_INVOKABLE void finish();
 
     /// The block as it was written; all the code of a code block.

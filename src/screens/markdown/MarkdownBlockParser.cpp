@@ -41,27 +41,41 @@ void MarkdownBlockParser::append(QStringView piece) {
     m_settled = m_state.leaf == Leaf::None ? m_blocks.size() : m_blocks.size() - 1;
     if (m_pending.isEmpty() || (!m_state.cut && line::isUndecided(m_pending)))
         return;
-    const MarkdownSource *last = m_blocks.isEmpty() ? nullptr : &m_blocks.last();
-    m_undo = last ? Undo{m_state, m_blocks.size(), last->text.size(), last->lines, last->closed} : Undo{m_state};
+    m_undo = undo();
     takeLine(withoutReturn(m_pending));
 }
 
 void MarkdownBlockParser::finish() {
     takeBack();
+    m_undo = undo();
+    if (!m_blocks.isEmpty())
+        m_undo->last = m_blocks.last();
     if (!m_pending.isEmpty())
         takeLine(withoutReturn(m_pending));
-    m_pending.clear();
     m_state.cut = false;
     closeLeaf();
     closeContainers(1);
-    m_settled = m_blocks.size();
 }
 
+MarkdownBlockParser::Undo MarkdownBlockParser::undo() const {
+    Undo undo{.state = m_state, .blocks = m_blocks.size()};
+    if (!m_blocks.isEmpty()) {
+        undo.text = m_blocks.last().text.size();
+        undo.lines = m_blocks.last().lines;
+        undo.closed = m_blocks.last().closed;
+    }
+    return undo;
+}
+
+/// An unfinished line only adds to the last block's text, never makes something else of it: such lines wait until they
+/// are whole.
 void MarkdownBlockParser::takeBack() {
     if (!m_undo)
         return;
     m_blocks.remove(m_undo->blocks, m_blocks.size() - m_undo->blocks);
-    if (!m_blocks.isEmpty()) {
+    if (m_undo->last) {
+        m_blocks.last() = std::move(*m_undo->last);
+    } else if (!m_blocks.isEmpty()) {
         MarkdownSource &last = m_blocks.last();
         last.text.truncate(m_undo->text);
         last.lines = m_undo->lines;

@@ -14,7 +14,8 @@ namespace lmp {
 class MarkdownBlockParser {
 public:
     void append(QStringView piece);
-    /// The end of the text: what is open is closed, the last line counts as it is.
+    /// The end of the text as far as is known: what is open is closed, the last line counts as it is. Should more
+    /// arrive after all, it goes on where the text ended.
     void finish();
 
     [[nodiscard]] const QList<MarkdownSource> &blocks() const { return m_blocks; }
@@ -46,15 +47,17 @@ private:
         int ids = 0;
     };
 
-    /// What it takes to undo the provisional line.
+    /// What it takes to undo the provisional line, or the end.
     struct Undo {
         State state;
         qsizetype blocks = 0;
+        std::optional<MarkdownSource> last = {}; ///< whole where more than its text may change
         qsizetype text = 0;
         int lines = 0;
         bool closed = false;
     };
 
+    [[nodiscard]] Undo undo() const;
     void takeBack();
     void takePending();
     void takeLine(QStringView text);

@@ -1,7 +1,9 @@
 import QtQuick
 import Lumenpair.Kit
+import Lumenpair.Markdown
 
-/// Code with its language and a button that copies all of it. Long code shows its beginning until asked for more.
+/// Code with its language and a button that copies all of it. Long code shows its beginning until asked for more; a
+/// language gives it colours once it is whole.
 Rectangle {
     id: root
 
@@ -16,6 +18,17 @@ Rectangle {
     width: root.block.width - x
     x: Theme.dp(root.block.indent)
     y: Theme.dp(root.block.space)
+
+    Component.onCompleted: root.block.edit = edit
+
+    CodeDocument {
+        code: root.block.code
+        colours: [Theme.accent, Theme.success, Theme.text3, Theme.warning, Theme.care, Theme.added, Theme.removed]
+        document: edit.textDocument
+        language: root.block.language
+        lineHeight: Theme.dp(20)
+        whole: root.block.closed
+    }
 
     Item {
         id: header
@@ -38,9 +51,11 @@ Rectangle {
         LMPButton {
             id: copy
 
+            Accessible.description: "拷贝这段代码的全部内容"
             anchors.right: parent.right
             anchors.rightMargin: Theme.dp(2)
             anchors.verticalCenter: parent.verticalCenter
+            iconName: copied.running ? "check" : "copy"
             kind: LMPButton.Quiet
             text: copied.running ? "已复制" : "复制"
 
@@ -57,35 +72,25 @@ Rectangle {
         }
     }
 
-    Flickable {
+    MarkdownSideways {
         id: sideways
 
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        contentHeight: height
-        contentWidth: edit.implicitWidth
-        flickableDirection: Flickable.HorizontalFlick
-        height: edit.implicitHeight
+        edit: edit
+        height: implicitHeight
         width: parent.width - 2 * x
         x: Theme.dp(12)
         y: header.height
 
-        TextEdit {
+        MarkdownEdit {
             id: edit
 
-            Accessible.name: "代码"
-            Accessible.readOnly: true
-            activeFocusOnTab: false
-            color: Theme.text
+            Accessible.name: root.block.language !== "" ? root.block.language + " 代码" : "代码"
+            Accessible.role: Accessible.EditableText
             font.family: Theme.monoFamily
             font.pixelSize: Theme.sp(13)
-            readOnly: true
-            selectByKeyboard: true
-            selectByMouse: true
-            selectedTextColor: Theme.onAccent
-            selectionColor: Theme.accent
-            text: root.block.code
+            row: root.block.index
             textFormat: TextEdit.PlainText
+            view: root.block.view
             width: Math.max(implicitWidth, sideways.width)
             wrapMode: TextEdit.NoWrap
         }
@@ -94,17 +99,15 @@ Rectangle {
     Item {
         id: bottom
 
-        height: root.block.hidden > 0 ? Theme.dp(40) : Theme.dp(12)
+        height: more.visible ? Theme.dp(40) : Theme.dp(12)
         width: parent.width
         y: sideways.y + sideways.height
 
-        LMPButton {
-            anchors.centerIn: parent
-            kind: LMPButton.Link
-            text: "展开（还有 " + root.block.hidden + " 行）"
-            visible: root.block.hidden > 0
+        MarkdownMore {
+            id: more
 
-            onClicked: root.block.view.blocks.expand(root.block.index)
+            anchors.centerIn: parent
+            block: root.block
         }
     }
 }

@@ -12,14 +12,22 @@ Column {
     property int current: 0
     /// Rich text names no colour and no font of its own; this is where it gets them from.
     readonly property string style: "<style>p,th,td{margin:0;white-space:pre-wrap}" + "a{color:" + Theme.link + "}" + "code{font-family:'"
-        + Theme.monoFamily + "';font-size:" + Theme.sp(13) + "px;background-color:" + Theme.sunken + "}" + "b,th{font-weight:600}.em{font-weight:500}"
-        + "table{border-color:" + Theme.border + "}" + "th{background-color:" + Theme.sunken + "}</style>"
+        + Theme.monoFamily + "';font-size:" + Theme.sp(13) + "px;background-color:" + Theme.sunken + "}" + "b,th,.em{font-weight:600}"
+        + "table{border-color:" + Theme.border + "}" + "</style>"
+
+    /// How much lower a bullet stands than its line begins: a line of rich text has its spare height above the text.
+    readonly property real drop: Math.max(0, Theme.dp(25) - root.metrics.height)
+    readonly property FontMetrics metrics: FontMetrics {
+        font.family: Theme.fontFamily
+        font.pixelSize: Theme.sp(15)
+    }
 
     property Component address
     property Component bars
     property Component code
     property Component image
     property Component marker
+    property Component ring
     property Component rule
     property Component table
     property Component text

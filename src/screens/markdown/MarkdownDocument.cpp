@@ -66,6 +66,8 @@ void MarkdownDocument::append(QStringView piece) {
 void MarkdownDocument::finish() {
     m_parser.finish();
     update();
+    // The last line may turn out to be another, and with it what the table is.
+    m_rows = Rows();
 }
 
 QString MarkdownDocument::source(qsizetype block) const {

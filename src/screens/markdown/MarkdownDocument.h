@@ -9,15 +9,15 @@ namespace lmp {
 /// A Markdown text as the blocks that are drawn, growing as the text arrives.
 ///
 /// `append` works on the last open blocks alone; all before stay as they are. However a text is cut into pieces, after
-/// `finish` the blocks are those of the whole text. Reference definitions and raw HTML are no Markdown here: both are
-/// shown as they are written. A value for one thread. Cannot fail: every text is Markdown, and MarkdownLimits keeps
-/// each block small whatever arrives.
+/// `finish` the blocks are those of the whole text; while it grows, a last line that may still become anything waits.
+/// Reference definitions and raw HTML are no Markdown here: both are shown as they are written. A value for one thread.
+/// Cannot fail: every text is Markdown, and MarkdownLimits keeps each block small whatever arrives.
 class MarkdownDocument {
 public:
     /// Another text, whole.
     void setText(QStringView text);
     void append(QStringView piece);
-    /// The end of the text: the last line means what it says as it stands.
+    /// The end of the text as far as is known: the last line means what it says as it stands.
     void finish();
 
     [[nodiscard]] const QList<MarkdownBlock> &blocks() const { return m_blocks; }

@@ -18,7 +18,7 @@ Item {
     height: Theme.dp(25)
     width: root.task ? Theme.dp(14) : label.implicitWidth
     x: Theme.dp(root.block.indent) - width - Theme.dp(8)
-    y: Theme.dp(root.block.space)
+    y: Theme.dp(root.block.space) + root.block.view.drop
 
     LMPText {
         id: label
@@ -30,7 +30,7 @@ Item {
     }
 
     Rectangle {
-        anchors.centerIn: parent
+        anchors.horizontalCenter: parent.horizontalCenter
         border.color: root.done ? Theme.accent : Theme.borderStrong
         border.width: 1
         color: root.done ? Theme.accent : "transparent"
@@ -38,6 +38,7 @@ Item {
         radius: Theme.dp(3)
         visible: root.task
         width: Theme.dp(14)
+        y: Math.round((root.block.view.metrics.height - height) / 2)
 
         LMPIcon {
             anchors.centerIn: parent

@@ -49,7 +49,7 @@ QString row(QStringView line, const QList<line::Align> &columns) {
 }
 
 QString table(const QString &rows) {
-    return u"<table border=\"1\" cellspacing=\"0\" cellpadding=\"6\">"_s + rows + u"</table>"_s;
+    return u"<table border=\"1\" cellspacing=\"-1\" cellpadding=\"6\">"_s + rows + u"</table>"_s;
 }
 
 } // namespace lmp::MarkdownTable

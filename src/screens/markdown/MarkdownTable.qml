@@ -8,49 +8,38 @@ Item {
     required property MarkdownBlockItem block
 
     height: implicitHeight
-    implicitHeight: sideways.height + (root.block.hidden > 0 ? Theme.dp(32) : 0)
+    implicitHeight: sideways.height + (more.visible ? more.height : 0)
     width: root.block.width - x
     x: Theme.dp(root.block.indent)
     y: Theme.dp(root.block.space)
 
-    Flickable {
+    Component.onCompleted: root.block.edit = edit
+
+    MarkdownSideways {
         id: sideways
 
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        contentHeight: height
-        contentWidth: edit.width
-        flickableDirection: Flickable.HorizontalFlick
-        height: edit.implicitHeight
+        edit: edit
+        height: implicitHeight
         width: parent.width
 
-        TextEdit {
+        MarkdownEdit {
             id: edit
 
             Accessible.name: "表格"
-            Accessible.readOnly: true
-            color: Theme.text
-            font.family: Theme.fontFamily
+            Accessible.role: Accessible.EditableText
             font.pixelSize: Theme.sp(14)
-            readOnly: true
-            selectByKeyboard: true
-            selectByMouse: true
-            selectedTextColor: Theme.onAccent
-            selectionColor: Theme.accent
+            row: root.block.index
             text: root.block.view.style + root.block.text
             textFormat: TextEdit.RichText
+            view: root.block.view
             wrapMode: TextEdit.NoWrap
-
-            onLinkActivated: link => root.block.view.linkActivated(link)
         }
     }
 
-    LMPButton {
-        anchors.bottom: parent.bottom
-        kind: LMPButton.Link
-        text: "展开（还有 " + root.block.hidden + " 行）"
-        visible: root.block.hidden > 0
+    MarkdownMore {
+        id: more
 
-        onClicked: root.block.view.blocks.expand(root.block.index)
+        anchors.bottom: parent.bottom
+        block: root.block
     }
 }

@@ -28,6 +28,8 @@ MarkdownColumn {
     }
     marker: MarkdownMarker {
     }
+    ring: LMPFocusRing {
+    }
     rule: MarkdownRule {
     }
     table: MarkdownTable {

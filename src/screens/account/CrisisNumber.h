@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <boost/describe.hpp>
+
+namespace lmp {
+
+/// A number of the crisis card or the crisis page, as it is shown.
+struct CrisisNumber {
+    QString label;
+    QString phone;
+    QString note; ///< may be empty
+    bool operator==(const CrisisNumber &) const = default;
+};
+BOOST_DESCRIBE_STRUCT(CrisisNumber, (), (label, phone, note))
+
+} // namespace lmp

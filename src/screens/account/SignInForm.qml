@@ -1,0 +1,264 @@
+import QtQuick
+import Lumenpair.Account
+import Lumenpair.Kit
+
+/// The fields of the chosen way of signing in, each with what is to be said about it.
+FocusScope {
+    id: root
+
+    required property SignInModel signIn
+    readonly property bool registers: root.signIn.mode === SignInModel.EmailRegister
+    readonly property bool resets: root.signIn.mode === SignInModel.Reset
+    readonly property bool waitsForProvider: root.signIn.providerText !== ""
+    property bool invited: false
+
+    function goTo(field: int): void {
+        const items = [null, address, address, code, secret];
+        if (items[field])
+            items[field].forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    function focusFirst(): void {
+        address.forceActiveFocus();
+    }
+
+    function submit(): void {
+        root.goTo(root.signIn.submit());
+    }
+
+    function change(mode: int): void {
+        root.signIn.mode = mode;
+        root.focusFirst();
+    }
+
+    implicitHeight: column.implicitHeight
+
+    Column {
+        id: column
+
+        spacing: Theme.space12
+        width: parent.width
+
+        LMPText {
+            Accessible.role: Accessible.Heading
+            kind: LMPText.H2
+            text: root.resets ? "重设密码" : root.registers ? "用邮箱注册" : "登录"
+            width: parent.width
+        }
+
+        LMPSegmented {
+            currentIndex: root.signIn.way
+            enabled: !root.signIn.submitting
+            label: "登录方式"
+            model: ["手机验证码", "手机密码", "邮箱"]
+            visible: !root.resets && !root.registers
+            onActivated: index => root.signIn.chooseWay(index)
+        }
+
+        LMPSegmented {
+            currentIndex: root.signIn.resetByEmail ? 1 : 0
+            enabled: !root.signIn.submitting
+            label: "用什么重设"
+            model: ["用手机号", "用邮箱"]
+            visible: root.resets
+            onActivated: index => root.signIn.resetByEmail = index === 1
+        }
+
+        LMPBanner {
+            text: root.signIn.notice
+            tone: LMPBanner.Success
+            visible: root.signIn.notice !== ""
+        }
+
+        Row {
+            spacing: Theme.space8
+            width: parent.width
+
+            LMPComboBox {
+                id: dial
+
+                currentIndex: root.signIn.dialIndex
+                enabled: !root.signIn.submitting
+                label: "国家或地区"
+                model: root.signIn.dialLabels
+                visible: root.signIn.asksPhone
+                width: Math.min(Theme.dp(164), Math.round(parent.width * 0.44))
+                onActivated: index => root.signIn.dialIndex = index
+            }
+
+            LMPTextField {
+                id: address
+
+                readonly property bool phone: root.signIn.asksPhone
+
+                errorText: address.phone ? root.signIn.phoneMessage : root.signIn.emailMessage
+                focus: true
+                inputMethodHints: address.phone ? Qt.ImhDialableCharactersOnly : Qt.ImhEmailCharactersOnly
+                label: address.phone ? "手机号" : "邮箱"
+                readOnly: root.signIn.submitting
+                text: address.phone ? root.signIn.phone : root.signIn.email
+                width: parent.width - (dial.visible ? dial.width + parent.spacing : 0)
+                onAccepted: root.submit()
+                onTextEdited: {
+                    if (address.phone)
+                        root.signIn.phone = address.text;
+                    else
+                        root.signIn.email = address.text;
+                }
+            }
+        }
+
+        Row {
+            spacing: Theme.space8
+            visible: root.signIn.asksCode
+            width: parent.width
+
+            LMPTextField {
+                id: code
+
+                errorText: root.signIn.codeMessage
+                helpText: root.signIn.codeNotice
+                inputMethodHints: Qt.ImhPreferNumbers | Qt.ImhNoPredictiveText
+                label: "验证码"
+                readOnly: root.signIn.submitting
+                text: root.signIn.code
+                width: parent.width - send.width - parent.spacing
+                onAccepted: root.submit()
+                onTextEdited: root.signIn.code = code.text
+            }
+
+            LMPButton {
+                id: send
+
+                busy: root.signIn.sending
+                enabled: root.signIn.canSendCode || root.signIn.sending
+                height: Theme.control
+                text: root.signIn.sendText
+                width: Theme.dp(124)
+                // Beside the box, not beside its label.
+                y: labelHeight.height + Theme.space4
+                onClicked: root.goTo(root.signIn.sendCode())
+
+                LMPText {
+                    id: labelHeight
+
+                    Accessible.ignored: true
+                    kind: LMPText.Label
+                    text: code.label
+                    visible: false
+                }
+            }
+        }
+
+        LMPTextField {
+            id: secret
+
+            errorText: root.signIn.passwordMessage
+            label: root.resets ? "新密码" : root.registers ? "设一个密码" : "密码"
+            readOnly: root.signIn.submitting
+            secret: true
+            text: root.resets ? root.signIn.newPassword : root.signIn.password
+            visible: root.signIn.asksPassword || root.resets
+            width: parent.width
+            onAccepted: root.submit()
+            onTextEdited: {
+                if (root.resets)
+                    root.signIn.newPassword = secret.text;
+                else
+                    root.signIn.password = secret.text;
+            }
+        }
+
+        LMPTextField {
+            id: invite
+
+            helpText: "没有就不用填。"
+            label: "邀请码"
+            readOnly: root.signIn.submitting
+            text: root.signIn.inviteCode
+            visible: root.signIn.asksInvite && root.invited
+            width: parent.width
+            onAccepted: root.submit()
+            onTextEdited: root.signIn.inviteCode = invite.text
+        }
+
+        LMPBanner {
+            text: root.signIn.message
+            tone: LMPBanner.Danger
+            visible: root.signIn.message !== ""
+        }
+
+        LMPButton {
+            busy: root.signIn.submitting && !root.waitsForProvider
+            enabled: !root.waitsForProvider
+            kind: LMPButton.Primary
+            text: root.signIn.submitText
+            width: parent.width
+            onClicked: root.submit()
+        }
+
+        LMPText {
+            color: Theme.text2
+            kind: LMPText.Caption
+            text: "没注册过的手机号，登录时会直接建一个新账号。"
+            visible: root.signIn.mode === SignInModel.Sms
+            width: parent.width
+        }
+
+        Flow {
+            spacing: Theme.space8
+            width: parent.width + Theme.space4
+            // A link's own margin, so that its words stand below the others.
+            x: -Theme.space4
+
+            LMPButton {
+                enabled: !root.signIn.submitting
+                kind: LMPButton.Link
+                text: "注册新账号"
+                visible: root.signIn.mode === SignInModel.EmailSignIn
+                onClicked: root.change(SignInModel.EmailRegister)
+            }
+
+            LMPButton {
+                enabled: !root.signIn.submitting
+                kind: LMPButton.Link
+                text: "忘了密码"
+                visible: root.signIn.mode === SignInModel.Password || root.signIn.mode === SignInModel.EmailSignIn
+                onClicked: {
+                    root.signIn.resetByEmail = root.signIn.mode === SignInModel.EmailSignIn;
+                    root.change(SignInModel.Reset);
+                }
+            }
+
+            LMPButton {
+                enabled: !root.signIn.submitting
+                kind: LMPButton.Link
+                text: "有邀请码"
+                visible: root.signIn.asksInvite && !root.invited
+                onClicked: {
+                    root.invited = true;
+                    invite.forceActiveFocus(Qt.TabFocusReason);
+                }
+            }
+
+            LMPButton {
+                enabled: !root.signIn.submitting
+                kind: LMPButton.Link
+                text: "返回登录"
+                visible: root.resets || root.registers
+                onClicked: root.change(root.registers || root.signIn.resetByEmail ? SignInModel.EmailSignIn : SignInModel.Password)
+            }
+        }
+
+        Loader {
+            id: providers
+
+            active: root.signIn.offersGoogle || root.signIn.offersApple
+            visible: providers.active && !root.resets
+            width: parent.width
+            Component.onCompleted: providers.setSource("ProviderButtons.qml", {
+                signIn: root.signIn
+            })
+        }
+    }
+}

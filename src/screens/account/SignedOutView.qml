@@ -1,0 +1,112 @@
+import QtQuick
+import Lumenpair.Account
+import Lumenpair.Kit
+
+/// Signing in, and the guest trial beside it.
+FocusScope {
+    id: root
+
+    required property CrisisResourcesModel resources
+    required property SessionModel session
+    property bool trying: false
+
+    signal crisisRequested
+
+    function back(): void {
+        root.trying = false;
+        form.focusFirst();
+    }
+
+    function register(): void {
+        root.session.signIn.mode = SignInModel.Sms;
+        root.back();
+    }
+
+    Component.onCompleted: form.focusFirst()
+
+    CenteredPane {
+        anchors.fill: parent
+        usualHeight: 600
+        visible: !root.trying
+
+        Column {
+            spacing: Theme.space4
+            width: parent.width
+
+            LMPText {
+                Accessible.role: Accessible.Heading
+                kind: LMPText.H1
+                text: "Lumenpair"
+                width: parent.width
+            }
+
+            LMPText {
+                color: Theme.text2
+                text: "登录之后，接着和你的分身说话。"
+                width: parent.width
+            }
+        }
+
+        LMPBanner {
+            closable: true
+            text: root.session.notice
+            tone: LMPBanner.Warning
+            visible: root.session.notice !== ""
+            onClosed: root.session.closeNotice()
+        }
+
+        LMPCard {
+            accessibleName: "登录"
+            padding: Theme.space20
+            width: parent.width
+
+            SignInForm {
+                id: form
+
+                focus: true
+                signIn: root.session.signIn
+                width: parent.width
+            }
+        }
+
+        Column {
+            spacing: Theme.space4
+            width: parent.width
+
+            LMPRow {
+                Accessible.role: Accessible.Button
+                iconName: "chat"
+                subtitle: "不用账号，聊几轮看看"
+                title: "先试聊"
+                twoLine: true
+                width: parent.width
+                onClicked: root.trying = true
+            }
+
+            CrisisEntry {
+                resources: root.resources
+                width: parent.width
+                onClicked: root.crisisRequested()
+            }
+        }
+    }
+
+    Loader {
+        id: trial
+
+        active: root.trying
+        anchors.fill: parent
+        focus: root.trying
+        Component.onCompleted: trial.setSource("GuestTrialView.qml", {
+            guest: root.session.guest,
+            resources: root.resources
+        })
+        onLoaded: {
+            const page = trial.item as GuestTrialView;
+            page.closed.connect(root.back);
+            page.crisisRequested.connect(root.crisisRequested);
+            page.registerRequested.connect(root.register);
+            page.forceActiveFocus();
+        }
+    }
+}

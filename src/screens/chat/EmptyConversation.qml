@@ -1,0 +1,51 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// A conversation in which nothing was said: one sentence, and beginnings that go into the input box to be finished there.
+Item {
+    id: root
+
+    readonly property list<string> starters: ["今天有件事，想和你说说：", "帮我理一理这周要做的事：", "你都记得我些什么？"]
+
+    signal chosen(text: string)
+
+    function prepare(button: LMPButton): void {
+        button.clicked.connect(() => root.chosen(button.text));
+    }
+
+    Column {
+        anchors.centerIn: parent
+        spacing: Theme.space16
+        width: Math.min(Theme.dp(480), root.width - 2 * Theme.space24)
+
+        LMPText {
+            horizontalAlignment: Text.AlignHCenter
+            kind: LMPText.H2
+            text: "和你的分身聊点什么吧。"
+            width: parent.width
+        }
+        LMPText {
+            color: Theme.text2
+            horizontalAlignment: Text.AlignHCenter
+            text: "也可以从这里开头。它只会放进输入框，由你改完再发。"
+            width: parent.width
+        }
+        Column {
+            anchors.horizontalCenter: parent.horizontalCenter
+            spacing: Theme.space8
+
+            Repeater {
+                model: root.starters
+
+                delegate: LMPButton {
+                    required property string modelData
+
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: modelData
+                }
+
+                onItemAdded: (index, item) => root.prepare(item as LMPButton)
+            }
+        }
+    }
+}

@@ -1,0 +1,43 @@
+import QtQuick
+import QtQuick.Templates as T
+import Lumenpair.Kit
+
+/// What every message has: its stop on the way of the Tab key, its ring, its name for who listens, its pointer.
+///
+/// The Tab key stops at the messages in sight, and inside the one that has the focus at what can be done with it.
+T.Control {
+    id: root
+
+    required property MessageItem row
+    readonly property bool attended: root.hovered || root.row.focused
+    default property alias parts: column.data
+
+    Accessible.focusable: true
+    Accessible.name: root.row.spoken()
+    Accessible.role: Accessible.ListItem
+    focusPolicy: root.row.seen ? Qt.TabFocus : Qt.NoFocus
+    hoverEnabled: true
+    implicitHeight: column.y + column.height
+
+    background: Item {
+        LMPFocusRing {
+            anchors.topMargin: column.y - Theme.space4
+            around: Theme.radiusRow
+            shown: root.visualFocus
+        }
+    }
+    Keys.onPressed: event => {
+        if (event.matches(StandardKey.Copy)) {
+            root.row.chat.copyMessage(root.row.messageId);
+            event.accepted = true;
+        }
+    }
+
+    Column {
+        id: column
+
+        spacing: Theme.space4
+        width: root.width
+        y: Theme.dp(root.row.grouped ? 8 : 20)
+    }
+}

@@ -1,0 +1,156 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// Keeps a column of rows of changing heights still under the eyes.
+///
+/// The view holds on either to the end (`following`) or to the first row in sight. Whatever grows, shrinks, comes or goes
+/// above that row moves the view along with it, in the same frame; what happens below never does.
+Item {
+    id: root
+
+    required property Flickable view
+    required property Repeater rows
+    /// Whether a person has hold of the scroll bar.
+    property bool byHand: false
+    /// The view is about to show the beginning or the end of what is there.
+    signal nearFirst
+    signal nearLast
+
+    property bool following: true
+    property bool newBelow: false
+    readonly property real lowest: Math.max(0, root.view.contentHeight - root.view.height)
+    readonly property real grip: Theme.dp(32)
+
+    property TranscriptRow anchorRow: null
+    /// Where the anchor's top is, seen from the top of the view.
+    property real anchorOffset: 0
+    property real lastY: 0
+    property bool settling: false
+
+    function hold() {
+        root.following = true;
+        root.newBelow = false;
+        root.settle();
+    }
+    /// Moves as a person wishes. Upwards lets go of the end; arriving there takes hold of it again.
+    function moveBy(distance: real) {
+        const target = Math.max(0, Math.min(root.lowest, root.view.contentY + distance));
+        const up = target < root.view.contentY;
+        root.place(target);
+        root.moved(up);
+    }
+    /// Brings an item into view, as when the focus goes there. Of one that is higher than the view, its beginning.
+    function reveal(item: Item) {
+        const top = item.mapToItem(root.view.contentItem, 0, 0).y - Theme.dp(8);
+        const bottom = top + item.height + 2 * Theme.dp(8);
+        if (bottom > root.view.contentY + root.view.height)
+            root.moveBy(Math.min(top, bottom - root.view.height) - root.view.contentY);
+        else if (top < root.view.contentY && bottom - top <= root.view.height)
+            root.moveBy(top - root.view.contentY);
+    }
+    /// After the view was moved by a person, however that was done.
+    function moved(up: bool) {
+        const atEnd = root.lowest - root.view.contentY <= root.grip;
+        root.following = atEnd && !(up && root.lowest > root.view.contentY);
+        if (atEnd)
+            root.newBelow = false;
+        root.takeAnchor();
+        root.wake();
+    }
+    /// Something that was not there before came at the end.
+    function grewBelow() {
+        if (!root.following)
+            root.newBelow = true;
+    }
+    /// Puts the view where it is held, after the rows were laid out.
+    function settle() {
+        if (!root.anchorRow)
+            root.takeAnchor();
+        if (root.following)
+            root.place(root.lowest);
+        else if (root.anchorRow)
+            root.place(root.anchorRow.y - root.anchorOffset);
+        root.wake();
+    }
+    function place(top: real) {
+        root.put(Math.max(0, Math.min(root.lowest, top)));
+    }
+    function put(top: real) {
+        root.settling = true;
+        root.view.contentY = Math.round(top);
+        root.settling = false;
+    }
+    /// Holds on to the first row of which something is in sight.
+    function takeAnchor() {
+        const top = root.view.contentY;
+        let low = 0;
+        let high = root.rows.count - 1;
+        while (low < high) {
+            const middle = (low + high) >> 1;
+            const row = root.rows.itemAt(middle) as TranscriptRow;
+            if (row && row.y + row.height <= top)
+                low = middle + 1;
+            else
+                high = middle;
+        }
+        root.anchorRow = root.rows.itemAt(low) as TranscriptRow;
+        root.anchorOffset = root.anchorRow ? root.anchorRow.y - top : 0;
+    }
+    /// Fills the rows near the view and empties those far from it.
+    function wake() {
+        const top = root.view.contentY;
+        const bottom = top + root.view.height;
+        const ahead = root.view.height * 0.75;
+        for (let i = 0; i < root.rows.count; ++i) {
+            const row = root.rows.itemAt(i) as TranscriptRow;
+            if (!row)
+                continue;
+            const above = top - (row.y + row.height);
+            const below = row.y - bottom;
+            const distance = Math.max(above, below);
+            row.seen = distance < 0;
+            if (distance < ahead)
+                row.awake = true;
+            else if (distance > 3 * ahead)
+                row.awake = false;
+        }
+        if (top < root.view.height)
+            root.nearFirst();
+        if (root.lowest - top < root.view.height)
+            root.nearLast();
+    }
+
+    Connections {
+        function onContentYChanged() {
+            // What the view does of itself, when its content shrinks, is no wish of anybody's.
+            if (!root.settling && (root.byHand || root.view.moving))
+                root.moved(root.view.contentY < root.lastY);
+            root.lastY = root.view.contentY;
+        }
+        function onContentHeightChanged() {
+            root.settle();
+        }
+        function onHeightChanged() {
+            root.settle();
+        }
+
+        target: root.view
+    }
+    Timer {
+        id: later
+
+        interval: 0
+
+        onTriggered: root.wake()
+    }
+    Connections {
+        // In the middle of laying out: the height of the whole is not known yet, so nothing is bounded and nothing filled.
+        function onYChanged() {
+            if (!root.following)
+                root.put(root.anchorRow.y - root.anchorOffset);
+            later.restart();
+        }
+
+        target: root.anchorRow
+    }
+}

@@ -1,0 +1,59 @@
+import QtQuick
+import Lumenpair.Chat
+import Lumenpair.Kit
+
+/// The memories that a reply drew on, as the service returned them.
+LMPSheet {
+    id: root
+
+    required property ChatModel chat
+    readonly property bool wanted: root.chat.usedOpen
+
+    primaryText: "知道了"
+    secondaryText: ""
+    title: "本次用到的记忆"
+
+    onAccepted: root.close()
+    onClosed: root.chat.closeUsed()
+    onWantedChanged: {
+        if (root.wanted)
+            root.open();
+        else
+            root.close();
+    }
+
+    LMPText {
+        color: Theme.text2
+        text: root.chat.usedMemories.note
+        width: parent.width
+    }
+    Repeater {
+        model: root.chat.usedMemories
+
+        delegate: Item {
+            id: memory
+
+            required property string content
+            required property string truthText
+
+            implicitHeight: card.implicitHeight
+            width: parent ? parent.width : 0
+
+            LMPCard {
+                id: card
+
+                accessibleName: memory.content + "。" + memory.truthText
+                width: parent.width
+
+                LMPText {
+                    text: memory.content
+                    width: parent.width
+                }
+                LMPChip {
+                    text: memory.truthText
+                    visible: text !== ""
+                }
+            }
+        }
+    }
+}

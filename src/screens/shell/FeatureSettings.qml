@@ -1,0 +1,46 @@
+import QtQuick
+import Lumenpair.Kit
+import Lumenpair.Shell
+
+/// How well each feature works here, as the service says.
+SettingsPart {
+    id: root
+
+    required property CapabilityStore capabilities
+
+    title: "功能"
+
+    LMPCard {
+        accessibleName: root.title
+        width: parent.width
+
+        Repeater {
+            model: features.ids
+
+            delegate: CapabilityNotice {
+                id: notice
+
+                required property string modelData
+
+                feature: CapabilityNote {
+                    featureId: notice.modelData
+                    store: root.capabilities
+                }
+                width: parent ? parent.width : 0
+            }
+        }
+
+        LMPText {
+            color: Theme.text2
+            text: "还没有从服务读到功能清单。"
+            visible: features.ids.length === 0
+            width: parent.width
+        }
+    }
+
+    CapabilityList {
+        id: features
+
+        store: root.capabilities
+    }
+}

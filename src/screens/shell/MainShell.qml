@@ -1,0 +1,133 @@
+import QtQuick
+import Lumenpair.Kit
+import Lumenpair.Shell
+
+/// The signed-in window: the sidebar, and the page of the tab. In a narrow window the sidebar lies over the page, and
+/// comes when it is called.
+FocusScope {
+    id: root
+
+    required property WindowScene scene
+    readonly property bool narrow: root.width < Theme.dp(760)
+    readonly property bool collapsed: root.scene.layout.sidebarCollapsed && !root.narrow
+    readonly property int sidebarWidth: Theme.dp(root.collapsed ? 56 : root.scene.layout.sidebarWidth)
+    property bool calledFor: false
+
+    function showSidebar(): void {
+        root.calledFor = true;
+        sidebar.focusTabs();
+    }
+
+    function hideSidebar(): void {
+        if (!root.calledFor)
+            return;
+        root.calledFor = false;
+        pages.forceActiveFocus();
+    }
+
+    /// The regions that F6 goes through.
+    function movePane(step: int): void {
+        const panes = root.narrow || root.collapsed || !sidebar.hasList ? [sidebar.tabs, pages] : [sidebar.tabs, sidebar.list, pages];
+        const at = panes.findIndex(pane => pane.activeFocus);
+        const next = panes[(at + step + panes.length) % panes.length];
+        if (root.narrow && next !== pages)
+            root.calledFor = true;
+        if (next === sidebar.tabs)
+            sidebar.focusTabs();
+        else
+            next.forceActiveFocus(Qt.ShortcutFocusReason);
+    }
+
+    function find(): void {
+        root.scene.navigation.tab = WindowNavigation.Now;
+        if (root.collapsed)
+            root.scene.layout.sidebarCollapsed = false;
+        root.calledFor = root.narrow;
+        sidebar.focusFind();
+    }
+
+    onNarrowChanged: root.calledFor = false
+
+    TabPages {
+        id: pages
+
+        anchors.bottom: parent.bottom
+        anchors.left: parent.left
+        anchors.leftMargin: root.narrow ? 0 : root.sidebarWidth
+        anchors.right: parent.right
+        anchors.top: notice.bottom
+        focus: true
+        scene: root.scene
+        sidebarHidden: root.narrow
+        onSidebarRequested: root.showSidebar()
+    }
+
+    TelemetryNoticeBar {
+        id: notice
+
+        anchors.left: pages.left
+        anchors.right: pages.right
+        anchors.top: parent.top
+        telemetry: root.scene.telemetry
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.scrim
+        visible: root.narrow && root.calledFor
+
+        TapHandler {
+            onTapped: root.hideSidebar()
+        }
+    }
+
+    Sidebar {
+        id: sidebar
+
+        Keys.onEscapePressed: event => {
+            event.accepted = root.calledFor;
+            root.hideSidebar();
+        }
+        collapsed: root.collapsed
+        height: parent.height
+        overlaid: root.narrow
+        scene: root.scene
+        visible: !root.narrow || root.calledFor
+        width: root.sidebarWidth
+        onChosen: root.hideSidebar()
+    }
+
+    SidebarHandle {
+        height: parent.height
+        layout: root.scene.layout
+        visible: !root.collapsed && !root.narrow
+        x: sidebar.width - width / 2
+    }
+
+    Connections {
+        function onTriggered(command: int): void {
+            switch (command) {
+            case WindowCommands.Find:
+                root.find();
+                break;
+            case WindowCommands.NextPane:
+                root.movePane(1);
+                break;
+            case WindowCommands.PreviousPane:
+                root.movePane(-1);
+                break;
+            }
+        }
+
+        target: root.scene.commands
+    }
+
+    Connections {
+        function onComposerRequested(): void {
+            root.calledFor = false;
+            pages.focusComposer();
+        }
+
+        target: root.scene
+    }
+}

@@ -1,0 +1,16 @@
+import QtQuick
+import Lumenpair.Account
+import Lumenpair.Shell
+
+/// What a new person sees first.
+FocusScope {
+    id: root
+
+    required property WindowScene scene
+
+    OnboardingView {
+        anchors.fill: parent
+        focus: true
+        onFinished: root.scene.rootView.finishOnboarding()
+    }
+}

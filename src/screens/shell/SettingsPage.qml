@@ -1,0 +1,88 @@
+import QtQuick
+import Lumenpair.Account
+import Lumenpair.Kit
+import Lumenpair.Shell
+
+/// The tab "me": the account, and everything that can be set.
+TabPage {
+    id: root
+
+    function show(section: int): void {
+        const item = parts.children[section];
+        page.contentY = Math.max(0, Math.min(item.y + Theme.dp(16), page.contentHeight - page.height));
+        const first = item.nextItemInFocusChain(true);
+        if (first)
+            first.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
+    Connections {
+        function onSectionRequested(section: int): void {
+            Qt.callLater(root.show, section);
+        }
+
+        target: root.scene.navigation
+    }
+
+    LMPPage {
+        anchors.fill: parent
+        focus: true
+        leading: SidebarButton {
+            visible: root.frame.sidebarHidden
+            onClicked: root.frame.sidebarRequested()
+        }
+        title: "我的"
+
+        LMPScrollView {
+            id: page
+
+            anchors.fill: parent
+            bottomPadding: Theme.dp(32)
+            focus: true
+            horizontalPadding: Math.max(Theme.dp(20), Math.round((width - Theme.dp(640)) / 2))
+            topPadding: Theme.dp(20)
+
+            Column {
+                id: parts
+
+                spacing: Theme.dp(28)
+                width: parent.width
+
+                SettingsPart {
+                    title: "账号"
+                    width: parent.width
+
+                    AccountSection {
+                        session: root.scene.session
+                        width: parent.width
+                    }
+                }
+
+                AppearanceSettings {
+                    appearance: root.scene.appearance
+                    width: parent.width
+                }
+
+                PrivacySettings {
+                    telemetry: root.scene.telemetry
+                    width: parent.width
+                    onCrisisRequested: root.scene.navigation.openCrisis()
+                }
+
+                FeatureSettings {
+                    capabilities: root.scene.capabilities
+                    width: parent.width
+                }
+
+                AboutSettings {
+                    updates: root.scene.updates
+                    width: parent.width
+                }
+
+                KeySettings {
+                    commands: root.scene.commands
+                    width: parent.width
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,15 @@
+#include "screens/shell/SharedModels.h"
+
+#include "app/Application.h"
+
+namespace lmp {
+
+SharedModels::SharedModels(Application &opened)
+    : application(opened)
+    , root(opened.auth(), *opened.settings())
+    , session(opened)
+    , safety(opened.safety(), opened.opener())
+    , telemetry(opened.telemetry())
+    , updates(opened.site().downloads, opened.opener()) {}
+
+} // namespace lmp

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/RootView.h"
+#include "app/UpdateChecker.h"
+#include "screens/account/SafetyModel.h"
+#include "screens/account/SessionModel.h"
+#include "screens/shell/TelemetryModel.h"
+
+namespace lmp {
+
+class Application;
+
+/// The models that all windows share, made once the application is open.
+///
+/// Owned by WindowApplication, UI thread; the application outlives it.
+struct SharedModels {
+    explicit SharedModels(Application &opened);
+
+    Application &application;
+    RootView root;
+    SessionModel session;
+    SafetyModel safety;
+    TelemetryModel telemetry;
+    UpdateChecker updates;
+};
+
+} // namespace lmp

@@ -1,0 +1,234 @@
+#include "screens/shell/WindowApplication.h"
+
+#include "app/DeepLink.h"
+#include "core/Detach.h"
+#include "platform/Log.h"
+#include "platform/UserDefaults.h"
+#include "screens/shell/QmlModules.h"
+#include "screens/shell/WindowScene.h"
+
+#include <QFileOpenEvent>
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQuickWindow>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using State = MacQuitCoordinator::State;
+
+WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanoseconds processStart)
+    : m_options(std::move(options))
+    , m_processStart(processStart)
+    , m_settings(makeUserDefaults(ApplicationSupport(m_options.profile)))
+    , m_appearance(*m_settings)
+    , m_application(WindowApplication::options(m_options, processStart))
+    , m_quitting([this] { return m_application.localInput().saveAll(); }, m_application.clock())
+    , m_lifecycle(m_quitting) {
+    QmlModules::provide(m_engine);
+    qGuiApp->installEventFilter(this);
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_lifecycle, &MacAppLifecycle::endSession);
+    connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
+    connect(&m_quitting, &MacQuitCoordinator::raiseRequested, this, [this] { raise(); });
+    connect(&m_quitting, &MacQuitCoordinator::terminationAllowed, this, [this] { detach(leave(), "leaving"); });
+}
+
+WindowApplication::~WindowApplication() {
+    // The windows draw from the scenes, and the scenes from the shared models.
+    for (auto &shown : m_windows)
+        shown.window.reset();
+    m_windows.clear();
+}
+
+Application::Options WindowApplication::options(const WindowOptions &options, std::chrono::nanoseconds processStart) {
+    const QString token = qEnvironmentVariable("LMP_TOKEN");
+    return {.site = options.site,
+            .profile = options.profile,
+            .token = token.isEmpty() ? std::nullopt : std::optional(token),
+            .viewport = u"window"_s,
+            .processStart = processStart};
+}
+
+bool WindowApplication::start() {
+    WindowScene *scene = openWindow();
+    if (scene && !m_options.link.isEmpty())
+        scene->navigation()->openLink(m_options.link);
+    return scene;
+}
+
+WindowScene *WindowApplication::openWindow() {
+    if (!m_windowType)
+        m_windowType = std::make_unique<QQmlComponent>(&m_engine, QUrl(u"qrc:/qt/qml/Lumenpair/Shell/Main.qml"_s));
+    if (!m_windowType->isReady()) {
+        qCCritical(logApplication) << "no window:" << m_windowType->errorString();
+        return nullptr;
+    }
+    auto made = std::make_unique<WindowScene>(m_appearance, *m_settings, m_quitting);
+    WindowScene *scene = made.get();
+    QQmlEngine::setObjectOwnership(scene, QQmlEngine::CppOwnership);
+    join(scene);
+    QObject *object = m_windowType->createWithInitialProperties({{u"scene"_s, QVariant::fromValue(scene)}});
+    auto *window = qobject_cast<QQuickWindow *>(object);
+    if (!window) {
+        qCCritical(logApplication) << "no window:" << m_windowType->errorString();
+        delete object;
+        return nullptr;
+    }
+    if (m_windows.empty() && !m_shared) {
+        connect(window, &QQuickWindow::frameSwapped, this, &WindowApplication::onFirstFrame,
+                Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+        // A window that starts minimised draws nothing.
+        QTimer::singleShot(1s, this, &WindowApplication::onFirstFrame);
+    }
+    m_windows.push_back({std::move(made), std::unique_ptr<QQuickWindow>(window)});
+    window->show();
+    return scene;
+}
+
+void WindowApplication::join(WindowScene *scene) {
+    connect(scene, &WindowScene::reopenRequested, this, [this] {
+        if (!m_opening)
+            detach(open(), "opening the service");
+    });
+    connect(scene, &WindowScene::closeRequested, this, [this, scene] { onCloseRequested(scene); });
+    connect(scene, &WindowScene::readyToClose, this, [this, scene] { close(scene); }, Qt::QueuedConnection);
+    connect(scene->commands(), &WindowCommands::triggered, this, [this, scene](WindowCommands::Command command) {
+        if (command == WindowCommands::Command::NewWindow)
+            openWindow();
+        else if (command == WindowCommands::Command::CloseWindow)
+            onCloseRequested(scene);
+        else if (command == WindowCommands::Command::Quit)
+            m_lifecycle.quit();
+    });
+    if (m_shared)
+        scene->adopt(*m_shared);
+}
+
+void WindowApplication::onFirstFrame() {
+    if (m_opening || m_shared)
+        return;
+    const auto taken = SystemClock().monotonic() - m_processStart;
+    qCDebug(logApplication) << "first frame after"
+                            << std::chrono::duration_cast<std::chrono::milliseconds>(taken).count() << "ms";
+    detach(open(), "opening the service");
+    m_appearance.follow();
+}
+
+QCoro::Task<> WindowApplication::open() {
+    const QPointer self(this);
+    m_opening = true;
+    const auto opened = co_await m_application.open();
+    if (!self)
+        co_return;
+    m_opening = false;
+    if (opened) {
+        m_shared = std::make_unique<SharedModels>(m_application);
+        detach(m_application.capabilities().refresh(), "asking for the capabilities");
+        connect(&m_shared->updates, &UpdateChecker::alertChanged, this, &WindowApplication::ask);
+        m_shared->updates.check(false);
+    }
+    for (const auto &shown : m_windows) {
+        if (opened)
+            shown.scene->adopt(*m_shared);
+        else
+            shown.scene->setOpenError(opened.error());
+    }
+}
+
+// Closing and leaving
+
+void WindowApplication::onCloseRequested(WindowScene *scene) {
+    if (m_windows.size() > 1)
+        scene->saveAndClose();
+    else if (m_lifecycle.mayCloseLastWindow())
+        close(scene);
+}
+
+void WindowApplication::close(WindowScene *scene) {
+    const auto shown = std::ranges::find(m_windows, scene, [](const Shown &one) { return one.scene.get(); });
+    if (shown == m_windows.end())
+        return;
+    scene->layout()->keep(shown->window->width(), shown->window->height());
+    shown->window->hide();
+    // The window may be in the middle of its own closing.
+    shown->window.release()->deleteLater();
+    scene->disconnect(this);
+    shown->scene.release()->deleteLater();
+    m_windows.erase(shown);
+}
+
+QCoro::Task<> WindowApplication::leave() {
+    const QPointer self(this);
+    Q_EMIT leaving();
+    for (const auto &shown : m_windows) {
+        shown.scene->release();
+        shown.scene->layout()->keep(shown.window->width(), shown.window->height());
+        shown.window->hide();
+    }
+    co_await m_application.close();
+    if (self)
+        QCoreApplication::exit(0);
+}
+
+void WindowApplication::ask() {
+    const bool question = m_quitting.state() == State::Warning || (m_shared && m_shared->updates.isAlertOpen());
+    const Shown *asked = front();
+    for (const auto &shown : m_windows)
+        shown.scene->setAsking(question && &shown == asked);
+}
+
+// To the front
+
+const WindowApplication::Shown *WindowApplication::front() const {
+    const auto active = std::ranges::find_if(m_windows, [](const Shown &shown) { return shown.window->isActive(); });
+    if (active != m_windows.end())
+        return &*active;
+    return m_windows.empty() ? nullptr : &m_windows.back();
+}
+
+QQuickWindow *WindowApplication::window() const {
+    return m_windows.empty() ? nullptr : m_windows.back().window.get();
+}
+
+WindowScene *WindowApplication::scene() const {
+    return m_windows.empty() ? nullptr : m_windows.back().scene.get();
+}
+
+void WindowApplication::raise(const QString &activationToken) {
+    const Shown *shown = front();
+    if (!shown)
+        return;
+    // Where the desktop lets no program push itself forward, the token says that the person asked for it.
+    if (!activationToken.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+    if (shown->window->visibility() == QWindow::Minimized)
+        shown->window->showNormal();
+    shown->window->raise();
+    shown->window->requestActivate();
+}
+
+void WindowApplication::openLink(const QString &link) {
+    if (const Shown *shown = front())
+        shown->scene->navigation()->openLink(link);
+}
+
+void WindowApplication::takeOver(const SingleInstance::Handover &handover) {
+    if (const auto link = DeepLink::in(handover.arguments))
+        openLink(*link);
+    raise(handover.activationToken);
+}
+
+bool WindowApplication::eventFilter(QObject *watched, QEvent *event) {
+    // On macOS a link comes as an event, at the start and later.
+    if (watched == qGuiApp && event->type() == QEvent::FileOpen) {
+        openLink(static_cast<QFileOpenEvent *>(event)->url().toString(QUrl::FullyEncoded));
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace lmp

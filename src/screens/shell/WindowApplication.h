@@ -1,0 +1,82 @@
+#pragma once
+
+#include "app/Application.h"
+#include "app/MacAppLifecycle.h"
+#include "app/SingleInstance.h"
+#include "screens/shell/AppearanceModel.h"
+#include "screens/shell/WindowOptions.h"
+
+#include <QQmlEngine>
+
+class QQmlComponent;
+class QQuickWindow;
+
+namespace lmp {
+
+class WindowScene;
+struct SharedModels;
+
+/// One run of the program with windows: shows the first at once, opens the service behind it, and ends when the person
+/// has left and what they typed is saved.
+///
+/// Owned by main, UI thread; made after the QGuiApplication. What goes wrong is said in the window.
+class WindowApplication : public QObject {
+    Q_OBJECT
+public:
+    WindowApplication(WindowOptions options, std::chrono::nanoseconds processStart);
+    ~WindowApplication() override;
+
+    /// Shows the first window, and the link that the program was started with.
+    /// @return false when there can be no window
+    bool start();
+    /// Follows what a second start hands over: its link, and to the front.
+    void takeOver(const SingleInstance::Handover &handover);
+
+    MacQuitCoordinator &quitting() { return m_quitting; }
+    Application &application() { return m_application; }
+    AppearanceModel &appearance() { return m_appearance; }
+    /// The window that was made last, and its scene; null when there is none.
+    QQuickWindow *window() const;
+    WindowScene *scene() const;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+Q_SIGNALS:
+    /// The program closes down: the next start is the first one again.
+    void leaving();
+
+private:
+    struct Shown {
+        std::unique_ptr<WindowScene> scene;
+        std::unique_ptr<QQuickWindow> window;
+    };
+
+    WindowScene *openWindow();
+    void join(WindowScene *scene);
+    QCoro::Task<> open();
+    QCoro::Task<> leave();
+    void onFirstFrame();
+    void onCloseRequested(WindowScene *scene);
+    void close(WindowScene *scene);
+    /// Picks the window that the program's questions are asked in: one of them.
+    void ask();
+    void raise(const QString &activationToken = {});
+    const Shown *front() const;
+    void openLink(const QString &link);
+    static Application::Options options(const WindowOptions &options, std::chrono::nanoseconds processStart);
+
+    WindowOptions m_options;
+    std::chrono::nanoseconds m_processStart;
+    std::unique_ptr<Settings> m_settings;
+    AppearanceModel m_appearance;
+    Application m_application;
+    MacQuitCoordinator m_quitting;
+    MacAppLifecycle m_lifecycle;
+    std::unique_ptr<SharedModels> m_shared; ///< once it is open
+    bool m_opening = false;
+    QQmlEngine m_engine;
+    std::unique_ptr<QQmlComponent> m_windowType;
+    std::vector<Shown> m_windows;
+};
+
+} // namespace lmp

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+namespace lmp {
+
+/// Everything that a key, a menu or the quick switcher can be asked to do in a window: one table for all of them.
+///
+/// One for each window, owned by its scene, UI thread. A command that makes no sense where the window is does nothing.
+class WindowCommands : public QAbstractListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made with its window")
+    Q_PROPERTY(bool shellShown READ shellShown WRITE setShellShown NOTIFY shellShownChanged)
+public:
+    /// In the order of the table.
+    enum class Command {
+        NewConversation,
+        NewIncognito,
+        Find,
+        Switcher,
+        TabNow,
+        TabSocial,
+        TabMarket,
+        TabStudio,
+        TabMe,
+        Settings,
+        Larger,
+        Smaller,
+        ResetScale,
+        PreviousConversation,
+        NextConversation,
+        NextPane,
+        PreviousPane,
+        ToggleSidebar,
+        Crisis,
+        CheckUpdates,
+        NewWindow,
+        CloseWindow,
+        Quit
+    };
+    Q_ENUM(Command)
+    enum Role {
+        CommandRole = Qt::UserRole + 1, ///< command: int
+        TitleRole,                      ///< title: QString
+        KeysRole,                       ///< keys: QStringList, as a Shortcut takes them
+        KeysTextRole,                   ///< keysText: QString, as the platform writes them
+        AvailableRole,                  ///< available: bool
+    };
+    struct Entry {
+        Command command;
+        QString title;
+        QString iconName; ///< empty: not worth an entry of the switcher
+        QStringList keys;
+        bool needsShell = true;
+    };
+
+    explicit WindowCommands(QObject *parent = nullptr);
+
+    static const QList<Entry> &table();
+    static QString keysText(const QStringList &keys);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    bool shellShown() const { return m_shellShown; }
+    void setShellShown(bool shown);
+    bool enabled(const Entry &entry) const { return m_shellShown || !entry.needsShell; }
+
+    Q_INVOKABLE void run(lmp::WindowCommands::Command command);
+
+Q_SIGNALS:
+    void shellShownChanged();
+    /// To be done by whoever can: the scene, the window's QML or the program.
+    void triggered(lmp::WindowCommands::Command command);
+
+private:
+    bool m_shellShown = false;
+};
+
+} // namespace lmp

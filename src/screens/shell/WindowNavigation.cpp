@@ -1,0 +1,74 @@
+#include "screens/shell/WindowNavigation.h"
+
+#include "app/DeepLink.h"
+
+namespace lmp {
+
+WindowNavigation::WindowNavigation(QObject *parent)
+    : QObject(parent) {
+    connect(&m_router, &AppRouter::selectedTabChanged, this, &WindowNavigation::tabChanged);
+    connect(&m_router, &AppRouter::pendingChanged, this, &WindowNavigation::takePending);
+}
+
+void WindowNavigation::openLink(const QString &link) {
+    // A tab alone asks for nothing more, and is not to be hidden by what lies over it.
+    setOver(false, false);
+    DeepLink::open(m_router, link);
+}
+
+void WindowNavigation::setShellShown(bool shown) {
+    m_shellShown = shown;
+    if (!shown)
+        setOver(m_crisisOpen, false);
+    takePending();
+}
+
+void WindowNavigation::setTab(Tab tab) {
+    setOver(false, false);
+    m_router.setSelectedTab(AppRouter::Tab(int(tab)));
+}
+
+void WindowNavigation::openSection(Section section) {
+    setTab(Tab::Me);
+    Q_EMIT sectionRequested(section);
+}
+
+void WindowNavigation::openCrisis() {
+    setOver(true, m_unavailableOpen);
+}
+
+void WindowNavigation::closeCrisis() {
+    setOver(false, m_unavailableOpen);
+}
+
+void WindowNavigation::closeUnavailable() {
+    setOver(m_crisisOpen, false);
+}
+
+void WindowNavigation::takePending() {
+    if (!m_router.isPending())
+        return;
+    if (std::holds_alternative<AppRouter::Crisis>(*m_router.pending())) {
+        m_router.consume();
+        openCrisis();
+        return;
+    }
+    if (!m_shellShown)
+        return;
+    const auto destination = m_router.consume();
+    if (const auto *conversation = std::get_if<AppRouter::Conversation>(&*destination)) {
+        setOver(false, false);
+        Q_EMIT conversationRequested(conversation->id);
+    } else
+        setOver(false, true);
+}
+
+void WindowNavigation::setOver(bool crisis, bool unavailable) {
+    if (crisis == m_crisisOpen && unavailable == m_unavailableOpen)
+        return;
+    m_crisisOpen = crisis;
+    m_unavailableOpen = unavailable;
+    Q_EMIT overChanged();
+}
+
+} // namespace lmp

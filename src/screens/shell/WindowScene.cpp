@@ -1,0 +1,228 @@
+#include "screens/shell/WindowScene.h"
+
+#include "app/Application.h"
+#include "core/Detach.h"
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using Command = WindowCommands::Command;
+
+WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting, QObject *parent)
+    : QObject(parent)
+    , m_appearance(appearance)
+    , m_quitting(quitting)
+    , m_layout(settings)
+    , m_switcher([this] { return destinations(); }) {
+    connect(&m_navigation, &WindowNavigation::conversationRequested, this, &WindowScene::openConversation);
+    connect(&m_commands, &WindowCommands::triggered, this, &WindowScene::onCommand);
+    connect(&m_switcher, &QuickSwitcherModel::chosen, this, &WindowScene::goTo);
+}
+
+WindowScene::~WindowScene() = default;
+
+void WindowScene::adopt(SharedModels &shared) {
+    m_shared = &shared;
+    Application &application = shared.application;
+    m_crisis = std::make_unique<CrisisResourcesModel>(application.api(), application.opener());
+    m_chat = std::make_unique<ChatModel>(application);
+    m_conversations = std::make_unique<ConversationListModel>(application);
+    m_conversations->follow(m_chat.get());
+    m_localInput = application.localInput().add([chat = m_chat.get()] { return chat->preserve(); });
+    connect(&shared.root, &RootView::stageChanged, this, &WindowScene::settleStage);
+    Q_EMIT adopted();
+    settleStage();
+}
+
+CapabilityStore *WindowScene::capabilities() {
+    return m_shared ? &m_shared->application.capabilities() : nullptr;
+}
+
+void WindowScene::setOpenError(const QString &error) {
+    if (error == m_openError)
+        return;
+    m_openError = error;
+    Q_EMIT openErrorChanged();
+}
+
+void WindowScene::setAsking(bool asking) {
+    if (asking == m_asking)
+        return;
+    m_asking = asking;
+    Q_EMIT askingChanged();
+}
+
+void WindowScene::setCloseWarning(bool warning) {
+    if (warning == m_closeWarning)
+        return;
+    m_closeWarning = warning;
+    Q_EMIT warningChanged();
+}
+
+void WindowScene::reopen() {
+    setOpenError({});
+    Q_EMIT reopenRequested();
+}
+
+bool WindowScene::mayClose() {
+    if (!m_released)
+        Q_EMIT closeRequested();
+    return m_released;
+}
+
+void WindowScene::saveAndClose() {
+    if (!m_saving)
+        detach(save(), "saving a window's input");
+}
+
+QCoro::Task<> WindowScene::save() {
+    const QPointer self(this);
+    m_saving = true;
+    const bool saved = m_chat ? co_await m_chat->preserve() : true;
+    if (!self)
+        co_return;
+    m_saving = false;
+    setCloseWarning(!saved);
+    if (!saved)
+        co_return;
+    release();
+    Q_EMIT readyToClose();
+}
+
+void WindowScene::stayOpen() {
+    setCloseWarning(false);
+}
+
+void WindowScene::startConversation(bool incognito) {
+    replaceConversation([this, incognito] { m_chat->begin(incognito); });
+}
+
+void WindowScene::openConversation(const QString &id) {
+    if (m_chat && id == m_chat->conversationId()) {
+        m_navigation.setTab(WindowNavigation::Tab::Now);
+        Q_EMIT composerRequested();
+    } else
+        replaceConversation([this, id] { m_chat->load(id); });
+}
+
+void WindowScene::replaceConversation(std::function<void()> how) {
+    if (m_stage != Stage::Shell)
+        return;
+    m_navigation.setTab(WindowNavigation::Tab::Now);
+    if (m_chat->isOpen() && m_chat->incognito() && m_chat->messages()->rowCount() > 0) {
+        m_leaving = std::move(how);
+        Q_EMIT warningChanged();
+        return;
+    }
+    how();
+    Q_EMIT composerRequested();
+}
+
+void WindowScene::answerLeave(bool leave) {
+    const auto how = std::exchange(m_leaving, nullptr);
+    Q_EMIT warningChanged();
+    if (!leave || !how || m_stage != Stage::Shell) {
+        // The list had gone ahead.
+        m_conversations->select(m_chat->conversationId());
+        return;
+    }
+    how();
+    Q_EMIT composerRequested();
+}
+
+void WindowScene::settleStage() {
+    const Stage stage = Stage(int(m_shared->root.stage()) + 1);
+    if (stage == m_stage)
+        return;
+    m_stage = stage;
+    Q_EMIT stageChanged();
+    m_commands.setShellShown(m_stage == Stage::Shell);
+    // The models of the account hear of the same change, and some of them after us.
+    QMetaObject::invokeMethod(this, &WindowScene::enterShell, Qt::QueuedConnection);
+}
+
+void WindowScene::enterShell() {
+    m_navigation.setShellShown(m_stage == Stage::Shell);
+    if (m_stage != Stage::Shell)
+        return;
+    m_conversations->refresh();
+    // A link may have opened one already.
+    if (m_chat->conversationId().isEmpty())
+        m_chat->begin();
+}
+
+void WindowScene::stepConversation(int step) {
+    const QString id = m_conversations->neighbour(step);
+    if (!id.isEmpty())
+        openConversation(id);
+}
+
+void WindowScene::onCommand(Command command) {
+    switch (command) {
+    case Command::NewConversation:
+    case Command::NewIncognito:
+        return startConversation(command == Command::NewIncognito);
+    case Command::TabNow:
+    case Command::TabSocial:
+    case Command::TabMarket:
+    case Command::TabStudio:
+    case Command::TabMe:
+        return m_navigation.setTab(WindowNavigation::Tab(int(command) - int(Command::TabNow)));
+    case Command::Settings:
+        return m_navigation.openSection(WindowNavigation::Section::Account);
+    case Command::Larger:
+        return m_appearance.larger();
+    case Command::Smaller:
+        return m_appearance.smaller();
+    case Command::ResetScale:
+        return m_appearance.resetScale();
+    case Command::PreviousConversation:
+    case Command::NextConversation:
+        return stepConversation(command == Command::NextConversation ? 1 : -1);
+    case Command::ToggleSidebar:
+        return m_layout.setSidebarCollapsed(!m_layout.sidebarCollapsed());
+    case Command::Crisis:
+        return m_navigation.openCrisis();
+    case Command::CheckUpdates:
+        return m_shared->updates.check(true);
+    default:
+        // The window's own QML and the program do the rest.
+        return;
+    }
+}
+
+QList<SwitcherEntry> WindowScene::destinations() const {
+    QList<SwitcherEntry> unread, others, pages, commands;
+    for (int row = 0; m_conversations && row < m_conversations->rowCount(); ++row) {
+        const auto value = [&](ConversationListModel::Role role) {
+            return m_conversations->data(m_conversations->index(row), role);
+        };
+        const SwitcherEntry entry{.kind = SwitcherEntry::Kind::Conversation,
+                                  .key = value(ConversationListModel::ConversationIdRole).toString(),
+                                  .title = value(ConversationListModel::TitleRole).toString(),
+                                  .iconName = u"chat"_s,
+                                  .unread = value(ConversationListModel::UnreadRole).toInt(),
+                                  .draft = value(ConversationListModel::DraftRole).toBool()};
+        (entry.unread > 0 ? unread : others) << entry;
+    }
+    for (const auto &entry : WindowCommands::table()) {
+        const bool page = entry.command >= Command::TabNow && entry.command <= Command::Settings;
+        if (!entry.iconName.isEmpty() && m_commands.enabled(entry))
+            (page ? pages : commands) << SwitcherEntry{.kind = page ? SwitcherEntry::Kind::Page
+                                                                    : SwitcherEntry::Kind::Command,
+                                                       .key = QString::number(int(entry.command)),
+                                                       .title = entry.title,
+                                                       .iconName = entry.iconName,
+                                                       .shortcutText = WindowCommands::keysText(entry.keys)};
+    }
+    return unread + others + pages + commands;
+}
+
+void WindowScene::goTo(const SwitcherEntry &entry) {
+    if (entry.kind == SwitcherEntry::Kind::Conversation)
+        openConversation(entry.key);
+    else
+        m_commands.run(Command(entry.key.toInt()));
+}
+
+} // namespace lmp

@@ -1,0 +1,147 @@
+#pragma once
+
+#include "app/LocalInputRegistry.h"
+#include "app/MacQuitCoordinator.h"
+#include "screens/shell/AppearanceModel.h"
+#include "screens/shell/QuickSwitcherModel.h"
+#include "screens/shell/SharedModels.h"
+#include "screens/shell/WindowCommands.h"
+#include "screens/shell/WindowLayout.h"
+#include "screens/shell/WindowNavigation.h"
+
+#include "screens/account/CrisisResourcesModel.h"
+#include "screens/chat/ChatModel.h"
+#include "screens/chat/ConversationListModel.h"
+
+namespace lmp {
+
+class CapabilityStore;
+
+/// What one window shows: the screen it is at, and the models its screens draw from.
+///
+/// One for each window, owned by WindowApplication and gone with its window; UI thread. It is there before the stores
+/// are, so that something can be drawn at once: until `adopt` its stage is `Opening` and the models of the stores are
+/// null.
+class WindowScene : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made with its window")
+    Q_PROPERTY(lmp::AppearanceModel *appearance READ appearance CONSTANT)
+    Q_PROPERTY(lmp::WindowLayout *layout READ layout CONSTANT)
+    Q_PROPERTY(lmp::WindowNavigation *navigation READ navigation CONSTANT)
+    Q_PROPERTY(lmp::WindowCommands *commands READ commands CONSTANT)
+    Q_PROPERTY(lmp::QuickSwitcherModel *switcher READ switcher CONSTANT)
+    Q_PROPERTY(lmp::WindowScene::Stage stage READ stage NOTIFY stageChanged)
+    /// Why there is no service; empty while it is being looked for.
+    Q_PROPERTY(QString openError READ openError NOTIFY openErrorChanged)
+    Q_PROPERTY(lmp::MacQuitCoordinator *quitting READ quitting CONSTANT)
+    /// This is the window that the program's own questions are asked in.
+    Q_PROPERTY(bool asking READ asking NOTIFY askingChanged)
+    /// This window would close, and something typed in it is not saved.
+    Q_PROPERTY(bool closeWarning READ closeWarning NOTIFY warningChanged)
+    /// What was asked for would put away a conversation that nobody keeps.
+    Q_PROPERTY(bool leaveWarning READ leaveWarning NOTIFY warningChanged)
+    // Null before `adopt`.
+    Q_PROPERTY(lmp::RootView *rootView READ rootView NOTIFY adopted)
+    Q_PROPERTY(lmp::SessionModel *session READ session NOTIFY adopted)
+    Q_PROPERTY(lmp::SafetyModel *safety READ safety NOTIFY adopted)
+    Q_PROPERTY(lmp::TelemetryModel *telemetry READ telemetry NOTIFY adopted)
+    Q_PROPERTY(lmp::UpdateChecker *updates READ updates NOTIFY adopted)
+    Q_PROPERTY(lmp::CapabilityStore *capabilities READ capabilities NOTIFY adopted)
+    Q_PROPERTY(lmp::CrisisResourcesModel *crisis READ crisis NOTIFY adopted)
+    Q_PROPERTY(lmp::ChatModel *chat READ chat NOTIFY adopted)
+    Q_PROPERTY(lmp::ConversationListModel *conversations READ conversations NOTIFY adopted)
+public:
+    enum class Stage { Opening, Launch, SignedOut, Migration, Onboarding, HandleSetup, Shell };
+    Q_ENUM(Stage)
+
+    /// @param appearance, settings, quitting outlive the scene
+    WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting,
+                QObject *parent = nullptr);
+    ~WindowScene() override;
+
+    /// Takes the models that all windows share and makes its own; once, when the application is open. They outlive it.
+    void adopt(SharedModels &shared);
+    void setOpenError(const QString &error);
+    void setAsking(bool asking);
+    /// The window may close from now on without being asked.
+    void release() { m_released = true; }
+
+    AppearanceModel *appearance() { return &m_appearance; }
+    WindowLayout *layout() { return &m_layout; }
+    WindowNavigation *navigation() { return &m_navigation; }
+    WindowCommands *commands() { return &m_commands; }
+    QuickSwitcherModel *switcher() { return &m_switcher; }
+    Stage stage() const { return m_stage; }
+    const QString &openError() const { return m_openError; }
+    MacQuitCoordinator *quitting() { return &m_quitting; }
+    bool asking() const { return m_asking; }
+    bool closeWarning() const { return m_closeWarning; }
+    bool leaveWarning() const { return bool(m_leaving); }
+    RootView *rootView() { return m_shared ? &m_shared->root : nullptr; }
+    SessionModel *session() { return m_shared ? &m_shared->session : nullptr; }
+    SafetyModel *safety() { return m_shared ? &m_shared->safety : nullptr; }
+    TelemetryModel *telemetry() { return m_shared ? &m_shared->telemetry : nullptr; }
+    UpdateChecker *updates() { return m_shared ? &m_shared->updates : nullptr; }
+    CapabilityStore *capabilities();
+    CrisisResourcesModel *crisis() { return m_crisis.get(); }
+    ChatModel *chat() { return m_chat.get(); }
+    ConversationListModel *conversations() { return m_conversations.get(); }
+
+    /// Tries again to find the service.
+    Q_INVOKABLE void reopen();
+    /// The window would close. @return whether it may do so now; otherwise what is typed is seen to first
+    Q_INVOKABLE bool mayClose();
+    /// Saves what is typed in this window, and closes it when that succeeds.
+    Q_INVOKABLE void saveAndClose();
+    Q_INVOKABLE void stayOpen();
+    /// The answer to `leaveWarning`.
+    Q_INVOKABLE void answerLeave(bool leave);
+    Q_INVOKABLE void startConversation(bool incognito = false);
+    Q_INVOKABLE void openConversation(const QString &id);
+
+Q_SIGNALS:
+    void adopted();
+    void stageChanged();
+    void openErrorChanged();
+    void warningChanged();
+    void askingChanged();
+    void reopenRequested();
+    void closeRequested();
+    void readyToClose();
+    /// Something has been opened to be written in.
+    void composerRequested();
+
+private:
+    void settleStage();
+    void enterShell();
+    void onCommand(WindowCommands::Command command);
+    void goTo(const SwitcherEntry &entry);
+    QList<SwitcherEntry> destinations() const;
+    QCoro::Task<> save();
+    void setCloseWarning(bool warning);
+    /// Goes to another conversation, after asking where the one that is open would be lost.
+    void replaceConversation(std::function<void()> how);
+    void stepConversation(int step);
+
+    AppearanceModel &m_appearance;
+    MacQuitCoordinator &m_quitting;
+    WindowLayout m_layout;
+    WindowNavigation m_navigation;
+    WindowCommands m_commands;
+    QuickSwitcherModel m_switcher;
+    SharedModels *m_shared = nullptr;
+    std::unique_ptr<CrisisResourcesModel> m_crisis;
+    std::unique_ptr<ChatModel> m_chat;
+    std::unique_ptr<ConversationListModel> m_conversations;
+    LocalInputRegistry::Registration m_localInput;
+    Stage m_stage = Stage::Opening;
+    QString m_openError;
+    bool m_asking = false;
+    bool m_closeWarning = false;
+    std::function<void()> m_leaving; ///< what waits for the answer to `leaveWarning`
+    bool m_saving = false;
+    bool m_released = false;
+};
+
+} // namespace lmp
