@@ -209,11 +209,6 @@ int MessageListModel::rowOf(const QString &messageId) const {
     return found == m_rows.rend() ? -1 : int(m_rows.rend() - found - 1);
 }
 
-QObject *MessageListModel::blocksFor(const QString &messageId) const {
-    const int row = rowOf(messageId);
-    return row >= 0 && m_rows.at(row).isTwin ? blocksOf(m_rows.at(row)) : nullptr;
-}
-
 // The conversation changes
 
 void MessageListModel::onChanged() {

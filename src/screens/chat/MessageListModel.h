@@ -74,9 +74,6 @@ public:
     Q_INVOKABLE void jumpToLatest();
     /// The row of a message, or -1 when it is not in the window.
     Q_INVOKABLE int rowOf(const QString &messageId) const;
-    /// What the `blocks` role holds, for a view that makes them only where somebody looks.
-    Q_INVOKABLE QObject *blocksFor(const QString &messageId) const;
-
     /// The blocks of a reply, made when they are first asked for; null for any other message.
     Q_INVOKABLE lmp::MarkdownBlockModel *blocksFor(const QString &messageId);
 
