@@ -68,6 +68,9 @@ Text {
         return Font.Normal;
     }
 
+    // Qt tells a screen reader of a text only where it is asked to.
+    Accessible.name: root.text
+    Accessible.role: Accessible.StaticText
     color: Theme.text
     font.family: root.kind === LMPText.Mono ? Theme.monoFamily : Theme.fontFamily
     font.pixelSize: Theme.sp(root.size(root.kind))

@@ -66,6 +66,9 @@ TestCase {
             verify(heard[state], name + " is not " + state);
         }
         compare(Probe.heard(Probe.inside(page, "LMPSwitch")).description, "只含次数与耗时，不含聊天内容");
+        const heading = Probe.heard(Probe.inside(page, "", "类型"));
+        compare(heading.name, "类型");
+        compare(heading.role, 0x29, "static text");
         compare(page.thread.Accessible.name, "林小满，未读 3 条，明天见，记得带伞，昨天");
         compare(page.waiting.Accessible.name, "𠮷田，待你决定，想请你看一下这个安排");
     }
