@@ -11,6 +11,12 @@ FocusScope {
     property real usualHeight: 320
     property alias spacing: body.spacing
 
+    /// Scrolls as little as is needed for `item` to be seen.
+    function show(item: Item): void {
+        if (item.visible)
+            scroll.show(item);
+    }
+
     Rectangle {
         anchors.fill: parent
         color: Theme.window

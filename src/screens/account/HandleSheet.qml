@@ -15,7 +15,10 @@ LMPSheet {
     primaryText: root.saved ? "" : "保存"
     secondaryText: root.saved ? "好" : "取消"
     title: "主页名"
-    onAboutToShow: root.handle.load()
+    onAboutToShow: {
+        root.handle.restart();
+        root.handle.load();
+    }
     onAccepted: root.handle.save()
     onClosed: root.handle.restart()
     onOpened: form.focusFirst()

@@ -48,7 +48,7 @@ Column {
         id: cancel
 
         text: "取消"
-        visible: root.waiting
+        visible: root.waiting && root.signIn.providerCancels
         onClicked: root.signIn.cancelProvider()
         onVisibleChanged: {
             if (cancel.visible)

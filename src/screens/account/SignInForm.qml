@@ -12,6 +12,14 @@ FocusScope {
     readonly property bool waitsForProvider: root.signIn.providerText !== ""
     property bool invited: false
 
+    signal complained(Item item)
+
+    /// Once the message has its place; the column gives it one later than it appears.
+    function complain(): void {
+        if (failure.visible && failure.y > 0)
+            root.complained(failure);
+    }
+
     function goTo(field: int): void {
         const items = [null, address, address, code, secret];
         if (items[field])
@@ -183,9 +191,13 @@ FocusScope {
         }
 
         LMPBanner {
+            id: failure
+
             text: root.signIn.message
             tone: LMPBanner.Danger
             visible: root.signIn.message !== ""
+            onVisibleChanged: root.complain()
+            onYChanged: root.complain()
         }
 
         LMPButton {

@@ -328,17 +328,21 @@ QCoro::Task<> SignInModel::submitNow() {
 void SignInModel::signInWithGoogle() {
     if (submitting() || !offersGoogle())
         return;
-    begin(Action::Submit);
-    m_providerText = u"正在浏览器里等你登录……"_s;
+    startProvider(u"正在浏览器里等你登录……"_s, true);
     detach(waitForProvider(m_login->signInWithGoogle()), "SignInModel::signInWithGoogle");
 }
 
 void SignInModel::signInWithApple() {
     if (submitting() || !offersApple())
         return;
-    begin(Action::Submit);
-    m_providerText = u"正在等系统的登录窗口……"_s;
+    startProvider(u"正在等系统的登录窗口……"_s, false);
     detach(waitForProvider(m_login->signInWithApple()), "SignInModel::signInWithApple");
+}
+
+void SignInModel::startProvider(const QString &text, bool cancels) {
+    begin(Action::Submit);
+    m_providerText = text;
+    m_providerCancels = cancels;
 }
 
 QCoro::Task<> SignInModel::waitForProvider(QCoro::Task<> attempt) {

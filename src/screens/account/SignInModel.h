@@ -46,6 +46,7 @@ class SignInModel : public QObject {
     Q_PROPERTY(bool offersGoogle READ offersGoogle NOTIFY changed)
     Q_PROPERTY(bool offersApple READ offersApple NOTIFY changed)
     Q_PROPERTY(QString providerText READ providerText NOTIFY changed)
+    Q_PROPERTY(bool providerCancels READ providerCancels NOTIFY changed)
     Q_PROPERTY(QString providerLink READ providerLink NOTIFY changed)
 public:
     enum class Mode { Sms, Password, EmailSignIn, EmailRegister, Reset };
@@ -109,6 +110,8 @@ public:
     bool offersApple() const { return m_login->offersApple(); }
     /// Set while a provider's page is waited for.
     const QString &providerText() const { return m_providerText; }
+    /// Whether `cancelProvider` ends what is waited for; a sheet of the system has a button of its own.
+    bool providerCancels() const { return m_providerCancels; }
     /// The provider's page, when no browser took it.
     QString providerLink() const { return m_providerLink; }
 
@@ -141,6 +144,7 @@ private:
     Field firstMissing() const;
     QString missing(Field field, const QString &text) const { return m_missing == field ? text : QString(); }
     QCoro::Task<> submitNow();
+    void startProvider(const QString &text, bool cancels);
     QCoro::Task<> waitForProvider(QCoro::Task<> attempt);
 
     AccountServices m_services;
@@ -148,6 +152,7 @@ private:
     Action m_action = Action::None;
     Field m_missing = Field::NoField;
     QString m_providerText;
+    bool m_providerCancels = false;
     QString m_providerLink;
     QStringList m_codeNotices;
     QString m_notice;

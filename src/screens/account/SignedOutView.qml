@@ -25,6 +25,8 @@ FocusScope {
     Component.onCompleted: form.focusFirst()
 
     CenteredPane {
+        id: pane
+
         anchors.fill: parent
         usualHeight: 600
         visible: !root.trying
@@ -66,6 +68,7 @@ FocusScope {
                 focus: true
                 signIn: root.session.signIn
                 width: parent.width
+                onComplained: item => pane.show(item)
             }
         }
 

@@ -88,12 +88,15 @@ ScreenTest {
 
     function test_aCodeIsSentFilledAndCounted() {
         test.open("");
+        const height = test.field("手机号").height;
         test.press("发送验证码");
         test.awaitText("还没填手机号");
+        verify(test.field("手机号").height > height);
         test.type("手机号", "1380013800");
         test.awaitText("手机号少了 1 位 · 中国大陆号码是 11 位");
         keyClick("0");
         verify(!test.shows("手机号少了 1 位 · 中国大陆号码是 11 位"));
+        tryVerify(() => test.field("手机号").height === height, 5000, "no hole stays where a message was");
 
         Bench.answer("/api/app/auth/sms", 500, "");
         test.press("发送验证码");
@@ -143,6 +146,21 @@ ScreenTest {
         // Another way is another kind of account: the password does not go along.
         test.choose("手机密码");
         compare(test.field("密码").text, "");
+    }
+
+    function test_everythingIsReachedByTab() {
+        test.open("google apple");
+        const wanted = ["手机号", "验证码", "发送验证码", "登录", "有邀请码", "用 Google 登录", "用 Apple 登录", "先试聊", "现在很难受？先看这个", "登录方式", "国家或地区"];
+        const reached = new Set();
+        for (let presses = 0; presses < 2 * wanted.length && reached.size < wanted.length; ++presses) {
+            const name = test.Window.window.activeFocusItem.Accessible.name;
+            for (const text of wanted) {
+                if (name === text || name.startsWith(text + "：") || name.startsWith(text + "，"))
+                    reached.add(text);
+            }
+            keyClick(Qt.Key_Tab);
+        }
+        compare(wanted.filter(text => !reached.has(text)), []);
     }
 
     function test_aPasswordIsShownOnlyWhenAsked() {
