@@ -126,11 +126,18 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     }
     m_inputs.describe(place());
     dropStaleRetry();
-    if (m_session.conflicted())
-        setNotice(ConversationTexts::conflict());
-    else if (m_session.unsaved())
-        m_session.save();
     Q_EMIT conversationChanged();
+    if (!self || m_loads != loads || !m_session.unsaved())
+        co_return;
+    // Whether it is saved again is the person's word: the save before may have arrived.
+    const bool conflict = m_session.conflicted();
+    const bool kept = co_await m_session.preserve();
+    if (!self || m_loads != loads || !m_session.unsaved() || m_session.isSaving())
+        co_return;
+    if (conflict)
+        setNotice(kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept());
+    else
+        setNotice(kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept());
 }
 
 void ChatModel::forgetOpening() {

@@ -10,7 +10,11 @@
 
 namespace lmp {
 
+using namespace std::chrono_literals;
+
 namespace {
+
+constexpr std::chrono::milliseconds typingPause = 2s;
 
 /// The fresh conversations that some window has open: their input is not left behind.
 QSet<QString> &freshInUse() {
@@ -20,7 +24,7 @@ QSet<QString> &freshInUse() {
 
 } // namespace
 
-ComposerInputs::ComposerInputs(ComposerInputFile files, const Clock &clock, QObject *parent)
+ComposerInputs::ComposerInputs(ComposerInputFile files, Clock &clock, QObject *parent)
     : QObject(parent)
     , m_files(std::move(files))
     , m_clock(clock) {
@@ -28,6 +32,7 @@ ComposerInputs::ComposerInputs(ComposerInputFile files, const Clock &clock, QObj
 }
 
 ComposerInputs::~ComposerInputs() {
+    m_stop.request_stop();
     freshInUse().remove(m_id);
     open({});
     m_pool.waitForDone();
@@ -47,10 +52,7 @@ void ComposerInputs::moveTo(const Place &place) {
     m_boxes[m_id].place = place;
     takeOver();
     Q_EMIT replaced();
-    detach(QCoro::Task<>([](QCoro::Task<bool> keeping) -> QCoro::Task<> {
-               co_await keeping;
-           }(keep())),
-           "keeping what is typed");
+    detach(keepNow(), "keeping what is typed");
 }
 
 void ComposerInputs::describe(const Place &place) {
@@ -81,8 +83,25 @@ void ComposerInputs::change(const std::function<void(ConversationInput &)> &chan
     box.place.id = m_id;
     const auto before = box.input;
     change(box.input);
-    if (box.input != before)
-        ++box.edits;
+    if (box.input == before)
+        return;
+    ++box.edits;
+    if (!m_keepWaits && box.isDirty())
+        detach(keepAfterPause(), "keeping what is typed");
+}
+
+QCoro::Task<> ComposerInputs::keepAfterPause() {
+    const QPointer self(this);
+    m_keepWaits = true;
+    co_await m_clock.sleep(typingPause, m_stop.get_token());
+    if (!self)
+        co_return;
+    m_keepWaits = false;
+    co_await keep();
+}
+
+QCoro::Task<> ComposerInputs::keepNow() {
+    co_await keep();
 }
 
 void ComposerInputs::setText(const QString &text) {
@@ -96,16 +115,13 @@ void ComposerInputs::setRetryMessage(std::optional<QString> messageId) {
 void ComposerInputs::clear() {
     change([](ConversationInput &input) { input = {}; });
     Q_EMIT replaced();
-    detach(QCoro::Task<>([](QCoro::Task<bool> keeping) -> QCoro::Task<> {
-               co_await keeping;
-           }(keep())),
-           "keeping what is typed");
+    detach(keepNow(), "keeping what is typed");
 }
 
 QList<ComposerInputs::Write> ComposerInputs::dirty() const {
     QList<Write> writes;
     for (const auto &[id, box] : m_boxes.asKeyValueRange()) {
-        if (!box.isDirty())
+        if (!box.isDirty() || (id.isEmpty() && ComposerInputFile::isEmpty(box.input)))
             continue;
         const Write write{.entry = {.id = id,
                                     .writeId = QUuid::createUuid().toString(QUuid::WithoutBraces),
@@ -114,9 +130,10 @@ QList<ComposerInputs::Write> ComposerInputs::dirty() const {
                                     .updatedAt = m_clock.now().toUTC().toString(Qt::ISODateWithMs),
                                     .input = box.input},
                           .edits = box.edits};
-        // What goes is removed first and what comes is written after: a crash between leaves one copy, not two.
         writes.push_back(write);
     }
+    // What moves from one box to another is written before it is removed.
+    std::ranges::partition(writes, [](const Write &write) { return !ComposerInputFile::isEmpty(write.entry.input); });
     return writes;
 }
 
@@ -138,7 +155,7 @@ void ComposerInputs::open(const std::optional<QString> &account) {
 }
 
 bool ComposerInputs::isKept() const {
-    return std::ranges::none_of(m_boxes, &Box::isDirty);
+    return dirty().isEmpty();
 }
 
 QCoro::Task<bool> ComposerInputs::keep() {
@@ -162,7 +179,8 @@ QCoro::Task<bool> ComposerInputs::keep() {
         if (const auto box = m_boxes.find(write.entry.id); write.done && box != m_boxes.end())
             box->keptEdits = std::max(box->keptEdits, write.edits);
     }
-    Q_EMIT kept();
+    if (std::ranges::any_of(done, [this](const Write &write) { return write.entry.id != m_id; }))
+        Q_EMIT kept();
     co_return all;
 }
 

@@ -12,7 +12,8 @@
 
 namespace lmp {
 
-/// What is typed and not sent in one window, kept apart for each conversation, and put on disk when it is left.
+/// What is typed and not sent in one window, kept apart for each conversation, and put on disk when it is left or the
+/// typing pauses.
 ///
 /// Part of the chat's model; the clock outlives it. UI thread. Of an incognito conversation nothing is kept. What one
 /// account typed is put away when another signs in, and is there again when it comes back.
@@ -29,7 +30,7 @@ public:
         bool isFresh() const { return title.isEmpty() && cloudRevision == 0; }
     };
 
-    ComposerInputs(ComposerInputFile files, const Clock &clock, QObject *parent = nullptr);
+    ComposerInputs(ComposerInputFile files, Clock &clock, QObject *parent = nullptr);
     ~ComposerInputs() override;
 
     /// Puts the input of the conversation before away, and takes out that of `place`. A fresh one takes over what was
@@ -54,7 +55,7 @@ public:
 Q_SIGNALS:
     /// The box in use holds something else, other than by `setText`.
     void replaced();
-    /// Files were written or removed.
+    /// What stands in the boxes that are not in use has been put on disk.
     void kept();
 
 private:
@@ -74,14 +75,18 @@ private:
 
     void change(const std::function<void(ConversationInput &)> &change);
     void takeOver();
+    QCoro::Task<> keepNow();
+    QCoro::Task<> keepAfterPause();
     QList<Write> dirty() const;
     QCoro::Task<> read();
     void adopt(const ComposerInputFile::Listing &listing);
 
     ComposerInputFile m_files;
-    const Clock &m_clock;
+    Clock &m_clock;
     std::optional<QString> m_account;
-    quint64 m_generation = 0;    ///< counts the accounts opened
+    quint64 m_generation = 0; ///< counts the accounts opened
+    bool m_keepWaits = false;
+    std::stop_source m_stop;
     QHash<QString, Box> m_boxes; ///< by conversation
     QString m_id;                ///< of the box in use
     QThreadPool m_pool;          ///< of one thread: files are written in the order in which that was decided

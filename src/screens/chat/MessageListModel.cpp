@@ -58,7 +58,7 @@ QVariant MessageListModel::data(const QModelIndex &index, int role) const {
     case TextRole:
         return row.growing ? growingText() : row.text;
     case BlocksRole:
-        return QVariant::fromValue(row.isTwin ? blocksOf(row) : nullptr);
+        return QVariant::fromValue(row.isTwin ? blocksOf(index.row()) : nullptr);
     case TimeTextRole:
         return ChatDateText::of(mark.at, m_clock.now().toLocalTime());
     case StateRole:
@@ -131,8 +131,8 @@ void MessageListModel::reset() {
 
 void MessageListModel::restart() {
     beginResetModel();
-    for (const MessageRow &row : std::as_const(m_rows))
-        forgetBlocks(row.id);
+    for (const qsizetype index : m_blocks.keys())
+        forgetBlocks(index);
     fill();
     endResetModel();
     Q_EMIT windowChanged();
@@ -195,8 +195,8 @@ void MessageListModel::extend(qsizetype end) {
 
 void MessageListModel::drop(qsizetype row, qsizetype count) {
     beginRemoveRows({}, int(row), int(row + count) - 1);
-    for (const MessageRow &gone : m_rows.mid(row, count))
-        forgetBlocks(gone.id);
+    for (qsizetype gone = row; gone < row + count; ++gone)
+        forgetBlocks(m_first + gone);
     m_rows.remove(row, count);
     if (row == 0)
         m_first += count;
@@ -207,11 +207,6 @@ int MessageListModel::rowOf(const QString &messageId) const {
     const auto found =
         std::find_if(m_rows.rbegin(), m_rows.rend(), [&](const auto &row) { return row.id == messageId; });
     return found == m_rows.rend() ? -1 : int(m_rows.rend() - found - 1);
-}
-
-QObject *MessageListModel::blocksFor(const QString &messageId) const {
-    const int row = rowOf(messageId);
-    return row >= 0 && m_rows.at(row).isTwin ? blocksOf(m_rows.at(row)) : nullptr;
 }
 
 // The conversation changes
@@ -250,7 +245,7 @@ void MessageListModel::replace(qsizetype row, MessageRow now) {
     const MessageRow before = m_rows.at(row);
     if (before == now)
         return;
-    auto *blocks = m_blocks.value(now.id);
+    auto *blocks = m_blocks.value(m_first + row);
     if (blocks && before.growing && !now.growing) {
         blocks->append(now.text.sliced(std::min(m_fed, now.text.size())));
         blocks->finish();
@@ -278,9 +273,10 @@ QString MessageListModel::growingText() const {
     return reply ? reply->text : QString();
 }
 
-MarkdownBlockModel *MessageListModel::blocksOf(const MessageRow &row) const {
-    if (auto *blocks = m_blocks.value(row.id))
+MarkdownBlockModel *MessageListModel::blocksOf(qsizetype number) const {
+    if (auto *blocks = m_blocks.value(m_first + number))
         return blocks;
+    const MessageRow &row = m_rows.at(number);
     // Under this object, so that the engine does not take it for its own.
     auto *made = new MarkdownBlockModel(const_cast<MessageListModel *>(this));
     const QString text = row.growing ? growingText() : row.text;
@@ -289,13 +285,13 @@ MarkdownBlockModel *MessageListModel::blocksOf(const MessageRow &row) const {
         m_fed = text.size();
     else
         made->finish();
-    m_blocks.insert(row.id, made);
+    m_blocks.insert(m_first + number, made);
     return made;
 }
 
-void MessageListModel::forgetBlocks(const QString &messageId) {
+void MessageListModel::forgetBlocks(qsizetype index) {
     // A delegate may still be drawn with them.
-    if (auto *blocks = m_blocks.take(messageId))
+    if (auto *blocks = m_blocks.take(index))
         blocks->deleteLater();
 }
 
@@ -330,7 +326,7 @@ void MessageListModel::flush() {
     const auto *reply = ConversationMessageDelivery::find(*conversation, m_growingId);
     if (!reply)
         return;
-    if (auto *blocks = m_blocks.value(m_growingId)) {
+    if (auto *blocks = m_blocks.value(m_first + row)) {
         const QString piece = reply->text.sliced(m_fed);
         m_fed = reply->text.size();
         if (!piece.isEmpty())
@@ -343,7 +339,7 @@ void MessageListModel::flush() {
 
 MarkdownBlockModel *MessageListModel::blocksFor(const QString &messageId) {
     const int row = rowOf(messageId);
-    return row >= 0 && m_rows.at(row).isTwin ? blocksOf(m_rows.at(row)) : nullptr;
+    return row >= 0 && m_rows.at(row).isTwin ? blocksOf(row) : nullptr;
 }
 
 // What this window knows beyond the conversation

@@ -74,9 +74,6 @@ public:
     Q_INVOKABLE void jumpToLatest();
     /// The row of a message, or -1 when it is not in the window.
     Q_INVOKABLE int rowOf(const QString &messageId) const;
-    /// What the `blocks` role holds, for a view that makes them only where somebody looks.
-    Q_INVOKABLE QObject *blocksFor(const QString &messageId) const;
-
     /// The blocks of a reply, made when they are first asked for; null for any other message.
     Q_INVOKABLE lmp::MarkdownBlockModel *blocksFor(const QString &messageId);
 
@@ -116,8 +113,8 @@ private:
     void replace(qsizetype row, MessageRow now);
     void announce(const QString &messageId, const QList<int> &roles);
     QString growingText() const;
-    MarkdownBlockModel *blocksOf(const MessageRow &row) const;
-    void forgetBlocks(const QString &messageId);
+    MarkdownBlockModel *blocksOf(qsizetype row) const;
+    void forgetBlocks(qsizetype index);
     void flushSoon();
     void flush();
     QCoro::Task<> flushLater(std::chrono::milliseconds wait, std::stop_token stop);
@@ -133,7 +130,8 @@ private:
     QHash<QString, Mark> m_marks;
     QMap<QString, QString> m_feedback;
     QString m_retrying;
-    mutable QHash<QString, MarkdownBlockModel *> m_blocks; ///< made when a row is first shown
+    /// By the place in the conversation; made when a row is first shown.
+    mutable QHash<qsizetype, MarkdownBlockModel *> m_blocks;
     std::optional<std::chrono::nanoseconds> m_flushedAt;
     bool m_flushWaits = false;
     std::stop_source m_stop;

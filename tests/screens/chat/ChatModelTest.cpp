@@ -146,6 +146,23 @@ TEST_F(ChatModelTest, WhatIsTypedStaysWithItsConversation) {
     EXPECT_EQ(chat->input(), QString()) << "what was sent does not come back";
 }
 
+TEST_F(ChatModelTest, WhatIsTypedIsOnDiskAfterAPause) {
+    chat->setInput(u"先说"_s);
+    chat->begin();
+    EXPECT_EQ(chat->input(), u"先说"_s) << "typed before anything was open";
+    load(u"a"_s);
+    chat->setInput(u"没说完"_s);
+    clock.advance(std::chrono::seconds(2));
+    const auto onDisk = [this] {
+        QStringList texts;
+        for (const auto &entry : ComposerInputFile(support).list(user)->entries)
+            texts.push_back(entry.input.text);
+        texts.sort();
+        return texts;
+    };
+    EXPECT_TRUE(eventually([&] { return onDisk() == QStringList{u"先说"_s, u"没说完"_s}; }));
+}
+
 TEST_F(ChatModelTest, WhatAnotherWindowHasOpenIsNotLeftBehind) {
     chat->begin();
     chat->setInput(u"这个窗口"_s);
@@ -195,6 +212,7 @@ TEST_F(ChatModelTest, SwitchingInMidStreamWritesNothingIntoEither) {
     // What this machine kept of it, with an outcome that can no longer be learned.
     load(u"a"_s);
     ASSERT_EQ(chat->messages()->rowCount(), 3);
+    EXPECT_TRUE(eventually([this] { return chat->notice() == ConversationTexts::notSynchronised(); }));
     EXPECT_EQ(state(1), State::Unknown);
     EXPECT_EQ(text(2), u"一半"_s);
 }
