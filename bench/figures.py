@@ -194,6 +194,21 @@ def chat(figures):
     figures.hold("chat growing", f"a piece at 100 KB {growing:.2f} x one at 10 KB (at most 1.3)", growing <= 1.3)
 
 
+def markdown(figures):
+    """An update of a growing reply of 100 KB beside one of 10 KB, as rows and as painted lines"""
+    program = figures.program("bench_markdown")
+    for what in ("parse", "draw"):
+        medians = alternate({size: [program, what, size] for size in ("10", "100")})
+        costs = {size: one["mean_us"] for size, one in medians.items()}
+        figures.note(f"{what}: " + ", ".join(f"{size} KB {cost:.0f} us" for size, cost in costs.items()))
+        ratio = costs["100"] / costs["10"]
+        figures.hold(f"markdown {what}", f"{ratio:.2f} x as much at 100 KB as at 10 KB (at most 1.3)", ratio <= 1.3)
+    core = costs["100"] * 30 / 1e6
+    figures.hold("markdown core", f"{core:.1%} of a core at 30 updates a second (at most 10 %)", core <= 0.1)
+    one = run([program, "whole", "1000"])
+    figures.hold("markdown whole", f"{one['ms']:.0f} ms for 1 MB at once (at most 150)", one["ms"] <= 150)
+
+
 def version(figures):
     """lumenpair --version, from exec to exit"""
     medians = alternate(
@@ -204,7 +219,7 @@ def version(figures):
     figures.hold("version", f"{ratio:.2f} x a program that makes a QCoreApplication (at most 1.5)", ratio <= 1.5)
 
 
-ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, chat, version)}
+ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, chat, markdown, version)}
 
 
 def main():

@@ -6,7 +6,7 @@ namespace lmp {
 
 /// Writes the rich text of MarkdownInline from what the Markdown parser reports, in order.
 ///
-/// A value for one text; any thread. Spans close in the order they opened, which the parser promises.
+/// A value for one text; any thread. What opens must close, the last first.
 class InlineWriter {
 public:
     void open(const QString &element);

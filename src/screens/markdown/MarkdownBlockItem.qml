@@ -22,9 +22,8 @@ Item {
     required property int space
     required property int task
     required property string text
+    required property MarkdownColumn view
 
-    /// Kept once known: on the way out the parent goes first.
-    property MarkdownColumn view: root.parent as MarkdownColumn
     property Item barsItem
     property Item body
     /// The text of the body, if it has any.
@@ -46,10 +45,8 @@ Item {
     }
 
     height: Theme.dp(root.space) + (root.body ? root.body.implicitHeight : 0)
-    width: root.view.width
 
     Component.onCompleted: {
-        root.view = root.parent as MarkdownColumn;
         root.body = root.view.bodyOf(root.kind).createObject(root, {"block": root}) as Item;
         root.updateNesting();
     }

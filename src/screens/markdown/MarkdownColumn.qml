@@ -4,10 +4,11 @@ import Lumenpair.Markdown
 
 /// What the blocks of one message share: the model, what their text begins with, who has the keyboard, and the ways out.
 /// MarkdownView adds what each kind of block is drawn with, which refers to this.
-Column {
+MarkdownFlow {
     id: root
 
-    required property MarkdownBlockModel blocks
+    required blocks
+
     /// The block that Tab reaches.
     property int current: 0
     /// Rich text names no colour and no font of its own; this is where it gets them from.
@@ -50,4 +51,6 @@ Column {
         }
         return root.text;
     }
+
+    factor: Theme.factor
 }

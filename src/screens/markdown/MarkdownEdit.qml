@@ -84,6 +84,10 @@ TextEdit {
             root.tip.destroy();
         root.tip = root.address === "" ? null : root.showAddress(root.hoveredLink !== "" ? pointer.point.position.x : root.cursorRectangle.x, root.hoveredLink !== "" ? pointer.point.position.y : root.cursorRectangle.y);
     }
+    onCursorRectangleChanged: {
+        if (root.activeFocus && !pointer.hovered)
+            root.view.reveal(root, root.cursorRectangle);
+    }
     onLinkActivated: link => root.view.linkActivated(link)
 
     HoverHandler {

@@ -31,62 +31,79 @@ QString plain(const MD_ATTRIBUTE &attribute) {
     return text;
 }
 
-int enterSpan(MD_SPANTYPE type, void *detail, void *user) {
-    auto &writer = *static_cast<InlineWriter *>(user);
-    switch (type) {
-    case MD_SPAN_EM:
-        writer.openEmphasis();
-        break;
-    case MD_SPAN_STRONG:
-        writer.open(u"b"_s);
-        break;
-    case MD_SPAN_DEL:
-        writer.open(u"s"_s);
-        break;
-    case MD_SPAN_CODE:
-        writer.openCode();
-        break;
-    case MD_SPAN_A:
-        writer.openLink(plain(static_cast<MD_SPAN_A_DETAIL *>(detail)->href));
-        break;
-    case MD_SPAN_IMG:
-        writer.openPicture(plain(static_cast<MD_SPAN_IMG_DETAIL *>(detail)->src));
-        break;
-    default:
-        break;
+/// What is being written, and the spans that are open: the parser has been seen to close some it never opened and to
+/// leave others open.
+struct Reader {
+    InlineWriter writer;
+    QList<MD_SPANTYPE> spans;
+
+    void open(MD_SPANTYPE type, void *detail) {
+        switch (type) {
+        case MD_SPAN_EM:
+            writer.openEmphasis();
+            break;
+        case MD_SPAN_STRONG:
+            writer.open(u"b"_s);
+            break;
+        case MD_SPAN_DEL:
+            writer.open(u"s"_s);
+            break;
+        case MD_SPAN_CODE:
+            writer.openCode();
+            break;
+        case MD_SPAN_A:
+            writer.openLink(plain(static_cast<MD_SPAN_A_DETAIL *>(detail)->href));
+            break;
+        case MD_SPAN_IMG:
+            writer.openPicture(plain(static_cast<MD_SPAN_IMG_DETAIL *>(detail)->src));
+            break;
+        default:
+            return;
+        }
+        spans += type;
     }
+
+    /// Closes the innermost span of that type, and with it all that opened inside.
+    void close(MD_SPANTYPE type) {
+        while (spans.contains(type)) {
+            const MD_SPANTYPE last = spans.takeLast();
+            switch (last) {
+            case MD_SPAN_EM:
+                writer.closeEmphasis();
+                break;
+            case MD_SPAN_STRONG:
+                writer.close(u"b"_s);
+                break;
+            case MD_SPAN_DEL:
+                writer.close(u"s"_s);
+                break;
+            case MD_SPAN_CODE:
+                writer.closeCode();
+                break;
+            case MD_SPAN_A:
+                writer.closeLink();
+                break;
+            default:
+                writer.closePicture();
+            }
+            if (last == type)
+                return;
+        }
+    }
+};
+
+int enterSpan(MD_SPANTYPE type, void *detail, void *user) {
+    static_cast<Reader *>(user)->open(type, detail);
     return 0;
 }
 
 int leaveSpan(MD_SPANTYPE type, void *, void *user) {
-    auto &writer = *static_cast<InlineWriter *>(user);
-    switch (type) {
-    case MD_SPAN_EM:
-        writer.closeEmphasis();
-        break;
-    case MD_SPAN_STRONG:
-        writer.close(u"b"_s);
-        break;
-    case MD_SPAN_DEL:
-        writer.close(u"s"_s);
-        break;
-    case MD_SPAN_CODE:
-        writer.closeCode();
-        break;
-    case MD_SPAN_A:
-        writer.closeLink();
-        break;
-    case MD_SPAN_IMG:
-        writer.closePicture();
-        break;
-    default:
-        break;
-    }
+    static_cast<Reader *>(user)->close(type);
     return 0;
 }
 
 int text(MD_TEXTTYPE type, const MD_CHAR *bytes, MD_SIZE size, void *user) {
-    auto &writer = *static_cast<InlineWriter *>(user);
+    InlineWriter &writer = static_cast<Reader *>(user)->writer;
     const QString part = QString::fromUtf8(bytes, qsizetype(size));
     switch (type) {
     case MD_TEXT_ENTITY:
@@ -136,13 +153,15 @@ MarkdownInline MarkdownInline::of(QStringView source) {
     parser.enter_span = enterSpan;
     parser.leave_span = leaveSpan;
     parser.text = lmp::text;
-    InlineWriter writer;
+    Reader reader;
     const QByteArray line = asHeading(source);
-    if (md_parse(line.data(), MD_SIZE(line.size()), &parser, &writer) != 0) {
-        writer = InlineWriter();
-        writer.text(source.toString().replace(u'\n', u'\f'));
+    if (md_parse(line.data(), MD_SIZE(line.size()), &parser, &reader) != 0) {
+        reader = Reader();
+        reader.writer.text(source.toString().replace(u'\n', u'\f'));
     }
-    return writer.finish();
+    while (!reader.spans.isEmpty())
+        reader.close(reader.spans.last());
+    return reader.writer.finish();
 }
 
 QString MarkdownInline::escaped(QStringView text) {

@@ -9,10 +9,11 @@ MarkdownColumn {
     property real maximumWidth: Theme.dp(760)
 
     function moveFocus(from: int, by: int): void {
-        for (let row = from + by; row >= 0 && row < items.count; row += by) {
-            const item = items.itemAt(row) as MarkdownBlockItem;
-            if (item && item.takeFocus(by))
-                return;
+        let row = from + by;
+        let item = root.itemAt(row) as MarkdownBlockItem;
+        while (item && !item.takeFocus(by)) {
+            row += by;
+            item = root.itemAt(row) as MarkdownBlockItem;
         }
     }
 
@@ -30,6 +31,8 @@ MarkdownColumn {
     }
     ring: LMPFocusRing {
     }
+    row: MarkdownBlockItem {
+    }
     rule: MarkdownRule {
     }
     table: MarkdownTable {
@@ -38,13 +41,4 @@ MarkdownColumn {
     }
 
     onLeaving: (row, by) => root.moveFocus(row, by)
-
-    Repeater {
-        id: items
-
-        model: root.blocks
-
-        delegate: MarkdownBlockItem {
-        }
-    }
 }
