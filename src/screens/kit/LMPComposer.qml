@@ -5,9 +5,10 @@ import "inputKeys.js" as InputKeys
 
 /// Where a message is written. 44 to 220 high, grows with the text and scrolls from there on.
 ///
-/// Enter sends what is there (`submitted`), Shift+Enter breaks the line; Esc stops, only while `busy`. While an input
-/// method composes, none of these does anything, and nothing here touches the text. `text` belongs to the owner, who
-/// clears it when the message was taken over: what was typed is never lost to a send that failed.
+/// Enter sends what is there (`submitted`), Shift+Enter breaks the line; Esc stops, only while `busy`. What is submitted
+/// while `busy` is the owner's to hold back, and to say why in `hint`. While an input method composes, none of these does
+/// anything, and nothing here touches the text. `text` belongs to the owner, who clears it when the message was taken
+/// over: what was typed is never lost to a send that failed.
 FocusScope {
     id: root
 
@@ -33,7 +34,7 @@ FocusScope {
     }
 
     function submit(): void {
-        if (root.ready && !root.busy && !field.inputMethodComposing)
+        if (root.ready && !field.inputMethodComposing)
             root.submitted(field.text);
     }
 
