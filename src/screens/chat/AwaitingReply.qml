@@ -28,7 +28,7 @@ Item {
     Timer {
         interval: 500
         repeat: true
-        running: root.busy && !Theme.reducedMotion && Qt.application.state === Qt.ApplicationActive
+        running: root.busy && !Theme.reducedMotion && root.Window.active
 
         onTriggered: root.step = (root.step + 1) % 3
     }

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// What is to be known of the whole conversation: that it is incognito, that it is not saved, that a link was refused.

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// How this chat is held: what each way means is said beside its switch.

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The chat with one's twin: what was said, what is typed, and how things stand between the two.

@@ -1,5 +1,5 @@
 import QtQuick
-import QtQuick.Templates as T
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The conversations under the tab "now": find one, open one, begin one.
@@ -8,28 +8,35 @@ FocusScope {
 
     required property ConversationListModel conversations
 
-    signal opened(string id)
+    signal opened(id: string)
     signal newRequested
 
     /// Puts the caret into the field that finds.
-    function focusFind() {
+    function focusFind(): void {
         find.forceActiveFocus();
     }
-    function open(id: string) {
+    function open(id: string): void {
         root.conversations.select(id);
         root.opened(id);
+    }
+    /// What stands where there are no rows, or nothing.
+    function emptyText(): string {
+        if (root.conversations.noneFound)
+            return "没有找到这样的对话。";
+        if (root.conversations.empty)
+            return "还没有对话。";
+        return root.conversations.loading ? "正在读取对话…" : "";
     }
 
     Column {
         id: head
 
-        spacing: Theme.dp(8)
-        width: parent.width - 2 * Theme.dp(8)
-        x: Theme.dp(8)
+        spacing: Theme.space8
+        width: parent.width - 2 * x
+        x: Theme.space8
 
         LMPButton {
             iconName: "plus"
-            kind: LMPButton.Secondary
             text: "新对话"
             width: parent.width
 
@@ -38,83 +45,62 @@ FocusScope {
         LMPTextField {
             id: find
 
+            iconName: "search"
             placeholderText: "查找对话"
             visible: !root.conversations.empty
             width: parent.width
 
-            Keys.onDownPressed: list.forceActiveFocus()
-            onAccepted: {
-                if (list.count > 0)
-                    root.open((list.itemAtIndex(0) as ConversationListRow).conversationId);
+            Keys.onDownPressed: list.go(0)
+            Keys.onEscapePressed: event => {
+                event.accepted = find.text !== "" && !find.inputMethodComposing;
+                if (event.accepted)
+                    root.conversations.find("");
             }
+            onAccepted: list.openFirst()
             onTextEdited: root.conversations.find(find.text)
+
+            Binding on text {
+                value: root.conversations.findText
+            }
         }
         LMPBanner {
-            actionText: "再试一次"
+            actionText: "刷新"
             text: root.conversations.errorText
             tone: LMPBanner.Warning
-            visible: root.conversations.errorText.length > 0
-            width: parent.width
+            visible: root.conversations.errorText !== ""
 
             onAction: root.conversations.refresh()
         }
         LMPText {
-            color: Theme.text3
+            color: Theme.text2
             kind: LMPText.Caption
             text: root.conversations.notice
-            visible: text.length > 0
+            visible: root.conversations.notice !== ""
             width: parent.width
         }
     }
-    ListView {
+    ConversationListView {
         id: list
 
-        Accessible.name: "对话"
-        Accessible.role: Accessible.List
-        activeFocusOnTab: true
         anchors.bottom: parent.bottom
-        anchors.left: parent.left
-        anchors.right: parent.right
+        anchors.left: head.left
+        anchors.right: head.right
         anchors.top: head.bottom
-        anchors.topMargin: Theme.dp(8)
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        currentIndex: -1
-        highlightFollowsCurrentItem: true
-        highlightMoveDuration: 0
-        keyNavigationEnabled: true
+        anchors.topMargin: Theme.space8
         model: root.conversations
 
-        T.ScrollBar.vertical: LMPScrollBar {}
-        delegate: ConversationListRow {
-            width: ListView.view.width
+        delegate: ConversationListRow {}
 
-            onClicked: {
-                list.currentIndex = index;
-                root.open(conversationId);
-            }
-        }
-
-        Keys.onPressed: event => {
-            const row = list.currentItem as ConversationListRow;
-            if (row && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter || event.key === Qt.Key_Space)) {
-                root.open(row.conversationId);
-                event.accepted = true;
-            }
-        }
-        onActiveFocusChanged: {
-            if (list.activeFocus && list.currentIndex < 0 && list.count > 0)
-                list.currentIndex = Math.max(0, root.conversations.rowOf(root.conversations.selectedId));
-        }
+        onChosen: conversationId => root.open(conversationId)
     }
     LMPText {
         anchors.left: head.left
         anchors.right: head.right
         anchors.top: list.top
-        color: Theme.text3
+        anchors.topMargin: Theme.space16
+        color: Theme.text2
         horizontalAlignment: Text.AlignHCenter
-        text: root.conversations.noneFound ? "没有找到这样的对话。" : root.conversations.empty ? "还没有对话，从“新对话”开始。" : "正在读取对话…"
-        topPadding: Theme.dp(24)
-        visible: list.count === 0 && (root.conversations.noneFound || root.conversations.empty || root.conversations.loading)
+        text: root.emptyText()
+        visible: list.count === 0 && text !== ""
     }
 }

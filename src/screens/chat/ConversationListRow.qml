@@ -7,15 +7,28 @@ LMPRow {
 
     required property int index
     required property string conversationId
-    required property string title
-    required property string subtitle
     required property string timeText
-    required property bool selected
-    required property int unread
-    required property bool draft
-    required property string waitingText
+    required title
+    required subtitle
+    required selected
+    required unread
+    required draft
+    required waitingText
 
-    Accessible.role: Accessible.ListItem
+    readonly property ConversationListView view: ListView.view as ConversationListView
+
+    function showSelected(): void {
+        if (root.selected && root.view)
+            root.view.currentIndex = root.index;
+    }
+
+    // The list is one stop on the way of the Tab key.
+    focusPolicy: root.ListView.isCurrentItem ? Qt.StrongFocus : Qt.ClickFocus
     trailingText: root.timeText
     twoLine: true
+    width: root.view ? root.view.width : 0
+
+    Component.onCompleted: root.showSelected()
+    onClicked: root.view.choose(root.index, root.conversationId)
+    onSelectedChanged: root.showSelected()
 }

@@ -5,14 +5,18 @@ import Lumenpair.Kit
 Item {
     id: root
 
-    signal chosen(string text)
-
     readonly property list<string> starters: ["今天有件事，想和你说说：", "帮我理一理这周要做的事：", "你都记得我些什么？"]
+
+    signal chosen(text: string)
+
+    function prepare(button: LMPButton): void {
+        button.clicked.connect(() => root.chosen(button.text));
+    }
 
     Column {
         anchors.centerIn: parent
-        spacing: Theme.dp(16)
-        width: Math.min(Theme.dp(480), root.width - 2 * Theme.dp(24))
+        spacing: Theme.space16
+        width: Math.min(Theme.dp(480), root.width - 2 * Theme.space24)
 
         LMPText {
             horizontalAlignment: Text.AlignHCenter
@@ -23,26 +27,24 @@ Item {
         LMPText {
             color: Theme.text2
             horizontalAlignment: Text.AlignHCenter
-            text: "也可以从这里开头，放进输入框后由你改、由你发："
+            text: "也可以从这里开头。它只会放进输入框，由你改完再发。"
             width: parent.width
         }
-        Flow {
-            spacing: Theme.dp(8)
-            width: parent.width
+        Column {
+            anchors.horizontalCenter: parent.horizontalCenter
+            spacing: Theme.space8
 
             Repeater {
                 model: root.starters
 
-                LMPButton {
-                    id: starter
-
+                delegate: LMPButton {
                     required property string modelData
 
-                    kind: LMPButton.Secondary
-                    text: starter.modelData
-
-                    onClicked: root.chosen(starter.modelData)
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: modelData
                 }
+
+                onItemAdded: (index, item) => root.prepare(item as LMPButton)
             }
         }
     }

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// Asks what was wrong with a reply. Nothing is sent before a reason is chosen.
@@ -7,41 +8,43 @@ LMPSheet {
 
     required property ChatModel chat
     readonly property string messageId: root.chat.reasonsOpenFor
-    property string chosen: ""
+    property int chosen: -1
 
-    primaryEnabled: root.chosen.length > 0
+    function prepare(index: int, choice: LMPRadio): void {
+        choice.clicked.connect(() => root.chosen = index);
+    }
+    function start(): void {
+        root.chosen = -1;
+        for (let index = 0; index < choices.count; ++index)
+            (choices.itemAt(index) as LMPRadio).checked = false;
+        root.open();
+    }
+
+    primaryEnabled: root.chosen >= 0
     primaryText: "发送反馈"
     title: "哪里不太对？"
 
-    onAccepted: root.chat.dislike(root.messageId, root.chosen)
+    onAccepted: root.chat.dislike(root.messageId, root.chat.feedbackReasons[root.chosen])
     onClosed: root.chat.closeReasons()
     onMessageIdChanged: {
-        if (root.messageId.length > 0) {
-            root.chosen = "";
-            root.open();
-        } else {
+        if (root.messageId !== "")
+            root.start();
+        else
             root.close();
-        }
     }
 
     Repeater {
-        model: root.chat.feedbackReasons
+        id: choices
 
-        LMPRadio {
-            id: reason
+        model: root.chat.feedbackReasonTexts
 
-            required property int index
+        delegate: LMPRadio {
             required property string modelData
 
-            text: root.chat.feedbackReasonTexts[reason.index]
+            text: modelData
             width: parent.width
-
-            // A radio button checks itself; the choice is the sheet's all the same.
-            Binding on checked {
-                value: root.chosen === reason.modelData
-            }
-
-            onClicked: root.chosen = reason.modelData
         }
+
+        onItemAdded: (index, item) => root.prepare(index, item as LMPRadio)
     }
 }

@@ -17,26 +17,27 @@ T.Control {
     Accessible.role: Accessible.ListItem
     focusPolicy: root.row.seen ? Qt.TabFocus : Qt.NoFocus
     hoverEnabled: true
-    implicitHeight: root.implicitContentHeight + root.topPadding + root.bottomPadding
-    topPadding: Theme.dp(root.row.grouped ? 8 : 20)
+    implicitHeight: column.y + column.height
 
     background: Item {
         LMPFocusRing {
-            anchors.topMargin: root.topPadding - Theme.dp(4)
-            radius: Theme.radiusRow
+            anchors.topMargin: column.y - Theme.space4
+            around: Theme.radiusRow
             shown: root.visualFocus
         }
     }
-    contentItem: Column {
-        id: column
-
-        spacing: Theme.dp(4)
-    }
-
     Keys.onPressed: event => {
         if (event.matches(StandardKey.Copy)) {
             root.row.chat.copyMessage(root.row.messageId);
             event.accepted = true;
         }
+    }
+
+    Column {
+        id: column
+
+        spacing: Theme.space4
+        width: root.width
+        y: Theme.dp(root.row.grouped ? 8 : 20)
     }
 }

@@ -1,15 +1,16 @@
 import QtQuick
+import Lumenpair.Chat
 
 /// One message as its row knows it: what the model says of it, and how the transcript stands to it.
 Item {
     id: root
 
-    required property ChatModel chat
     required property int index
     required property string messageId
     required property string role
     required property string text
     required property string timeText
+    required property int state
     required property string stateText
     required property string errorText
     required property bool retryOffered
@@ -22,18 +23,21 @@ Item {
     required property string chargeText
     required property bool grouped
 
+    readonly property TranscriptColumn column: root.parent as TranscriptColumn
+    readonly property ChatModel chat: root.column ? root.column.chat : null
     readonly property bool own: root.role === "user"
-    /// Whether any of it is in sight, whether the focus is somewhere in it, whether it is the last.
+    readonly property bool last: root.column !== null && root.index === root.column.count - 1
+    readonly property bool focused: root.column !== null && root.column.focusedRow === root
+    /// Whether any of it is in sight.
     property bool seen: false
-    property bool focused: false
-    property bool last: false
-
-    signal editRequested
 
     /// What a listener hears: who speaks, what, and what became of it. The rest of a long text is read in the text itself.
     function spoken(): string {
-        const words = root.streaming ? "正在回答" : root.text.slice(0, 2000);
-        const parts = [(root.own ? "你说：" : "分身说：") + words, root.stateText, root.errorText, root.timeText];
-        return parts.filter(part => part.length > 0).join("。");
+        let words = (root.own ? "你说：" : "分身说：") + (root.streaming ? "正在回答" : root.text.slice(0, 2000));
+        for (const part of [root.stateText, root.errorText, root.timeText]) {
+            if (part !== "")
+                words += "。" + part;
+        }
+        return words;
     }
 }

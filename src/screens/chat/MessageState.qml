@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The line under a message: when, what it cost, what became of it, and what went wrong with it.
@@ -10,7 +11,12 @@ Column {
     property real maximumWidth: 0
 
     function line(): string {
-        return [root.row.timeText, root.row.chargeText, root.row.stateText].filter(part => part.length > 0).join(" · ");
+        let line = root.row.stateText;
+        for (const part of [root.row.own ? root.row.retryText : "", root.row.chargeText, root.row.timeText]) {
+            if (part !== "")
+                line += (line === "" ? "" : " · ") + part;
+        }
+        return line;
     }
 
     spacing: Theme.dp(2)
@@ -18,7 +24,7 @@ Column {
 
     LMPText {
         Accessible.ignored: true
-        color: root.row.troubled ? Theme.warning : Theme.text3
+        color: root.row.state === MessageListModel.Unknown || root.row.state === MessageListModel.Failed ? Theme.warning : Theme.text3
         horizontalAlignment: root.atRight ? Text.AlignRight : Text.AlignLeft
         kind: LMPText.Caption
         text: root.line()

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// What can be done with a message of one's own.
@@ -38,6 +39,6 @@ Row {
         text: "改一改再发"
         visible: root.row.retryOffered && !root.row.retryBusy
 
-        onClicked: root.row.editRequested()
+        onClicked: root.row.column.editRequested(root.row.messageId)
     }
 }

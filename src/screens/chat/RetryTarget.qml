@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// Says over the input that sending tries a failed message again, and lets go of it.

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import QtQuick.Window
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The messages of the open conversation, and where in them one reads.
@@ -71,11 +72,11 @@ FocusScope {
         }
         return false;
     }
-    function noteGrowth(row: TranscriptRow) {
+    function noteGrowth(row: TranscriptRow): void {
         if (row.streaming)
             root.growingRow = row;
         else if (row === root.growingRow)
-            root.replyEnded(row.spoken());
+            ended.restart();
     }
     function rowAround(item: Item): TranscriptRow {
         let around = item;
@@ -113,32 +114,27 @@ FocusScope {
             id: bar
         }
 
-        Column {
+        TranscriptColumn {
             id: column
 
             bottomPadding: Theme.dp(16)
+            chat: root.chat
+            count: rows.count
+            focusedRow: root.focusedRow
             topPadding: Theme.dp(8)
             width: root.columnWidth
             x: Math.round((root.width - root.columnWidth) / 2)
+
+            onEditRequested: messageId => root.editRequested(messageId)
+            onGrew: scroll.grewBelow()
+            onStreamingChanged: row => root.noteGrowth(row as TranscriptRow)
 
             Repeater {
                 id: rows
 
                 model: root.messages
 
-                TranscriptRow {
-                    id: row
-
-                    chat: root.chat
-                    focused: root.focusedRow === row
-                    last: row.index === rows.count - 1
-                    width: root.columnWidth
-
-                    Component.onCompleted: root.noteGrowth(row)
-                    onEditRequested: root.editRequested(row.messageId)
-                    onGrew: scroll.grewBelow()
-                    onStreamingChanged: root.noteGrowth(row)
-                }
+                delegate: TranscriptRow {}
             }
             AwaitingReply {
                 busy: root.chat.awaitingReply && !root.replyGrows
@@ -164,7 +160,7 @@ FocusScope {
     }
     Connections {
         function onModelReset() {
-            Qt.callLater(root.hold);
+            scroll.hold();
         }
         function onRowsInserted(parent: var, first: int, last: int) {
             if (last === root.messages.count - 1 && root.messages.atEnd)
@@ -172,6 +168,17 @@ FocusScope {
         }
 
         target: root.messages
+    }
+    // What the row says of itself at the end comes piece by piece.
+    Timer {
+        id: ended
+
+        interval: 100
+
+        onTriggered: {
+            if (root.growingRow && !root.growingRow.streaming)
+                root.replyEnded(root.growingRow.spoken());
+        }
     }
     WheelHandler {
         acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad

@@ -7,11 +7,9 @@ MessageItem {
 
     /// Set by who scrolls: whether it is near enough to be made.
     property bool awake: false
+    readonly property Item content: loader.item as Item
     property real knownHeight: 0
     property real knownWidth: 0
-
-    /// A reply in this row has become higher.
-    signal grew
 
     /// The height it had, or may have, while it is not made.
     function guess(): real {
@@ -20,38 +18,36 @@ MessageItem {
         const letters = Math.max(8, root.width * (root.own ? 0.7 : 1) / Theme.dp(15));
         return Theme.dp(80) + Theme.dp(25) * Math.ceil(root.text.length / letters);
     }
+    function tellStreaming(): void {
+        if (root.column)
+            root.column.streamingChanged(root);
+    }
 
-    height: loader.item ? Math.ceil((loader.item as Item).implicitHeight) : root.guess()
+    height: root.content ? Math.ceil(root.content.implicitHeight) : root.guess()
+    width: root.column ? root.column.width : 0
 
+    Component.onCompleted: {
+        loader.setSource(root.own ? "OwnMessage.qml" : "TwinMessage.qml", {
+            row: root
+        });
+        if (root.streaming)
+            root.tellStreaming();
+    }
     onHeightChanged: {
-        if (loader.item) {
+        if (root.content) {
             root.knownHeight = root.height;
             root.knownWidth = root.width;
         }
         if (root.streaming)
-            root.grew();
+            root.column.grew();
     }
+    onStreamingChanged: root.tellStreaming()
 
     Loader {
         id: loader
 
         active: root.awake || root.focused
         asynchronous: !root.seen
-        sourceComponent: root.own ? ownMessage : twinMessage
         width: root.width
-    }
-    Component {
-        id: ownMessage
-
-        OwnMessage {
-            row: root
-        }
-    }
-    Component {
-        id: twinMessage
-
-        TwinMessage {
-            row: root
-        }
     }
 }

@@ -136,12 +136,19 @@ Item {
 
         target: root.view
     }
+    Timer {
+        id: later
+
+        interval: 0
+
+        onTriggered: root.wake()
+    }
     Connections {
         // In the middle of laying out: the height of the whole is not known yet, so nothing is bounded and nothing filled.
         function onYChanged() {
             if (!root.following)
                 root.put(root.anchorRow.y - root.anchorOffset);
-            Qt.callLater(root.wake);
+            later.restart();
         }
 
         target: root.anchorRow

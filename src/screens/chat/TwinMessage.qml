@@ -7,7 +7,7 @@ MessageFrame {
     id: root
 
     MarkdownView {
-        blocks: root.row.chat.messages.blocksFor(root.row.messageId)
+        blocks: root.row.chat.messages.blocksFor(root.row.messageId) as MarkdownBlockModel
         maximumWidth: root.availableWidth
         width: root.availableWidth
 

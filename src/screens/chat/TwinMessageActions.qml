@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// What can be done with a reply. Always there, so that nothing moves and a screen reader finds it; in sight when the

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The memories that a reply drew on, as the service returned them.
@@ -29,22 +30,29 @@ LMPSheet {
     Repeater {
         model: root.chat.usedMemories
 
-        LMPCard {
+        delegate: Item {
             id: memory
 
             required property string content
             required property string truthText
 
-            accessibleName: memory.content + "。" + memory.truthText
-            width: parent.width
+            implicitHeight: card.implicitHeight
+            width: parent ? parent.width : 0
 
-            LMPText {
-                text: memory.content
+            LMPCard {
+                id: card
+
+                accessibleName: memory.content + "。" + memory.truthText
                 width: parent.width
-            }
-            LMPChip {
-                text: memory.truthText
-                visible: memory.truthText.length > 0
+
+                LMPText {
+                    text: memory.content
+                    width: parent.width
+                }
+                LMPChip {
+                    text: memory.truthText
+                    visible: text !== ""
+                }
             }
         }
     }
