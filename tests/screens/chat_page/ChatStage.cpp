@@ -2,6 +2,8 @@
 
 #include "platform/SystemClock.h"
 
+#include "support/Await.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 
@@ -32,7 +34,10 @@ public:
     QStringList links;
 };
 
-ChatStage::~ChatStage() = default;
+ChatStage::ChatStage() = default;
+ChatStage::~ChatStage() {
+    finish();
+}
 
 QString ChatStage::clipboard() {
     return QGuiApplication::clipboard()->text();
@@ -42,18 +47,24 @@ QStringList ChatStage::openedLinks() const {
     return m_opener->links;
 }
 
-void ChatStage::restart() {
-    // The old chat outlives nothing it uses, and a page that is going still looks at it.
-    if (m_chat)
-        m_chat->stop();
-    const auto oldChat = std::move(m_chat);
-    const auto oldList = std::move(m_conversations);
-    const auto oldServer = std::move(m_server);
-    const auto oldFolder = std::move(m_folder);
+void ChatStage::finish() {
+    if (!m_chat)
+        return;
+    // A request that is still open when the program ends would take its task with it.
+    m_chat->stop();
+    await(m_chat->preserve());
+    m_conversations.reset();
+    m_chat.reset();
+    Q_EMIT restarted();
+    await(ConversationService(APIClient(m_server->url(u"/api"_s), [] { return u"tok"_s; })).list());
+    settle();
+}
 
+void ChatStage::restart() {
+    finish();
     m_server = std::make_unique<StubServer>();
     m_folder = std::make_unique<QTemporaryDir>();
-    m_opener = std::make_shared<Opener>();
+    m_opener = std::make_unique<Opener>();
     if (!m_clock)
         m_clock = std::make_unique<SystemClock>();
     answer(u"/app/conversation/sync"_s, 200, uR"({"ok":true,"revision":1})"_s);
@@ -64,16 +75,24 @@ void ChatStage::restart() {
     const ChatServices services{
         .api = api,
         .events = SSEClient(api.base, api.tokenProvider),
-        .account = ConversationAccount{[] { return u"u1"_s; }, [] { return u"s1"_s; }},
+        .account = ConversationAccount{[] { return u"u1"_s; },
+                                       [] {
+                                           return u"s1"_s;
+                                       }},
         .drafts = ConversationDraftCache(support),
         .inputs = ComposerInputFile(support),
         .clock = m_clock.get(),
         .safety = &m_safety,
         .recorder = [](const QString &, const QString &, const QString &, const QVariantMap &) {},
-        .opener = m_opener,
+        .opener = m_opener.get(),
     };
     m_chat = std::make_unique<ChatModel>(services);
     m_conversations = std::make_unique<ConversationListModel>(services);
+    m_saves = 0;
+    connect(m_chat.get(), &ChatModel::saved, this, [this] {
+        ++m_saves;
+        Q_EMIT saved();
+    });
     Q_EMIT restarted();
 }
 

@@ -17,14 +17,20 @@ class ChatStage : public QObject {
     Q_PROPERTY(lmp::ConversationListModel *conversations READ conversations NOTIFY restarted)
     Q_PROPERTY(QString clipboard READ clipboard)
     Q_PROPERTY(QStringList openedLinks READ openedLinks)
+    /// How often the open conversation was saved at the service.
+    Q_PROPERTY(int saves READ saves NOTIFY saved)
 public:
+    ChatStage();
     ~ChatStage() override;
 
     ChatModel *chat() const { return m_chat.get(); }
     ConversationListModel *conversations() const { return m_conversations.get(); }
     static QString clipboard();
     QStringList openedLinks() const;
+    int saves() const { return m_saves; }
 
+    /// Lets everything under way end.
+    void finish();
     /// A fresh service and fresh models, with nothing open.
     Q_INVOKABLE void restart();
     /// How requests of a path below the API are answered from now on; a status of 0 breaks the connection.
@@ -43,6 +49,7 @@ public:
 
 Q_SIGNALS:
     void restarted();
+    void saved();
 
 private:
     class Opener;
@@ -50,11 +57,12 @@ private:
     std::unique_ptr<StubServer> m_server;
     std::unique_ptr<QTemporaryDir> m_folder;
     SafetyGateStore m_safety;
-    std::shared_ptr<Opener> m_opener;
+    std::unique_ptr<Opener> m_opener;
     std::unique_ptr<Clock> m_clock;
     std::unique_ptr<ConversationListModel> m_conversations;
     std::unique_ptr<ChatModel> m_chat;
     QPointer<QTcpSocket> m_stream;
+    int m_saves = 0;
 };
 
 } // namespace lmp

@@ -21,6 +21,8 @@ public Q_SLOTS:
         engine->rootContext()->setContextProperty(QStringLiteral("stage"), &m_stage);
     }
 
+    void cleanupTestCase() { m_stage.finish(); }
+
 private:
     lmp::ChatStage m_stage;
 };
