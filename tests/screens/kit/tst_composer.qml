@@ -72,26 +72,17 @@ TestCase {
             {
                 tag: "empty",
                 text: "",
-                canSend: true,
-                busy: false
+                canSend: true
             },
             {
                 tag: "blank",
                 text: " \n\t　",
-                canSend: true,
-                busy: false
+                canSend: true
             },
             {
                 tag: "held",
                 text: "a",
-                canSend: false,
-                busy: false
-            },
-            {
-                tag: "busy",
-                text: "a",
-                canSend: true,
-                busy: true
+                canSend: false
             }
         ];
     }
@@ -99,7 +90,6 @@ TestCase {
     function test_nothingToSend(row) {
         composer.text = row.text;
         composer.canSend = row.canSend;
-        composer.busy = row.busy;
         keyClick(Qt.Key_Return);
         compare(submitted.count, 0);
         compare(composer.text, row.text);
