@@ -20,6 +20,7 @@ FocusScope {
 
     readonly property alias following: scroll.following
     readonly property alias newBelow: scroll.newBelow
+    readonly property alias moving: flick.moving
     readonly property alias contentY: flick.contentY
     readonly property alias contentHeight: flick.contentHeight
     readonly property real distanceToEnd: scroll.lowest - flick.contentY
@@ -146,6 +147,7 @@ FocusScope {
         id: scroll
 
         byHand: bar.pressed
+        column: column
         rows: rows
         view: flick
 

@@ -9,73 +9,11 @@ Item {
     height: 700
     width: 900
 
-    Component {
-        id: pageComponent
-
-        ChatPage {
-            anchors.fill: parent
-        }
-    }
-
-    ScreenCase {
+    ChatCase {
         id: test
 
         name: "ChatPage"
-
-        property ChatPage page: null
-        readonly property string stream: "/relay/chat/stream"
-
-        function init() {
-            stage.restart();
-            test.page = createTemporaryObject(pageComponent, scene, {
-                chat: stage.chat
-            });
-            stage.chat.begin();
-            test.page.focusInput();
-        }
-        function type(text) {
-            test.page.composer.text = text;
-            keyClick(Qt.Key_Return);
-        }
-        function pushText(text) {
-            stage.push(JSON.stringify({
-                delta: text
-            }));
-        }
-        /// A turn whose stream is open, with some of the reply in it.
-        function beginTurn(text, reply) {
-            stage.answerByStream();
-            const before = stage.requests(test.stream);
-            test.type(text);
-            tryVerify(() => stage.requests(test.stream) > before);
-            if (reply) {
-                test.pushText(reply);
-                test.awaitText(test.page, reply);
-            }
-        }
-        function finishTurn() {
-            stage.push(JSON.stringify({
-                done: true,
-                pipCharged: 3,
-                balance: 997,
-                requestId: "r1",
-                usedMemories: [
-                    {
-                        content: "喜欢清早跑步",
-                        truth: "pref"
-                    }
-                ]
-            }));
-            tryVerify(() => stage.chat.idle);
-            tryVerify(() => stage.saves > 0);
-        }
-        function openLong(count) {
-            stage.serveLong("long", count);
-            stage.chat.load("long");
-            tryVerify(() => stage.chat.open && stage.chat.messages.count > 0);
-            tryVerify(() => test.page.transcript.contentHeight > test.page.transcript.height);
-            tryVerify(() => test.page.transcript.distanceToEnd === 0);
-        }
+        scene: scene
 
         function test_turn() {
             verify(test.reads(test.page, "和你的分身聊点什么吧。"));
