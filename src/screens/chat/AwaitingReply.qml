@@ -1,35 +1,19 @@
 import QtQuick
 import Lumenpair.Kit
 
-/// Says that a reply is awaited. Moves twice a second and a few pixels only, or not at all where less motion is wanted.
+/// Stands where the reply will: dots that move a few times a second, or not at all where less motion is wanted. The
+/// words are under the message that waits.
 Item {
     id: root
 
     property bool busy: false
-    property int step: 2
 
-    height: root.busy ? Theme.dp(45) : 0
+    height: root.busy ? Theme.dp(49) : 0
     visible: root.busy
 
-    LMPText {
-        id: words
-
+    LMPSpinner {
         anchors.bottom: parent.bottom
-        color: Theme.text3
-        text: "正在等待回答"
-    }
-    LMPText {
-        Accessible.ignored: true
-        anchors.bottom: parent.bottom
-        anchors.left: words.right
-        color: Theme.text3
-        text: "·".repeat(root.step + 1)
-    }
-    Timer {
-        interval: 500
-        repeat: true
-        running: root.busy && !Theme.reducedMotion && root.Window.active
-
-        onTriggered: root.step = (root.step + 1) % 3
+        anchors.bottomMargin: Theme.dp(10)
+        visible: root.busy
     }
 }

@@ -10,18 +10,16 @@ Column {
 
     signal serviceCopyWanted
 
+    readonly property bool any: root.chat.incognito || root.chat.notice !== "" || root.chat.linkNotice !== ""
+
     spacing: Theme.space8
-    visible: incognito.visible || notice.visible || link.visible
+    visible: root.any
 
     LMPBanner {
-        id: incognito
-
         text: root.chat.incognitoText
         visible: root.chat.incognito
     }
     LMPBanner {
-        id: notice
-
         actionText: root.chat.conflicted ? "改用服务上的版本…" : "再试一次"
         closable: true
         text: root.chat.notice
@@ -37,8 +35,6 @@ Column {
         onClosed: root.chat.closeNotice()
     }
     LMPBanner {
-        id: link
-
         closable: true
         text: root.chat.linkNotice
         tone: LMPBanner.Warning

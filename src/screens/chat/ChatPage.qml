@@ -127,10 +127,7 @@ FocusScope {
                 }
                 width: parent.width
 
-                Keys.onPressed: event => {
-                    if (composer.text === "" && !composer.inputMethodComposing)
-                        event.accepted = transcript.takeKey(event.key, event.modifiers);
-                }
+                onIdleKey: key => transcript.takeKey(key, Qt.NoModifier)
                 onEdited: root.chat.input = composer.text
                 onStopRequested: root.chat.stop()
                 onSubmitted: root.chat.send()

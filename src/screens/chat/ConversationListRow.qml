@@ -24,8 +24,9 @@ LMPRow {
 
     // The list is one stop on the way of the Tab key.
     focusPolicy: root.ListView.isCurrentItem ? Qt.StrongFocus : Qt.ClickFocus
+    implicitHeight: Theme.dp(root.twoLine ? 52 : 36)
     trailingText: root.timeText
-    twoLine: true
+    twoLine: root.subtitle !== ""
     width: root.view ? root.view.width : 0
 
     Component.onCompleted: root.showSelected()

@@ -10,6 +10,8 @@ T.Control {
 
     required property MessageItem row
     readonly property bool attended: root.hovered || root.row.focused
+    /// To the message above, in lengths of the design.
+    property real gap: 20
     default property alias parts: column.data
 
     Accessible.focusable: true
@@ -38,6 +40,6 @@ T.Control {
 
         spacing: Theme.space4
         width: root.width
-        y: Theme.dp(root.row.grouped ? 8 : 20)
+        y: Theme.dp(root.gap)
     }
 }

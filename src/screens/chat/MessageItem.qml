@@ -31,6 +31,15 @@ Item {
     /// Whether any of it is in sight.
     property bool seen: false
 
+    /// The line under the message: what became of it, what it cost, and when.
+    function stateLine(): string {
+        let line = root.stateText;
+        for (const part of [root.own ? root.retryText : "", root.chargeText === "" ? "" : "花费 " + root.chargeText, root.timeText]) {
+            if (part !== "")
+                line += (line === "" ? "" : " · ") + part;
+        }
+        return line;
+    }
     /// What a listener hears: who speaks, what, and what became of it. The rest of a long text is read in the text itself.
     function spoken(): string {
         let words = (root.own ? "你说：" : "分身说：") + (root.streaming ? "正在回答" : root.text.slice(0, 2000));

@@ -20,6 +20,7 @@ FocusScope {
 
     readonly property alias following: scroll.following
     readonly property alias newBelow: scroll.newBelow
+    readonly property alias moving: flick.moving
     readonly property alias contentY: flick.contentY
     readonly property alias contentHeight: flick.contentHeight
     readonly property real distanceToEnd: scroll.lowest - flick.contentY
@@ -72,11 +73,11 @@ FocusScope {
         }
         return false;
     }
-    function noteGrowth(row: TranscriptRow, streaming: bool, spoken: string): void {
-        if (streaming)
+    function noteGrowth(row: TranscriptRow): void {
+        if (row.streaming)
             root.growingRow = row;
         else if (row === root.growingRow)
-            root.replyEnded(spoken);
+            ended.restart();
     }
     function rowAround(item: Item): TranscriptRow {
         let around = item;
@@ -127,7 +128,7 @@ FocusScope {
 
             onEditRequested: messageId => root.editRequested(messageId)
             onGrew: scroll.grewBelow()
-            onStreamingChanged: (row, streaming, spoken) => root.noteGrowth(row as TranscriptRow, streaming, spoken)
+            onStreamingChanged: row => root.noteGrowth(row as TranscriptRow)
 
             Repeater {
                 id: rows
@@ -146,6 +147,7 @@ FocusScope {
         id: scroll
 
         byHand: bar.pressed
+        column: column
         rows: rows
         view: flick
 
@@ -168,6 +170,17 @@ FocusScope {
         }
 
         target: root.messages
+    }
+    // What the row says of itself at the end comes piece by piece.
+    Timer {
+        id: ended
+
+        interval: 100
+
+        onTriggered: {
+            if (root.growingRow && !root.growingRow.streaming)
+                root.replyEnded(root.growingRow.spoken());
+        }
     }
     WheelHandler {
         acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad

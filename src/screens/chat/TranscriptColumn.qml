@@ -12,6 +12,7 @@ Column {
 
     /// The reply in this row has become higher.
     signal grew
-    signal streamingChanged(row: Item, streaming: bool, spoken: string)
+    /// The reply in this row begins or ends to grow.
+    signal streamingChanged(row: Item)
     signal editRequested(messageId: string)
 }

@@ -7,6 +7,7 @@ MessageItem {
 
     /// Set by who scrolls: whether it is near enough to be made.
     property bool awake: false
+    readonly property bool made: root.awake || root.focused
     readonly property Item content: loader.item as Item
     property real knownHeight: 0
     property real knownWidth: 0
@@ -20,16 +21,13 @@ MessageItem {
     }
     function tellStreaming(): void {
         if (root.column)
-            root.column.streamingChanged(root, root.streaming, root.streaming ? "" : root.spoken());
+            root.column.streamingChanged(root);
     }
 
     height: root.content ? Math.ceil(root.content.implicitHeight) : root.guess()
     width: root.column ? root.column.width : 0
 
     Component.onCompleted: {
-        loader.setSource(root.own ? "OwnMessage.qml" : "TwinMessage.qml", {
-            row: root
-        });
         if (root.streaming)
             root.tellStreaming();
     }
@@ -41,12 +39,20 @@ MessageItem {
         if (root.streaming)
             root.column.grew();
     }
+    onMadeChanged: {
+        // A loader keeps what it hands over for one time only.
+        if (root.made)
+            loader.setSource(root.own ? "OwnMessage.qml" : "TwinMessage.qml", {
+                row: root
+            });
+        else
+            loader.source = "";
+    }
     onStreamingChanged: root.tellStreaming()
 
     Loader {
         id: loader
 
-        active: root.awake || root.focused
         asynchronous: !root.seen
         width: root.width
     }

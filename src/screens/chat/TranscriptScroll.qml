@@ -9,6 +9,7 @@ Item {
     id: root
 
     required property Flickable view
+    required property TranscriptColumn column
     required property Repeater rows
     /// Whether a person has hold of the scroll bar.
     property bool byHand: false
@@ -34,10 +35,11 @@ Item {
     }
     /// Moves as a person wishes. Upwards lets go of the end; arriving there takes hold of it again.
     function moveBy(distance: real) {
-        const target = Math.max(0, Math.min(root.lowest, root.view.contentY + distance));
-        const up = target < root.view.contentY;
-        root.place(target);
-        root.moved(up);
+        // Keys may come faster than frames.
+        root.column.forceLayout();
+        const before = root.view.contentY;
+        root.place(before + distance);
+        root.moved(root.view.contentY - before);
     }
     /// Brings an item into view, as when the focus goes there. Of one that is higher than the view, its beginning.
     function reveal(item: Item) {
@@ -49,13 +51,20 @@ Item {
             root.moveBy(top - root.view.contentY);
     }
     /// After the view was moved by a person, however that was done.
-    function moved(up: bool) {
-        const atEnd = root.lowest - root.view.contentY <= root.grip;
-        root.following = atEnd && !(up && root.lowest > root.view.contentY);
-        if (atEnd)
+    function moved(distance: real) {
+        const toEnd = root.lowest - root.view.contentY;
+        root.following = toEnd <= root.grip && !(distance < 0 && toEnd > 0);
+        if (toEnd <= root.grip)
             root.newBelow = false;
-        root.takeAnchor();
+        // What was in sight before stays where the move has brought it while the rows above it are made: their heights
+        // were guesses until now.
+        root.takeAnchor(root.view.contentY - distance);
+        if (distance < 0 && root.anchorOffset < root.view.height)
+            passing.restart();
+        else
+            root.takeAnchor(root.view.contentY);
         root.wake();
+        root.column.forceLayout();
     }
     /// Something that was not there before came at the end.
     function grewBelow() {
@@ -65,7 +74,7 @@ Item {
     /// Puts the view where it is held, after the rows were laid out.
     function settle() {
         if (!root.anchorRow)
-            root.takeAnchor();
+            root.takeAnchor(root.view.contentY);
         if (root.following)
             root.place(root.lowest);
         else if (root.anchorRow)
@@ -80,9 +89,8 @@ Item {
         root.view.contentY = Math.round(top);
         root.settling = false;
     }
-    /// Holds on to the first row of which something is in sight.
-    function takeAnchor() {
-        const top = root.view.contentY;
+    /// Holds on to the first row of which something is in sight when the view is at `top`.
+    function takeAnchor(top: real): void {
         let low = 0;
         let high = root.rows.count - 1;
         while (low < high) {
@@ -94,7 +102,7 @@ Item {
                 high = middle;
         }
         root.anchorRow = root.rows.itemAt(low) as TranscriptRow;
-        root.anchorOffset = root.anchorRow ? root.anchorRow.y - top : 0;
+        root.anchorOffset = root.anchorRow ? root.anchorRow.y - root.view.contentY : 0;
     }
     /// Fills the rows near the view and empties those far from it.
     function wake() {
@@ -124,7 +132,7 @@ Item {
         function onContentYChanged() {
             // What the view does of itself, when its content shrinks, is no wish of anybody's.
             if (!root.settling && (root.byHand || root.view.moving))
-                root.moved(root.view.contentY < root.lastY);
+                root.moved(root.view.contentY - root.lastY);
             root.lastY = root.view.contentY;
         }
         function onContentHeightChanged() {
@@ -135,6 +143,13 @@ Item {
         }
 
         target: root.view
+    }
+    Timer {
+        id: passing
+
+        interval: 100
+
+        onTriggered: root.takeAnchor(root.view.contentY)
     }
     Timer {
         id: later

@@ -26,6 +26,8 @@ FocusScope {
 
     /// The text is another one, by whatever means.
     signal edited
+    /// A key that moves, while there is nothing written to move in.
+    signal idleKey(int key)
     signal stopRequested
     signal submitted(string text)
 
@@ -50,6 +52,10 @@ FocusScope {
         }
         if (key === Qt.Key_Escape && root.busy) {
             root.stopRequested();
+            return true;
+        }
+        if (field.length === 0 && InputKeys.moves(key) && !(modifiers & ~Qt.KeypadModifier)) {
+            root.idleKey(key);
             return true;
         }
         return false;

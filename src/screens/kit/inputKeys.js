@@ -22,6 +22,20 @@ function heldByComposition(key) {
     return false;
 }
 
+// Up and down in what is longer than the view.
+function moves(key) {
+    switch (key) {
+    case Qt.Key_Up:
+    case Qt.Key_Down:
+    case Qt.Key_PageUp:
+    case Qt.Key_PageDown:
+    case Qt.Key_Home:
+    case Qt.Key_End:
+        return true;
+    }
+    return false;
+}
+
 // Tab leaves a text of several lines, as it leaves every other control. Whether the key did that.
 function leaves(item, event) {
     if ((event.key !== Qt.Key_Tab && event.key !== Qt.Key_Backtab) || (event.modifiers & ~Qt.ShiftModifier))

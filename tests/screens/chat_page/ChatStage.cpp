@@ -75,7 +75,10 @@ void ChatStage::restart() {
     const ChatServices services{
         .api = api,
         .events = SSEClient(api.base, api.tokenProvider),
-        .account = ConversationAccount{[] { return u"u1"_s; }, [] { return u"s1"_s; }},
+        .account = ConversationAccount{[] { return u"u1"_s; },
+                                       [] {
+                                           return u"s1"_s;
+                                       }},
         .drafts = ConversationDraftCache(support),
         .inputs = ComposerInputFile(support),
         .clock = m_clock.get(),
@@ -85,6 +88,11 @@ void ChatStage::restart() {
     };
     m_chat = std::make_unique<ChatModel>(services);
     m_conversations = std::make_unique<ConversationListModel>(services);
+    m_saves = 0;
+    connect(m_chat.get(), &ChatModel::saved, this, [this] {
+        ++m_saves;
+        Q_EMIT saved();
+    });
     Q_EMIT restarted();
 }
 

@@ -17,6 +17,8 @@ class ChatStage : public QObject {
     Q_PROPERTY(lmp::ConversationListModel *conversations READ conversations NOTIFY restarted)
     Q_PROPERTY(QString clipboard READ clipboard)
     Q_PROPERTY(QStringList openedLinks READ openedLinks)
+    /// How often the open conversation was saved at the service.
+    Q_PROPERTY(int saves READ saves NOTIFY saved)
 public:
     ChatStage();
     ~ChatStage() override;
@@ -25,6 +27,7 @@ public:
     ConversationListModel *conversations() const { return m_conversations.get(); }
     static QString clipboard();
     QStringList openedLinks() const;
+    int saves() const { return m_saves; }
 
     /// Lets everything under way end.
     void finish();
@@ -46,6 +49,7 @@ public:
 
 Q_SIGNALS:
     void restarted();
+    void saved();
 
 private:
     class Opener;
@@ -58,6 +62,7 @@ private:
     std::unique_ptr<ConversationListModel> m_conversations;
     std::unique_ptr<ChatModel> m_chat;
     QPointer<QTcpSocket> m_stream;
+    int m_saves = 0;
 };
 
 } // namespace lmp

@@ -17,12 +17,17 @@ TestCase {
             root.all(item.children[i], matches, found);
         return found;
     }
+    function plain(text) {
+        return String(text).replace(/<style[^]*?<\/style>|<[^>]*>/g, "").trim();
+    }
     /// Whether `text` can be read somewhere in `item`.
     function reads(item, text) {
-        return root.all(item, one => one.font !== undefined && String(one.text).includes(text)).length > 0;
+        return root.all(item, one => one.font !== undefined && root.plain(one.text).includes(text)).length > 0;
     }
     function awaitText(item, text) {
-        tryVerify(() => root.reads(item, text) || (console.log(root.words(item)), false), 5000, text);
+        for (let turn = 0; turn < 500 && !root.reads(item, text); ++turn)
+            wait(10);
+        verify(root.reads(item, text), text + " is not in: " + root.words(item));
     }
     /// The button of this name in `item`, or null.
     function button(item, name) {
@@ -30,7 +35,7 @@ TestCase {
     }
     /// All that can be read in `item`, for the message of a test that fails.
     function words(item) {
-        return root.all(item, one => one.font !== undefined && one.text).map(one => one.text).join(" | ");
+        return root.all(item, one => one.font !== undefined && one.text).map(one => root.plain(one.text)).join(" | ");
     }
     function press(item, name) {
         tryVerify(() => root.button(item, name) !== null, 5000, "no button " + name);

@@ -1,0 +1,31 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// What can be done with a message that did not arrive.
+Row {
+    id: root
+
+    required property MessageItem row
+
+    spacing: Theme.space4
+    visible: root.row.retryOffered || root.row.retryBusy
+
+    LMPButton {
+        busy: root.row.retryBusy
+        iconName: "retry"
+        implicitHeight: Theme.target
+        kind: LMPButton.Quiet
+        text: "重试"
+
+        onClicked: root.row.chat.retryMessage(root.row.messageId)
+    }
+    LMPButton {
+        enabled: !root.row.retryBusy
+        iconName: "edit"
+        implicitHeight: Theme.target
+        kind: LMPButton.Quiet
+        text: "改一改再发"
+
+        onClicked: root.row.column.editRequested(root.row.messageId)
+    }
+}

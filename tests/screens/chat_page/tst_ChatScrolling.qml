@@ -1,0 +1,184 @@
+import QtQuick
+import QtTest
+import Lumenpair.Kit
+import Lumenpair.Chat
+
+Item {
+    id: scene
+
+    height: 600
+    width: 900
+
+    ChatCase {
+        id: test
+
+        name: "ChatScrolling"
+        scene: scene
+
+        readonly property string paragraph: "又来一段话，说的是同一件事。\n\n"
+
+        /// The row at the top of the view, and where it stands there.
+        function topRow() {
+            const rows = test.all(test.transcript, item => item instanceof TranscriptRow);
+            const row = rows.find(one => one.y + one.height > test.transcript.contentY);
+            return {
+                id: row.messageId,
+                at: row.y - test.transcript.contentY
+            };
+        }
+        function compareTop(before) {
+            const now = test.topRow();
+            compare(now.id, before.id);
+            compare(now.at, before.at);
+        }
+        /// Lets the reply grow by enough to be seen.
+        function grow() {
+            const height = test.transcript.contentHeight;
+            test.pushText(test.paragraph.repeat(5));
+            tryVerify(() => test.transcript.contentHeight > height + 50);
+        }
+        function bar() {
+            return test.all(test.transcript, item => item instanceof LMPScrollBar && item.height > 300)[0];
+        }
+
+        function test_followsUntilLetGo_data() {
+            return [
+                {
+                    tag: "wheel",
+                    letGo: () => mouseWheel(test.transcript, 400, 200, 0, 120)
+                },
+                {
+                    tag: "page key",
+                    letGo: () => keyClick(Qt.Key_PageUp)
+                },
+                {
+                    tag: "arrow",
+                    letGo: () => keyClick(Qt.Key_Up)
+                },
+                {
+                    tag: "scroll bar",
+                    letGo: () => mouseDrag(test.bar(), 5, test.bar().height - 30, 0, -60)
+                },
+                {
+                    tag: "finger",
+                    letGo: () => {
+                        const finger = touchEvent(test.transcript);
+                        finger.press(1, test.transcript, 400, 100).commit();
+                        for (let y = 120; y <= 240; y += 20)
+                            finger.move(1, test.transcript, 400, y).commit();
+                        finger.release(1, test.transcript, 400, 240).commit();
+                    }
+                }
+            ];
+        }
+        function test_followsUntilLetGo(data) {
+            test.openLong(30);
+            test.beginTurn("接着说", "好。\n\n");
+            test.grow();
+            compare(test.transcript.distanceToEnd, 0);
+            test.grow();
+            compare(test.transcript.distanceToEnd, 0);
+
+            data.letGo();
+            tryVerify(() => !test.transcript.following);
+            tryCompare(test.transcript, "moving", false);
+            const before = test.topRow();
+            test.grow();
+            test.compareTop(before);
+            verify(test.button(test.page, "↓ 新内容"));
+            test.finishTurn();
+            test.compareTop(before);
+
+            test.press(test.page, "↓ 新内容");
+            tryCompare(test.transcript, "distanceToEnd", 0);
+            verify(test.transcript.following);
+            test.beginTurn("再来", "好。\n\n");
+            test.grow();
+            compare(test.transcript.distanceToEnd, 0);
+        }
+
+        function test_scrollingBackTakesHoldAgain() {
+            test.openLong(30);
+            mouseWheel(test.transcript, 400, 200, 0, 240);
+            verify(!test.transcript.following);
+            mouseWheel(test.transcript, 400, 200, 0, -120);
+            verify(!test.transcript.following);
+            mouseWheel(test.transcript, 400, 200, 0, -110);
+            verify(test.transcript.following);
+        }
+
+        function test_theEndOfAReplyMovesNothing() {
+            test.openLong(6);
+            test.beginTurn("接着说", "好。\n\n" + test.paragraph.repeat(8));
+            tryCompare(test.transcript, "distanceToEnd", 0);
+            const before = test.topRow();
+            const height = test.transcript.contentHeight;
+            test.finishTurn();
+            waitForRendering(test.page);
+            compare(test.transcript.contentHeight, height);
+            test.compareTop(before);
+        }
+
+        function test_olderMessagesComeWithoutAJump() {
+            test.openLong(300);
+            verify(!stage.chat.messages.atStart);
+            const seen = {};
+            const look = () => {
+                for (const row of test.all(test.transcript, item => item instanceof TranscriptRow && item.seen))
+                    seen[row.messageId] = true;
+            };
+            look();
+            for (let turn = 0; turn < 200 && !(stage.chat.messages.atStart && test.transcript.contentY === 0); ++turn) {
+                const before = test.topRow();
+                keyClick(Qt.Key_PageUp);
+                waitForRendering(test.page, 100);
+                const now = test.topRow();
+                look();
+                // A page back, and not a page and what was fetched.
+                const back = Number(before.id.slice(1)) - Number(now.id.slice(1));
+                verify(back >= 0 && back < 12, "from " + before.id + " to " + now.id);
+            }
+            const missing = [];
+            for (let i = 0; i < 300; ++i) {
+                if (!seen["m" + i])
+                    missing.push(i);
+            }
+            compare(missing.join(), "");
+            keyClick(Qt.Key_End);
+            tryVerify(() => stage.chat.messages.atEnd && test.transcript.distanceToEnd === 0);
+            compare(test.transcript.following, true);
+        }
+
+        function test_whatIsReadStaysThroughFetchingAndResizing() {
+            test.openLong(300);
+            for (let turn = 0; turn < 4; ++turn)
+                keyClick(Qt.Key_PageUp);
+            waitForRendering(test.page, 100);
+            const before = test.topRow();
+            stage.chat.messages.fetchOlder();
+            waitForRendering(test.page, 100);
+            test.compareTop(before);
+            scene.width = 600;
+            waitForRendering(test.page, 100);
+            compare(test.topRow().id, before.id);
+            scene.width = 900;
+            scene.height = 400;
+            waitForRendering(test.page, 100);
+            compare(test.topRow().id, before.id);
+            scene.height = 600;
+        }
+
+        function test_keysOfTheComposer() {
+            test.openLong(30);
+            test.page.composer.text = "写到一半";
+            for (const key of [Qt.Key_PageUp, Qt.Key_Up, Qt.Key_Home])
+                keyClick(key);
+            compare(test.transcript.distanceToEnd, 0);
+            test.page.composer.text = "";
+            keyClick(Qt.Key_Home);
+            compare(test.transcript.contentY, 0);
+            keyClick(Qt.Key_End);
+            compare(test.transcript.distanceToEnd, 0);
+        }
+    }
+}
