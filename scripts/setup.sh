@@ -19,7 +19,8 @@ debian_packages() {
                 python3 qml6-module-qttest desktop-file-utils appstream ;;
     tidy)  echo clang-tidy-19 ;;
     package) echo dpkg-dev fakeroot python3 ;;
-    bench) echo libbenchmark-dev nlohmann-json3-dev python3 curl ;;
+    bench) echo libbenchmark-dev nlohmann-json3-dev python3 curl xvfb dbus-daemon libx11-dev libxdamage-dev libxtst-dev \
+                qml6-module-qtquick-controls qml6-module-qtquick-templates ;;
   esac
 }
 
