@@ -1,0 +1,13 @@
+#pragma once
+
+#include "screens/gallery/GalleryScene.h"
+
+namespace lmp {
+
+/// The screens before somebody is signed in, and those that come once after it.
+class AccountScenes {
+public:
+    static QList<GalleryScene> all();
+};
+
+} // namespace lmp
