@@ -8,6 +8,12 @@ namespace lmp {
 class AccountScenes {
 public:
     static QList<GalleryScene> all();
+
+private:
+    static QList<GalleryScene> launching();
+    static QList<GalleryScene> signingIn();
+    static QList<GalleryScene> trying();
+    static QList<GalleryScene> firstTime();
 };
 
 } // namespace lmp

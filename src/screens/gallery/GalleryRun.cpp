@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QImage>
-#include <QQmlComponent>
 
 #include <cstdio>
 #include <unordered_set>
@@ -57,7 +56,9 @@ GalleryRun::GalleryRun(QString folder, QList<GalleryScene> scenes, QList<Look> l
     // Much of what the toolkit finds wrong with a screen it only says in the log.
     running = this;
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &text) {
-        const bool ours = QByteArrayView(context.category).startsWith("com.tolvey.quillet");
+        // What the program says of itself is of its scene, and what the platform cannot do is of none.
+        const bool ours = QByteArrayView(context.category).startsWith("com.tolvey.quillet") ||
+                          text.startsWith(u"This plugin does not support"_s);
         if (type == QtWarningMsg && !ours && running)
             running->report(u"log: "_s + text);
         else if (type != QtDebugMsg && type != QtInfoMsg)
@@ -104,12 +105,13 @@ void GalleryRun::beginScene() {
         QCoreApplication::exit(m_faults == 0 ? 0 : 1);
         return;
     }
-    apply(m_looks.front());
     m_sceneFaults.clear();
     m_look = -1;
     m_stage = std::make_unique<GalleryStage>(m_engine, m_scenes[m_scene].size);
     m_since.start();
     m_scenes[m_scene].set(*m_stage);
+    if (m_stage->window())
+        m_stage->setLook(m_looks.front().dark, m_looks.front().scale);
 }
 
 void GalleryRun::takePictures() {
@@ -148,17 +150,7 @@ void GalleryRun::endScene() {
 }
 
 void GalleryRun::apply(const Look &look) {
-    QQmlComponent component(&m_engine);
-    component.setData("import QtQml\nimport Lumenpair.Kit\nQtObject { property QtObject theme: Theme }", {});
-    const std::unique_ptr<QObject> holder(component.create());
-    auto *theme = holder ? holder->property("theme").value<QObject *>() : nullptr;
-    if (!theme) {
-        report(u"there is no theme: "_s + component.errorString());
-        return;
-    }
-    theme->setProperty("reducedMotion", true);
-    theme->setProperty("dark", look.dark);
-    theme->setProperty("scale", look.scale);
+    m_stage->setLook(look.dark, look.scale);
     m_last = {};
     m_since.restart();
 }

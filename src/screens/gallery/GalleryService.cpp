@@ -48,7 +48,7 @@ QString GalleryService::site() const {
 }
 
 void GalleryService::answer(const QString &path, Answer answer) {
-    m_answers.insert(u"/api"_s + path, std::move(answer));
+    m_answers.insert(path, std::move(answer));
 }
 
 void GalleryService::refuse(const QString &path, int status, const QString &code, const QString &reason) {
@@ -58,7 +58,7 @@ void GalleryService::refuse(const QString &path, int status, const QString &code
 void GalleryService::stream(const QString &path, const QByteArrayList &events, bool ends) {
     QByteArray body;
     for (const QByteArray &event : events)
-        body += "data: " + event + "\n\n";
+        body += "data: " + event.simplified() + "\n\n";
     answer(path, Answer{.contentType = "text/event-stream", .body = body, .ends = ends});
 }
 

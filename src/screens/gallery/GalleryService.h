@@ -28,8 +28,8 @@ public:
     /// The root of this service; empty when no port could be had.
     QString site() const;
 
-    /// Answers requests for `path` ("/app/conversations", below the API base) from here on. A path may go on with its
-    /// query; then it serves for that query alone.
+    /// Answers requests for `path` ("/api/app/conversations") from here on. A path may go on with its query; then it
+    /// serves for that query alone.
     void answer(const QString &path, Answer answer);
     template <class T>
     void reply(const QString &path, const T &record) {

@@ -6,6 +6,8 @@
 #include <QQuickWindow>
 #include <QVariantMap>
 
+#include <QTemporaryDir>
+
 #include <deque>
 #include <functional>
 #include <memory>
@@ -13,7 +15,8 @@
 
 namespace lmp {
 
-class Application;
+class WindowApplication;
+class WindowScene;
 
 /// Where one scene of the gallery is set up: a service, the models over it, a window with the screen, and what has to
 /// happen before the picture is taken.
@@ -28,15 +31,18 @@ public:
 
     GalleryService &service() { return m_service; }
 
-    /// The program as it runs, over `service`. @param token of the session; signed out without one
-    Application &open(const std::optional<QString> &token = {});
+    /// Starts the program as it is, over `service`, with a window of the scene's size.
+    /// @param token of the session; signed out without one
+    /// @param link that it is started with
+    void run(const std::optional<QString> &token, const QString &link = {});
+    /// The running program's; only after `run`.
+    WindowApplication &program() { return *m_program; }
+    WindowScene &scene();
 
-    /// Shows an item of a built-in module, "Account/LaunchView", over the whole window.
+    /// Shows an item of a built-in module, "Account/LaunchView", over a whole window of its own.
     void show(const QString &type, const QVariantMap &properties);
-    /// Shows a module's own window, "Shell/Main".
-    void showWindow(const QString &type, const QVariantMap &properties);
 
-    /// Keeps `object` until the window is gone.
+    /// Keeps a new object until the window is gone.
     template <class T, class... Arguments>
     T &make(Arguments &&...arguments) {
         auto object = std::make_shared<T>(std::forward<Arguments>(arguments)...);
@@ -50,11 +56,13 @@ public:
     void until(const QString &what, std::function<bool()> reached);
 
     /// The window; null before one is shown.
-    QQuickWindow *window() { return m_window.get(); }
-    /// What has been shown: an item or a window.
-    QObject *root() const { return m_root; }
-    /// The first item with this object name in what is shown; null without one.
-    QQuickItem *item(const QString &objectName) const;
+    QQuickWindow *window() const;
+    /// The engine of the window.
+    QQmlEngine &engine();
+    /// The first item of a type ("ChatPage", "LMPSheet") that is there and visible; null without one.
+    QQuickItem *visibleItem(const QString &type) const;
+    /// Puts the theme into a look, and the choices of the running program with it.
+    void setLook(bool dark, qreal scale);
 
     /// Goes on with what was asked for. @return whether all of it has happened
     bool advance();
@@ -68,16 +76,15 @@ private:
         std::function<bool()> done;
     };
 
-    QObject *create(const QString &type, const QVariantMap &properties);
-
     QQmlEngine &m_engine;
     QSize m_size;
+    QTemporaryDir m_home; ///< where the running program keeps things
     GalleryService m_service;
     std::vector<std::shared_ptr<void>> m_kept;
     std::deque<Step> m_steps;
     QStringList m_faults;
-    QPointer<QObject> m_root;
-    std::unique_ptr<QQuickWindow> m_window; ///< before everything it draws
+    std::unique_ptr<QQuickWindow> m_window; ///< of an item; before everything it draws
+    std::unique_ptr<WindowApplication> m_program;
 };
 
 } // namespace lmp

@@ -28,7 +28,8 @@ QString nameOf(const QQuickItem &item) {
         if (!typeName(*parent).startsWith(u"QQuick"_s))
             path = typeName(*parent) + u'/' + path;
     }
-    const QString text = item.property("text").toString().simplified();
+    QString text = item.property("text").toString();
+    text = text.mid(text.startsWith(u'<') ? text.indexOf(u"<p"_s) : 0).simplified();
     return text.isEmpty() ? path : path + u" \""_s + text.left(24) + u'"';
 }
 
@@ -125,10 +126,14 @@ void ScreenAudit::readControl(const QQuickItem &item, const QRectF &clip) {
     const QRectF place = placeOf(item, item.boundingRect());
     if ((place & clip).isEmpty())
         return;
-    if (std::min(item.width(), item.height()) < leastTarget * std::min(m_scale, 1.0) - slack)
+    // A field is hit anywhere in its frame, and what is dragged anywhere along its length.
+    const bool pressed = is(item, "QQuickAbstractButton") || is(item, "QQuickComboBox");
+    if (pressed && std::min(item.width(), item.height()) < leastTarget * std::min(m_scale, 1.0) - slack)
         m_faults << u"too small to hit (%1 x %2): %3"_s.arg(item.width()).arg(item.height()).arg(nameOf(item));
+    // The toolkit keeps the name of a secret field to itself, so that one says it in its description.
     const auto *seen = QAccessible::queryAccessibleInterface(const_cast<QQuickItem *>(&item));
-    if (!seen || seen->text(QAccessible::Name).isEmpty())
+    const bool secret = seen && seen->state().passwordEdit;
+    if (!seen || seen->text(secret ? QAccessible::Description : QAccessible::Name).isEmpty())
         m_faults << u"has no name for a screen reader: "_s + nameOf(item);
 }
 

@@ -2,10 +2,14 @@
 // display. A scene is named whole or by its beginning; a look is light-100, light-130, dark-100 or dark-130.
 
 #include "screens/gallery/AccountScenes.h"
+#include "screens/gallery/CareScenes.h"
+#include "screens/gallery/ChatScenes.h"
 #include "screens/gallery/GalleryRun.h"
+#include "screens/gallery/ShellScenes.h"
 
 #include <QDir>
 #include <QGuiApplication>
+#include <QRegularExpression>
 #include <QStyleHints>
 #include <QTemporaryDir>
 
@@ -16,7 +20,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 QList<lmp::GalleryScene> everyScene() {
-    return lmp::AccountScenes::all();
+    return lmp::AccountScenes::all() + lmp::ShellScenes::all() + lmp::ChatScenes::all() + lmp::CareScenes::all();
 }
 
 int complain(const QString &text) {
@@ -26,9 +30,9 @@ int complain(const QString &text) {
 
 /// Nothing of the person who draws it gets into the pictures, and nothing of the pictures into what they keep.
 void standApart(const QString &home) {
-    for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "HOME"})
-        qputenv(name, home.toLocal8Bit());
-    for (const char *name : {"LMP_SITE", "LMP_TOKEN", "DBUS_SESSION_BUS_ADDRESS"})
+    qputenv("HOME", home.toLocal8Bit());
+    // No keychain answers, no browser opens, and no other program hears of us.
+    for (const char *name : {"LMP_SITE", "DISPLAY", "WAYLAND_DISPLAY"})
         qunsetenv(name);
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -42,7 +46,9 @@ int main(int argc, char **argv) {
     QStringList words;
     for (int at = 1; at < argc; ++at)
         words << QString::fromLocal8Bit(argv[at]);
-    words.removeAll(u"--gallery"_s);
+    // As it comes from the launcher: "--gallery DIR" or "--gallery=DIR".
+    words.replaceInStrings(QRegularExpression(u"^--gallery(=|$)"_s), QString());
+    words.removeAll(QString());
     QList<lmp::GalleryRun::Look> looks;
     for (auto at = words.indexOf(u"--look"_s); at >= 0 && at + 1 < words.size(); at = words.indexOf(u"--look"_s)) {
         for (const auto &look : lmp::GalleryRun::everyLook()) {
