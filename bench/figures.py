@@ -188,7 +188,7 @@ def records(figures):
     figures.hold("records writing", f"{writing:.2f} x reading (at least 1.0)", writing >= 1.0)
 
 
-def chat(figures):
+def window_chat(figures):
     """The window's chat without the window: opening a conversation, and a piece of a long reply"""
     us = {name: one["real_time"] for name, one in benchmarks(figures, "bench_chat_model").items()}
     figures.note(", ".join(f"{name} {time:.1f} us" for name, time in us.items()))
@@ -213,7 +213,12 @@ def window(figures):
     window_figures.window(figures, alternate, ROUNDS)
 
 
-ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, chat, version, window)}
+def window_chat(figures):
+    """The window's chat while it is used: a long conversation, a growing reply, typing, the quick switcher"""
+    window_figures.chat(figures, alternate, ROUNDS)
+
+
+ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, chat, version, window, window_chat)}
 
 
 def main():

@@ -11,6 +11,7 @@ import tempfile
 from pathlib import Path
 
 from sandbox_account import Sandbox
+from window_service import WindowService
 
 HERE = Path(__file__).resolve().parent
 CHAT = "hello"
@@ -120,3 +121,40 @@ def report(figures, medians):
         figures.hold(f"idle, {label}", f"{one['idle_ticks']:.0f} ticks of CPU in 10 s (0)", one["idle_ticks"] == 0)
         more = one["threads"] - hello["threads"]
         figures.hold(f"threads, {label}", f"{more:.0f} more than the hello (at most 4)", more <= 4)
+
+
+def chat(figures, alternate, rounds):
+    """The chat while it is used: a long conversation, a growing reply, typing, the quick switcher"""
+    program = figures.program("bench_window_chat")
+    with Display() as display, WindowService() as service:
+        modes = ("open", "scroll", "stream", "keys")
+        commands = {mode: display.command(mode, [], [program, service.url, mode]) for mode in modes}
+        medians = alternate(commands, rounds)
+    opening, scrolling, streaming, typing = (medians[mode] for mode in ("open", "scroll", "stream", "keys"))
+    figures.note(
+        f"10,000 messages: {opening['asked_ms']:.0f} ms from the click, with the answer's way and its reading; "
+        f"{opening['quiet_ms']:.0f} ms from the data until the last frame"
+    )
+    ms = opening["open_ms"]
+    figures.hold("10,000 messages", f"{ms:.0f} ms from the data to the first paint (at most 150)", ms <= 150)
+    figures.hold("10,000 messages, memory", f"{opening['open_mb']:.0f} MB more (at most 100)", opening["open_mb"] <= 100)
+    figures.note(
+        f"scrolling: {scrolling['scroll_frames']:.0f} frames of a screen each, median {scrolling['scroll_p50_ms']:.1f} ms, "
+        f"p99 {scrolling['scroll_p99_ms']:.1f} ms, longest {scrolling['scroll_max_ms']:.1f} ms"
+    )
+    over = scrolling["scroll_over"]
+    figures.hold(
+        "scrolling end to end",
+        f"{over:.0f} frames over 33 ms (none){'' if scrolling['scroll_reached'] else ', and never there'}",
+        over == 0 and scrolling["scroll_reached"] == 1,
+    )
+    share = streaming["stream_10_cpu"]
+    figures.hold("100 deltas/s", f"{share:.1f} % of a core (at most 10)", share <= 10)
+    ratio = streaming["stream_100_cpu"] / streaming["stream_10_cpu"]
+    figures.hold("a delta at 100 KB", f"{ratio:.2f} x the one at 10 KB (at most 1.3)", ratio <= 1.3)
+    figures.note(f"typing: {typing['keys']:.0f} letters, median {typing['keys_p50_ms']:.1f} ms")
+    ms = typing["keys_p99_ms"]
+    figures.hold("key to glyph", f"p99 {ms:.1f} ms while a reply streams (at most 16)", ms <= 16)
+    figures.note(f"quick switcher: the second time {opening['switcher_again_ms']:.0f} ms")
+    ms = opening["switcher_ms"]
+    figures.hold("quick switcher", f"{ms:.0f} ms the first time (at most 50)", ms <= 50)
