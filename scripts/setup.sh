@@ -16,9 +16,11 @@ debian_packages() {
                 qml6-module-qtquick qml6-module-qtquick-layouts qml6-module-qtquick-templates \
                 qml6-module-qtquick-window fonts-noto-cjk ;;
     test)  echo clang-format-19 libclang-rt-19-dev llvm-19 libgtest-dev libgmock-dev dbus-daemon gnome-keyring git \
-                python3 qml6-module-qttest ;;
+                python3 qml6-module-qttest desktop-file-utils appstream ;;
     tidy)  echo clang-tidy-19 ;;
-    bench) echo libbenchmark-dev nlohmann-json3-dev python3 curl ;;
+    package) echo dpkg-dev fakeroot python3 ;;
+    bench) echo libbenchmark-dev nlohmann-json3-dev python3 curl xvfb dbus-daemon libx11-dev libxdamage-dev libxtst-dev \
+                qml6-module-qtquick-controls qml6-module-qtquick-templates ;;
   esac
 }
 
@@ -27,6 +29,7 @@ homebrew_packages() {
     build) echo cmake ninja ccache qt md4c icu4c qcoro qtkeychain boost cli11 libedit cpp-httplib sqlitecpp sqlite openssl@3 pkgconf ;;
     test)  echo clang-format googletest ;;
     tidy)  echo llvm ;;
+    package) ;;
     bench) echo google-benchmark nlohmann-json ;;
   esac
 }

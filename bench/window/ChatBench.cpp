@@ -1,0 +1,198 @@
+// bench_window_chat SITE MODE: what the window costs while it is used, printed as "name=value" words.
+//
+// open: a long conversation ("long" at the service), and the quick switcher. scroll: the same from its end to its
+// beginning, a page a frame. stream: a reply that grows. keys: typing meanwhile.
+
+#include "WindowDriver.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cstdio>
+#include <thread>
+
+namespace lmp::bench {
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+using Clock = WindowDriver::Clock;
+
+namespace {
+
+/// The value below which `share` of all are.
+double quantile(std::vector<double> values, double share) {
+    if (values.empty())
+        return 0;
+    std::ranges::sort(values);
+    return values[std::min(values.size() - 1, std::size_t(double(values.size()) * share))];
+}
+
+/// Times between one frame and the next.
+std::vector<double> intervals(const std::vector<Clock::time_point> &frames) {
+    std::vector<double> found;
+    for (std::size_t at = 1; at < frames.size(); ++at)
+        found.push_back(WindowDriver::milliseconds(frames[at] - frames[at - 1]));
+    return found;
+}
+
+/// Opens the long conversation, and waits until it has been drawn.
+void openLong(WindowDriver &driver) {
+    auto &chat = *driver.scene().chat();
+    Clock::time_point arrived;
+    QObject::connect(chat.messages(), &QAbstractItemModel::modelAboutToBeReset, &driver.window(), [&] {
+        if (arrived == Clock::time_point())
+            arrived = Clock::now();
+    });
+    const double before = WindowDriver::memory();
+    const auto asked = Clock::now();
+    driver.scene().openConversation(u"long"_s);
+    driver.until("the conversation", [&] { return chat.conversationId() == u"long" && !chat.loading(); });
+    driver.until("its messages", [&] { return driver.item(u"TwinMessage"_s) != nullptr; });
+    driver.forgetFrames();
+    driver.until("a frame with them", [&] { return !driver.frames().empty(); });
+    const auto painted = driver.frames().front();
+    const auto last = driver.untilQuiet();
+    std::printf("open_ms=%.1f asked_ms=%.1f quiet_ms=%.1f open_mb=%.1f ", WindowDriver::milliseconds(painted - arrived),
+                WindowDriver::milliseconds(painted - asked), WindowDriver::milliseconds(last - arrived),
+                WindowDriver::memory() - before);
+}
+
+void openSwitcher(WindowDriver &driver) {
+    for (const char *name : {"switcher_ms", "switcher_again_ms"}) {
+        driver.untilQuiet();
+        driver.forgetFrames();
+        const auto asked = Clock::now();
+        driver.scene().commands()->run(WindowCommands::Command::Switcher);
+        driver.until("the switcher", [&] { return driver.item(u"QuickSwitcher"_s) || driver.item(u"LMPRow"_s); });
+        driver.until("a frame with it", [&] { return !driver.frames().empty(); });
+        std::printf("%s=%.1f ", name, WindowDriver::milliseconds(driver.frames().front() - asked));
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QCoreApplication::sendEvent(&driver.window(), &press);
+    }
+}
+
+void scroll(WindowDriver &driver) {
+    auto &messages = *driver.scene().chat()->messages();
+    auto *transcript = driver.item(u"Transcript"_s);
+    const QPointF middle = transcript->mapToScene(transcript->boundingRect().center());
+    const auto top = [&] {
+        return messages.atStart() && transcript->property("contentY").toReal() <= 0;
+    };
+    driver.forgetFrames();
+    std::vector<double> work;
+    int steps = 0;
+    while (!top() && steps < 20'000) {
+        const std::size_t seen = driver.frames().size();
+        const auto began = Clock::now();
+        // A screen at a time, as a hard flick of the wheel does.
+        QWheelEvent wheel(middle, middle, QPoint(), QPoint(0, 120 * 10), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&driver.window(), &wheel);
+        driver.until("the next frame",
+                     [&] { return driver.frames().size() > seen || top() || Clock::now() - began > 250ms; });
+        if (driver.frames().size() > seen)
+            work.push_back(WindowDriver::milliseconds(driver.frames()[seen] - began));
+        ++steps;
+    }
+    std::printf("scroll_frames=%zu scroll_p50_ms=%.1f scroll_p99_ms=%.1f scroll_max_ms=%.1f scroll_over=%td "
+                "scroll_reached=%d ",
+                work.size(), quantile(work, 0.5), quantile(work, 0.99), quantile(work, 1),
+                std::ranges::count_if(work, [](double ms) { return ms > 33; }), top());
+}
+
+/// Asks, and waits until the reply has so many characters.
+void beginReply(WindowDriver &driver, const QString &question) {
+    auto &chat = *driver.scene().chat();
+    driver.scene().startConversation();
+    chat.setInput(question);
+    if (!chat.send()) {
+        std::fprintf(stderr, "not sent: %s\n", qPrintable(chat.inputHeldReason()));
+        std::exit(1);
+    }
+    driver.until("the reply", [&] { return chat.messages()->rowCount() == 2; });
+    // What comes first is long, and laid out once.
+    driver.rest(2s);
+}
+
+/// The cost of a reply that grows.
+void stream(WindowDriver &driver) {
+    for (const auto &[question, name] : {std::pair(u"10"_s, "10"), std::pair(u"100"_s, "100")}) {
+        beginReply(driver, question);
+        driver.forgetFrames();
+        const auto before = WindowDriver::processorTime();
+        const auto began = Clock::now();
+        driver.rest(10s);
+        const auto spent = WindowDriver::processorTime() - before;
+        const std::chrono::duration<double> took = Clock::now() - began;
+        const auto frames = intervals(driver.frames());
+        std::printf("stream_%s_cpu=%.2f stream_%s_frames=%zu ", name, 100 * (spent / took), name, frames.size());
+        driver.scene().chat()->stop();
+        driver.until("the end", [&] { return driver.scene().chat()->isIdle(); });
+        driver.untilQuiet();
+    }
+}
+
+/// Letters typed while a reply grows, each from when it is there to be handled until the frame that shows it.
+void keys(WindowDriver &driver) {
+    beginReply(driver, u"10"_s);
+    driver.scene().commands()->run(WindowCommands::Command::TabNow);
+    std::vector<double> times;
+    auto *window = &driver.window();
+    std::thread typist([&] {
+        for (int at = 0; at < 400; ++at) {
+            std::this_thread::sleep_for(23ms);
+            QMetaObject::invokeMethod(
+                window,
+                [&, pressed = Clock::now(), letter = QString(QChar(u'a' + at % 26))] {
+                    const qsizetype length = driver.scene().chat()->input().size();
+                    QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, letter);
+                    QCoreApplication::sendEvent(window, &press);
+                    QKeyEvent release(QEvent::KeyRelease, Qt::Key_A, Qt::NoModifier, letter);
+                    QCoreApplication::sendEvent(window, &release);
+                    if (driver.scene().chat()->input().size() == length + 1)
+                        QObject::connect(
+                            window, &QQuickWindow::frameSwapped, window,
+                            [&times, pressed] { times.push_back(WindowDriver::milliseconds(Clock::now() - pressed)); },
+                            Qt::SingleShotConnection);
+                },
+                Qt::QueuedConnection);
+        }
+    });
+    driver.rest(400 * 24ms + 500ms);
+    typist.join();
+    driver.rest(200ms);
+    std::printf("keys=%zu keys_p50_ms=%.1f keys_p99_ms=%.1f keys_max_ms=%.1f ", times.size(), quantile(times, 0.5),
+                quantile(times, 0.99), quantile(times, 1));
+}
+
+} // namespace
+} // namespace lmp::bench
+
+int main(int argc, char **argv) {
+    using namespace lmp::bench;
+    const QGuiApplication app(argc, argv);
+    if (argc != 3)
+        return 2;
+    QGuiApplication::setApplicationName(u"lumenpair"_s);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    const QByteArray mode = argv[2];
+    {
+        WindowDriver driver(QString::fromLocal8Bit(argv[1]), u"bench"_s);
+        if (mode == "open") {
+            openSwitcher(driver);
+            openLong(driver);
+        } else if (mode == "scroll") {
+            openLong(driver);
+            scroll(driver);
+        } else if (mode == "stream")
+            stream(driver);
+        else if (mode == "keys")
+            keys(driver);
+        else
+            return 2;
+    }
+    std::printf("\n");
+    return 0;
+}

@@ -1,0 +1,160 @@
+"""The window beside its peers: how soon it is there, what it holds, what it costs while nothing happens.
+
+Each program runs on a display, a session bus and in a home of its own, which is kept from round to round: the first
+round, which does not count, fills the caches.
+"""
+
+import os
+import shutil
+import subprocess
+import tempfile
+from pathlib import Path
+
+from sandbox_account import Sandbox
+from window_service import WindowService
+
+HERE = Path(__file__).resolve().parent
+CHAT = "hello"
+
+
+class Display:
+    """An X display without a screen, and homes for those who use it, for as long as the block lasts."""
+
+    def __enter__(self):
+        self._folder = tempfile.TemporaryDirectory()
+        ours, theirs = os.pipe()
+        self._server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(theirs), "-screen", "0", "1600x1000x24", "-nolisten", "tcp"],
+            pass_fds=[theirs],
+            stderr=subprocess.DEVNULL,
+        )
+        os.close(theirs)
+        with os.fdopen(ours) as number:
+            self._name = ":" + number.readline().strip()
+        return self
+
+    def __exit__(self, *_):
+        self._server.terminate()
+        self._server.wait()
+        self._folder.cleanup()
+
+    def command(self, label, watch, command, **environment):
+        """The command line that watches `command` in the home of `label`."""
+        home = Path(self._folder.name, label)
+        runtime = home / "run"
+        runtime.mkdir(mode=0o700, parents=True, exist_ok=True)
+        settings = {
+            "HOME": home,
+            "XDG_CONFIG_HOME": home / ".config",
+            "XDG_DATA_HOME": home / ".local/share",
+            "XDG_CACHE_HOME": home / ".cache",
+            "XDG_RUNTIME_DIR": runtime,
+            "DISPLAY": self._name,
+            "LC_ALL": "C.UTF-8",
+            "QT_QPA_PLATFORM": "xcb",
+        } | environment
+        words = [f"{name}={value}" for name, value in settings.items()]
+        unset = [word for name in ("WAYLAND_DISPLAY", "LMP_TOKEN", "LMP_SITE") if name not in settings
+                 for word in ("-u", name)]
+        return ["env", *unset, *words, "dbus-run-session", "--", *watch, *command]
+
+
+def peers():
+    """Other people's programs, where they are installed."""
+    found = {}
+    if program := shutil.which("nheko"):
+        found["nheko"] = [program]
+    if program := shutil.which("chromium"):
+        page = "data:text/html,<title>page</title><p>Hello 你好</p><button>Send</button>"
+        found["chromium"] = [program, "--no-sandbox", "--no-first-run", "--password-store=basic", f"--app={page}"]
+    return found
+
+
+def window(figures, alternate, rounds):
+    """The window on a display without a graphics card, from exec to text drawn, and after 10 s"""
+    hello = figures.program("bench_qml_hello")
+    ours = [figures.program("lumenpair"), "--site"]
+    seconds = os.environ.get("LMP_BENCH_SETTLE", "10")
+    watch = [figures.program("bench_window_watch"), "--settle", seconds, "--idle", "10"]
+    with Display() as display, Sandbox(figures.program("lumenpair-sandbox")) as sandbox:
+        token = sandbox.sign_in()
+        sandbox.seed(token, 50)
+        asked = sandbox.sign_in("13800000001")
+        software = {"QT_QUICK_BACKEND": "software"}
+        commands = {
+            "hello": display.command("hello", watch, [hello], **software),
+            "hello_gl": display.command("hello_gl", watch, [hello]),
+            "sign_in": display.command("sign_in", watch, [*ours, sandbox.url]),
+            "account": display.command("account", watch, [*ours, sandbox.url], LMP_TOKEN=token),
+            # A reply that has begun and says no more.
+            "waiting": display.command(
+                "waiting", [*watch, "--type", CHAT], [*ours, sandbox.url], LMP_TOKEN=asked
+            ),
+        }
+        commands |= {label: display.command(label, watch, command) for label, command in peers().items()}
+        sandbox.post("/sandbox/faults", {"route": "/relay/chat/stream", "times": -1, "stallAfterEvents": 3})
+        medians = alternate(commands, rounds)
+    report(figures, medians)
+
+
+def report(figures, medians):
+    for label, one in medians.items():
+        figures.note(
+            f"{label}: text {one['text_ms']:.0f} ms, done {one['done_ms']:.0f} ms, PSS {one['pss_kb'] / 1024:.1f} MB, "
+            f"{one['threads']:.0f} threads in {one['processes']:.0f} processes, {one['idle_ticks']:.0f} ticks in 10 s"
+        )
+    hello, sign_in, account, waiting = (medians[label] for label in ("hello", "sign_in", "account", "waiting"))
+    ratio = sign_in["done_ms"] / hello["text_ms"]
+    figures.hold("sign-in screen", f"{ratio:.2f} x the hello on the same backend (at most 1.6)", ratio <= 1.6)
+    if nheko := medians.get("nheko"):
+        ratio = sign_in["done_ms"] / nheko["text_ms"]
+        figures.hold("sign-in screen and nheko", f"{ratio:.2f} x nheko (less than 1)", ratio < 1)
+    more = account["done_ms"] - sign_in["done_ms"]
+    figures.hold("account of 50", f"{more:.0f} ms more than the sign-in screen (at most 60)", more <= 60)
+    for label, one in (("sign-in", sign_in), ("account", account)):
+        more = (one["pss_kb"] - hello["pss_kb"]) / 1024
+        figures.hold(f"memory, {label}", f"{more:.1f} MB more than the hello (at most 35)", more <= 35)
+    if chromium := medians.get("chromium"):
+        ratio = account["pss_kb"] / chromium["pss_kb"]
+        figures.hold("memory and chromium", f"{ratio:.2f} x chromium --app (at most 0.45)", ratio <= 0.45)
+    for label, one in (("account", account), ("a quiet stream", waiting)):
+        figures.hold(f"idle, {label}", f"{one['idle_ticks']:.0f} ticks of CPU in 10 s (0)", one["idle_ticks"] == 0)
+        more = one["threads"] - hello["threads"]
+        figures.hold(f"threads, {label}", f"{more:.0f} more than the hello (at most 4)", more <= 4)
+
+
+def chat(figures, alternate, rounds):
+    """The chat while it is used: a long conversation, a growing reply, typing, the quick switcher"""
+    program = figures.program("bench_window_chat")
+    with Display() as display, WindowService() as service:
+        modes = ("open", "scroll", "stream", "keys")
+        commands = {mode: display.command(mode, [], [program, service.url, mode]) for mode in modes}
+        medians = alternate(commands, rounds)
+    opening, scrolling, streaming, typing = (medians[mode] for mode in ("open", "scroll", "stream", "keys"))
+    figures.note(
+        f"10,000 messages: {opening['asked_ms']:.0f} ms from the click, with the answer's way and its reading; "
+        f"{opening['quiet_ms']:.0f} ms from the data until the last frame"
+    )
+    ms = opening["open_ms"]
+    figures.hold("10,000 messages", f"{ms:.0f} ms from the data to the first paint (at most 150)", ms <= 150)
+    figures.hold("10,000 messages, memory", f"{opening['open_mb']:.0f} MB more (at most 100)", opening["open_mb"] <= 100)
+    figures.note(
+        f"scrolling: {scrolling['scroll_frames']:.0f} frames of a screen each, median {scrolling['scroll_p50_ms']:.1f} ms, "
+        f"p99 {scrolling['scroll_p99_ms']:.1f} ms, longest {scrolling['scroll_max_ms']:.1f} ms"
+    )
+    over = scrolling["scroll_over"]
+    figures.hold(
+        "scrolling end to end",
+        f"{over:.0f} frames over 33 ms (none){'' if scrolling['scroll_reached'] else ', and never there'}",
+        over == 0 and scrolling["scroll_reached"] == 1,
+    )
+    share = streaming["stream_10_cpu"]
+    figures.hold("100 deltas/s", f"{share:.1f} % of a core (at most 10)", share <= 10)
+    ratio = streaming["stream_100_cpu"] / streaming["stream_10_cpu"]
+    figures.hold("a delta at 100 KB", f"{ratio:.2f} x the one at 10 KB (at most 1.3)", ratio <= 1.3)
+    figures.note(f"typing: {typing['keys']:.0f} letters, median {typing['keys_p50_ms']:.1f} ms")
+    ms = typing["keys_p99_ms"]
+    figures.hold("key to glyph", f"p99 {ms:.1f} ms while a reply streams (at most 16)", ms <= 16)
+    figures.note(f"quick switcher: the second time {opening['switcher_again_ms']:.0f} ms")
+    ms = opening["switcher_ms"]
+    figures.hold("quick switcher", f"{ms:.0f} ms the first time (at most 50)", ms <= 50)

@@ -1,0 +1,26 @@
+# Where things go under the prefix. The programs stand together in a folder of their own, because each finds the others
+# beside itself; what people type is a link to the launcher.
+include(GNUInstallDirs)
+
+set(programs lumenpair lumenpair-terminal lumenpair-sandbox)
+if(TARGET lumenpair-window)
+  list(APPEND programs lumenpair-window)
+endif()
+set(LMP_PROGRAM_DIR ${CMAKE_INSTALL_LIBEXECDIR}/lumenpair)
+install(TARGETS ${programs} RUNTIME DESTINATION ${LMP_PROGRAM_DIR})
+file(RELATIVE_PATH launcher /${CMAKE_INSTALL_BINDIR} /${LMP_PROGRAM_DIR}/lumenpair)
+file(CREATE_LINK ${launcher} ${CMAKE_CURRENT_BINARY_DIR}/lumenpair SYMBOLIC)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lumenpair DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+install(FILES ${LMP_APP_ID}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES ${LMP_APP_ID}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+set(theme ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
+install(FILES icons/lumenpair.svg DESTINATION ${theme}/scalable/apps RENAME ${LMP_APP_ID}.svg)
+set(pictures)
+foreach(size 16 24 32 48 64 128 256)
+  set(picture ${CMAKE_CURRENT_BINARY_DIR}/icon-${size}.png)
+  lmp_icon(${size} ${picture})
+  install(FILES ${picture} DESTINATION ${theme}/${size}x${size}/apps RENAME ${LMP_APP_ID}.png)
+  list(APPEND pictures ${picture})
+endforeach()
+add_custom_target(lumenpair-icons ALL DEPENDS ${pictures})

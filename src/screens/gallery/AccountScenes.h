@@ -1,0 +1,19 @@
+#pragma once
+
+#include "screens/gallery/GalleryScene.h"
+
+namespace lmp {
+
+/// The screens before somebody is signed in, and those that come once after it.
+class AccountScenes {
+public:
+    static QList<GalleryScene> all();
+
+private:
+    static QList<GalleryScene> launching();
+    static QList<GalleryScene> signingIn();
+    static QList<GalleryScene> trying();
+    static QList<GalleryScene> firstTime();
+};
+
+} // namespace lmp
