@@ -41,6 +41,8 @@ TEST_P(ScreenAuditTest, findsWhatIsWrong) {
     window.resize(200, 100);
     item->setParentItem(window.contentItem());
     window.show();
+    // The size reaches what the window holds only through an event.
+    QCoreApplication::processEvents();
     static_cast<void>(window.grabWindow()); // lays it out
 
     const QStringList faults = ScreenAudit::faults(window, 1.0);
