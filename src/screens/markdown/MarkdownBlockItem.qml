@@ -30,12 +30,6 @@ Item {
     property MarkdownEdit edit
     property Item markerItem
 
-    function takeFocus(by: int): bool {
-        if (root.edit)
-            root.edit.enter(by);
-        return root.edit !== null;
-    }
-
     /// Most blocks have neither bars nor a marker, and no items for them.
     function updateNesting(): void {
         if (root.bars.length + root.joinedBars.length > 0 && !root.barsItem)

@@ -33,9 +33,8 @@ TextEdit {
     function leave(event: KeyEvent, by: int): void {
         const half = root.cursorRectangle.height / 2;
         const last = root.cursorRectangle.y + root.cursorRectangle.height > root.contentHeight - half;
-        event.accepted = event.modifiers === Qt.NoModifier && (by > 0 ? last : root.cursorRectangle.y < half);
-        if (event.accepted)
-            root.view.leaving(root.row, by);
+        const edge = by > 0 ? last : root.cursorRectangle.y < half;
+        event.accepted = event.modifiers === Qt.NoModifier && edge && root.view.moveFocus(root.row, by);
     }
 
     function showAddress(x: real, y: real): QtObject {
