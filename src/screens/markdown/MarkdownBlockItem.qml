@@ -9,6 +9,7 @@ Item {
     required property list<int> bars
     required property bool closed
     required property string code
+    required property int columns
     required property int hidden
     required property string imageUrl
     required property int indent

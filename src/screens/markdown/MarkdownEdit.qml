@@ -8,6 +8,8 @@ TextEdit {
 
     required property int row
     required property MarkdownColumn view
+    /// What the focus ring is around.
+    property Item frame: root
 
     /// The link that the keyboard is at: where it begins, or -1.
     property int link: -1
@@ -72,7 +74,7 @@ TextEdit {
         if (root.ring)
             root.ring.destroy();
         // Where the pointer is, it was a click that brought the keyboard here, and the text is to be read.
-        root.ring = root.activeFocus && !pointer.hovered ? root.view.ring.createObject(root, {"shown": true}) : null;
+        root.ring = root.activeFocus && !pointer.hovered ? root.view.ring.createObject(root.frame, {"shown": true}) : null;
         if (root.activeFocus)
             root.view.current = root.row;
         else

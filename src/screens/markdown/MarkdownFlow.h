@@ -45,8 +45,8 @@ public:
     Q_INVOKABLE int made() const { return int(m_made.size()); }
 
 Q_SIGNALS:
-    /// Rows above the sight turned out to be so much higher than was thought, and the Flickable is about to move by that.
-    /// Whoever holds the view on to something should hold it there.
+    /// Rows above the sight turned out to be so much higher than was thought, and the Flickable is about to move by
+    /// that. Whoever holds the view on to something should hold it there.
     void measuredAbove(qreal by);
     void blocksChanged();
     void rowChanged();
