@@ -29,6 +29,7 @@ struct MarkdownBlock {
     QString language;   ///< code: as written after the fence
     QString code;       ///< code: what is shown of it, see MarkdownLimits
     int lines = 0;      ///< code, table: all there are
+    int columns = 0;    ///< table
     int hidden = 0;     ///< code, table: lines or rows that are not shown
     bool closed = true; ///< nothing more can come to this block
 

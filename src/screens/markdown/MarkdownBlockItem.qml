@@ -9,6 +9,7 @@ Item {
     required property list<int> bars
     required property bool closed
     required property string code
+    required property int columns
     required property int hidden
     required property string imageUrl
     required property int indent
@@ -29,12 +30,6 @@ Item {
     /// The text of the body, if it has any.
     property MarkdownEdit edit
     property Item markerItem
-
-    function takeFocus(by: int): bool {
-        if (root.edit)
-            root.edit.enter(by);
-        return root.edit !== null;
-    }
 
     /// Most blocks have neither bars nor a marker, and no items for them.
     function updateNesting(): void {

@@ -30,6 +30,8 @@ QVariant valueOf(const MarkdownBlock &block, int role) {
         return block.lines;
     case MarkdownBlockModel::HiddenRole:
         return block.hidden;
+    case MarkdownBlockModel::ColumnsRole:
+        return block.columns;
     case MarkdownBlockModel::ClosedRole:
         return block.closed;
     case MarkdownBlockModel::ImageUrlRole:
@@ -158,6 +160,7 @@ QHash<int, QByteArray> MarkdownBlockModel::roleNames() const {
             {CodeRole, "code"},
             {LinesRole, "lines"},
             {HiddenRole, "hidden"},
+            {ColumnsRole, "columns"},
             {ClosedRole, "closed"},
             {ImageUrlRole, "imageUrl"},
             {AltRole, "alt"},

@@ -31,6 +31,7 @@ public:
         CodeRole,
         LinesRole,
         HiddenRole,
+        ColumnsRole,
         ClosedRole,
         ImageUrlRole,
         AltRole,

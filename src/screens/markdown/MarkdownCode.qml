@@ -88,6 +88,7 @@ Rectangle {
             Accessible.role: Accessible.EditableText
             font.family: Theme.monoFamily
             font.pixelSize: Theme.sp(13)
+            frame: root
             row: root.block.index
             textFormat: TextEdit.PlainText
             view: root.block.view

@@ -35,8 +35,6 @@ MarkdownFlow {
 
     signal linkActivated(url link)
     signal copyRequested(string text)
-    /// The keyboard leaves a block upwards (-1) or downwards (1).
-    signal leaving(int row, int by)
 
     function bodyOf(kind: int): Component {
         switch (kind) {

@@ -196,6 +196,7 @@ void MarkdownDocument::makeTable(MarkdownBlock block, const MarkdownSource &sour
     const bool last = m_rows.count < most && m_rows.count < source.lines;
     block.text = MarkdownTable::table(m_rows.html + (last ? MarkdownTable::row(rest, source.columns) : QString()));
     block.lines = source.lines;
+    block.columns = int(source.columns.size());
     block.hidden = source.lines - m_rows.count - (last ? 1 : 0);
     m_blocks += std::move(block);
 }

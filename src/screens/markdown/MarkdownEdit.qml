@@ -8,6 +8,8 @@ TextEdit {
 
     required property int row
     required property MarkdownColumn view
+    /// What the focus ring is around.
+    property Item frame: root
 
     /// The link that the keyboard is at: where it begins, or -1.
     property int link: -1
@@ -33,9 +35,8 @@ TextEdit {
     function leave(event: KeyEvent, by: int): void {
         const half = root.cursorRectangle.height / 2;
         const last = root.cursorRectangle.y + root.cursorRectangle.height > root.contentHeight - half;
-        event.accepted = event.modifiers === Qt.NoModifier && (by > 0 ? last : root.cursorRectangle.y < half);
-        if (event.accepted)
-            root.view.leaving(root.row, by);
+        const edge = by > 0 ? last : root.cursorRectangle.y < half;
+        event.accepted = event.modifiers === Qt.NoModifier && edge && root.view.moveFocus(root.row, by);
     }
 
     function showAddress(x: real, y: real): QtObject {
@@ -73,7 +74,7 @@ TextEdit {
         if (root.ring)
             root.ring.destroy();
         // Where the pointer is, it was a click that brought the keyboard here, and the text is to be read.
-        root.ring = root.activeFocus && !pointer.hovered ? root.view.ring.createObject(root, {"shown": true}) : null;
+        root.ring = root.activeFocus && !pointer.hovered ? root.view.ring.createObject(root.frame, {"shown": true}) : null;
         if (root.activeFocus)
             root.view.current = root.row;
         else

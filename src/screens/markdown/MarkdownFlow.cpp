@@ -96,6 +96,15 @@ QQuickItem *MarkdownFlow::itemAt(int row) {
     return m_rows[std::size_t(row)].item;
 }
 
+bool MarkdownFlow::moveFocus(int from, int by) {
+    for (int row = from + by; QQuickItem *item = itemAt(row); row += by) {
+        auto *edit = item->property("edit").value<QQuickItem *>();
+        if (edit && QMetaObject::invokeMethod(edit, "enter", Q_ARG(int, by)))
+            return true;
+    }
+    return false;
+}
+
 void MarkdownFlow::reveal(QQuickItem *item, const QRectF &part) {
     QQuickItem *view = viewport();
     if (!view || !item)
@@ -207,8 +216,10 @@ void MarkdownFlow::arrange() {
     }
     const bool inside = m_sight.top > 0 && m_sight.top < implicitHeight();
     setImplicitHeight(top);
-    if (QQuickItem *view = viewport(); moved != 0 && inside && view)
+    if (QQuickItem *view = viewport(); moved != 0 && inside && view) {
+        Q_EMIT measuredAbove(moved);
         view->setProperty("contentY", view->property("contentY").toReal() + moved);
+    }
 }
 
 void MarkdownFlow::make(int row) {

@@ -36,12 +36,18 @@ public:
 
     /// The item of a row, made if need be; null for a row that there is not.
     Q_INVOKABLE QQuickItem *itemAt(int row);
+    /// Gives the keyboard to the next row above (-1) or below (1) that has a text, its `edit`.
+    /// @return false when there is none
+    Q_INVOKABLE bool moveFocus(int from, int by);
     /// Moves the Flickable so far that `part` of `item` is in sight.
     Q_INVOKABLE void reveal(QQuickItem *item, const QRectF &part);
     /// How many rows have items.
     Q_INVOKABLE int made() const { return int(m_made.size()); }
 
 Q_SIGNALS:
+    /// Rows above the sight turned out to be so much higher than was thought, and the Flickable is about to move by
+    /// that. Whoever holds the view on to something should hold it there.
+    void measuredAbove(qreal by);
     void blocksChanged();
     void rowChanged();
     void factorChanged();

@@ -28,11 +28,14 @@ Item {
             Accessible.name: "表格"
             Accessible.role: Accessible.EditableText
             font.pixelSize: Theme.sp(14)
+            frame: root
             row: root.block.index
             text: root.block.view.style + root.block.text
             textFormat: TextEdit.RichText
             view: root.block.view
-            wrapMode: TextEdit.NoWrap
+            // Long cells break before the table becomes wider than people read.
+            width: Math.min(implicitWidth, Math.max(sideways.width, root.block.columns * Theme.dp(240)))
+            wrapMode: TextEdit.Wrap
         }
     }
 

@@ -10,6 +10,7 @@ MarkdownEdit {
     /// 1 to 6 for a heading, else 0.
     readonly property int level: root.block.kind === MarkdownBlockModel.Heading ? root.block.level : 0
 
+    Accessible.name: root.getText(0, root.length)
     Accessible.role: root.level > 0 ? Accessible.Heading : Accessible.StaticText
     font.pixelSize: Theme.sp([15, 22, 17, 15, 14, 14, 14][root.level])
     font.weight: root.level > 0 ? Font.DemiBold : Font.Normal

@@ -8,15 +8,6 @@ MarkdownColumn {
 
     property real maximumWidth: Theme.dp(760)
 
-    function moveFocus(from: int, by: int): void {
-        let row = from + by;
-        let item = root.itemAt(row) as MarkdownBlockItem;
-        while (item && !item.takeFocus(by)) {
-            row += by;
-            item = root.itemAt(row) as MarkdownBlockItem;
-        }
-    }
-
     width: root.maximumWidth
 
     address: LMPToolTip {
@@ -39,6 +30,4 @@ MarkdownColumn {
     }
     text: MarkdownText {
     }
-
-    onLeaving: (row, by) => root.moveFocus(row, by)
 }
