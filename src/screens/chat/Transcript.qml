@@ -128,6 +128,8 @@ FocusScope {
 
             onEditRequested: messageId => root.editRequested(messageId)
             onGrew: scroll.grewBelow()
+            onMeasuredAbove: (row, by) => scroll.measuredAbove(row as TranscriptRow, by)
+            onMoveAsked: by => scroll.moveBy(by)
             onStreamingChanged: row => root.noteGrowth(row as TranscriptRow)
 
             Repeater {

@@ -14,5 +14,9 @@ Column {
     signal grew
     /// The reply in this row begins or ends to grow.
     signal streamingChanged(row: Item)
+    /// In this row, above what is in sight, something turned out to be so much higher than was thought.
+    signal measuredAbove(row: Item, by: real)
+    /// The keyboard went to a place so far below what is in sight.
+    signal moveAsked(by: real)
     signal editRequested(messageId: string)
 }

@@ -66,6 +66,11 @@ Item {
         root.wake();
         root.column.forceLayout();
     }
+    /// A row may be so long that what is read is in the middle of it: what changes above that is above what is in sight.
+    function measuredAbove(row: TranscriptRow, by: real): void {
+        if (row === root.anchorRow)
+            root.anchorOffset -= by;
+    }
     /// Something that was not there before came at the end.
     function grewBelow() {
         if (!root.following)

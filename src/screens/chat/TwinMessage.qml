@@ -10,10 +10,13 @@ MessageFrame {
 
     MarkdownView {
         blocks: root.row.chat.messages.blocksFor(root.row.messageId) as MarkdownBlockModel
+        keepsPlace: false
         maximumWidth: root.width
 
         onCopyRequested: text => root.row.chat.copyText(text)
         onLinkActivated: link => root.row.chat.openLink(link)
+        onMeasuredAbove: by => root.row.column.measuredAbove(root.row, by)
+        onMoveAsked: by => root.row.column.moveAsked(by)
     }
     MessageError {
         text: root.row.errorText

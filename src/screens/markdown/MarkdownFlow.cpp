@@ -111,8 +111,10 @@ void MarkdownFlow::reveal(QQuickItem *item, const QRectF &part) {
         return;
     const QRectF seen = item->mapRectToItem(view, part);
     const qreal above = std::min(0.0, seen.top()), below = std::max(0.0, seen.bottom() - view->height());
-    if (above < 0 || below > 0)
-        view->setProperty("contentY", view->property("contentY").toReal() + (above < 0 ? above : below));
+    if (above < 0 || below > 0) {
+        Q_EMIT moveAsked(above < 0 ? above : below);
+        moveView(above < 0 ? above : below);
+    }
 }
 
 void MarkdownFlow::componentComplete() {
@@ -216,10 +218,16 @@ void MarkdownFlow::arrange() {
     }
     const bool inside = m_sight.top > 0 && m_sight.top < implicitHeight();
     setImplicitHeight(top);
-    if (QQuickItem *view = viewport(); moved != 0 && inside && view) {
+    if (moved != 0 && inside) {
         Q_EMIT measuredAbove(moved);
-        view->setProperty("contentY", view->property("contentY").toReal() + moved);
+        moveView(moved);
     }
+}
+
+void MarkdownFlow::moveView(qreal by) {
+    QQuickItem *view = m_keepsPlace ? viewport() : nullptr;
+    if (view)
+        view->setProperty("contentY", view->property("contentY").toReal() + by);
 }
 
 void MarkdownFlow::make(int row) {

@@ -14,7 +14,7 @@ namespace lmp {
 ///
 /// Lives on the UI thread inside a Flickable, owned by MarkdownView. A text of few blocks has all its items, and with
 /// them its exact height; in a longer one, a row that was never near has the height that its text lets expect, and when
-/// it is measured above the sight, the Flickable moves along so that nothing jumps. Cannot fail.
+/// it is measured above the sight, the view moves along so that nothing jumps. Cannot fail.
 class MarkdownFlow : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -23,6 +23,8 @@ class MarkdownFlow : public QQuickItem {
     Q_PROPERTY(QQmlComponent *row MEMBER m_row NOTIFY rowChanged)
     /// How many pixels a pixel of the design has.
     Q_PROPERTY(qreal factor MEMBER m_factor NOTIFY factorChanged)
+    /// Whether it moves the Flickable itself; whoever else holds the view on to something listens to the signals.
+    Q_PROPERTY(bool keepsPlace MEMBER m_keepsPlace NOTIFY keepsPlaceChanged)
 
 public:
     /// With no more rows than these, all have items.
@@ -39,15 +41,18 @@ public:
     /// Gives the keyboard to the next row above (-1) or below (1) that has a text, its `edit`.
     /// @return false when there is none
     Q_INVOKABLE bool moveFocus(int from, int by);
-    /// Moves the Flickable so far that `part` of `item` is in sight.
+    /// Brings `part` of `item` into sight.
     Q_INVOKABLE void reveal(QQuickItem *item, const QRectF &part);
     /// How many rows have items.
     Q_INVOKABLE int made() const { return int(m_made.size()); }
 
 Q_SIGNALS:
-    /// Rows above the sight turned out to be so much higher than was thought, and the Flickable is about to move by
-    /// that. Whoever holds the view on to something should hold it there.
+    void keepsPlaceChanged();
+    /// Rows above the sight turned out to be so much higher than was thought: what is seen moves down by that, unless
+    /// the view moves along.
     void measuredAbove(qreal by);
+    /// The keyboard went to a place out of sight, so far down from it.
+    void moveAsked(qreal by);
     void blocksChanged();
     void rowChanged();
     void factorChanged();
@@ -81,6 +86,7 @@ private:
     void dropFar();
     void estimate();
     [[nodiscard]] qreal estimated(int row) const;
+    void moveView(qreal by);
     [[nodiscard]] QQuickItem *viewport() const;
     [[nodiscard]] Sight sight() const;
     [[nodiscard]] bool hasKeyboard(const QQuickItem *item) const;
@@ -93,6 +99,7 @@ private:
     Sight m_sight;
     QMetaObject::Connection m_frames;
     qreal m_factor = 1;
+    bool m_keepsPlace = true;
 };
 
 } // namespace lmp

@@ -2,6 +2,7 @@ import QtQuick
 import QtTest
 import Lumenpair.Kit
 import Lumenpair.Chat
+import Lumenpair.Markdown
 
 Item {
     id: scene
@@ -147,6 +148,34 @@ Item {
             keyClick(Qt.Key_End);
             tryVerify(() => stage.chat.messages.atEnd && test.transcript.distanceToEnd === 0);
             compare(test.transcript.following, true);
+        }
+
+        function test_aLongReplyMovesOnlyAsItIsScrolled() {
+            let text = "";
+            for (let i = 0; i < 400; ++i)
+                text += i % 5 ? "第 " + i + " 段。" + "WWWWWWWW ".repeat(i % 23) + "\n\n" : "- 项\n- 项\n\n";
+            stage.serve("long", JSON.stringify([
+                {
+                    id: "m0",
+                    role: "user",
+                    text: "说来话长"
+                },
+                {
+                    id: "m1",
+                    role: "twin",
+                    text: text
+                }
+            ]).slice(1, -1));
+            stage.chat.load("long");
+            tryVerify(() => stage.chat.open && test.transcript.contentHeight > 9000 && test.transcript.distanceToEnd === 0);
+            for (let turn = 0; turn < 60; ++turn) {
+                waitForRendering(test.page, 100);
+                const item = test.all(test.transcript, one => one instanceof MarkdownBlockItem && one.visible).find(one => one.mapToItem(test.transcript, 0, 0).y > 20);
+                const before = item.mapToItem(test.transcript, 0, 0).y;
+                mouseWheel(test.transcript, 400, 200, 0, 240);
+                waitForRendering(test.page, 100);
+                fuzzyCompare(item.mapToItem(test.transcript, 0, 0).y, before + 150, 1.5);
+            }
         }
 
         function test_whatIsReadStaysThroughFetchingAndResizing() {
