@@ -72,11 +72,12 @@ function(lmp_library NAME)
   endif()
 endfunction()
 
-# lmp_qml_module(NAME URI uri SINGLETONS files... QML files... SOURCES... RESOURCES... LINK targets...)
+# lmp_qml_module(NAME URI uri SINGLETONS files... QML files... SOURCES... RESOURCES... DEPENDENCIES uris...
+#                LINK targets...)
 # One folder of screens, one static library, one QML module. A program that links it has the module built in: nothing
 # is looked for on disk, and every file is compiled ahead of time. C++ includes it as "screens/folder/Type.h".
 function(lmp_qml_module NAME)
-  cmake_parse_arguments(ARG "" "URI" "SINGLETONS;QML;SOURCES;RESOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "URI" "SINGLETONS;QML;SOURCES;RESOURCES;DEPENDENCIES;LINK" ${ARGN})
   get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
   set(view ${CMAKE_BINARY_DIR}/include/${NAME}/screens)
   file(MAKE_DIRECTORY ${view})
@@ -88,7 +89,7 @@ function(lmp_qml_module NAME)
   qt_add_library(${NAME} STATIC)
   qt_add_qml_module(${NAME} URI ${ARG_URI} VERSION 1.0 RESOURCE_PREFIX /qt/qml NO_PLUGIN
     OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/${path} IMPORT_PATH ${CMAKE_BINARY_DIR}/qml DEPENDENCIES QtQuick
-    QML_FILES ${ARG_SINGLETONS} ${ARG_QML} SOURCES ${ARG_SOURCES} RESOURCES ${ARG_RESOURCES})
+    QML_FILES ${ARG_SINGLETONS} ${ARG_QML} SOURCES ${ARG_SOURCES} RESOURCES ${ARG_RESOURCES} DEPENDENCIES ${ARG_DEPENDENCIES})
   # The generated registration includes every registered type by its base name.
   target_include_directories(${NAME} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   get_filename_component(root ${view} DIRECTORY)

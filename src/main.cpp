@@ -21,7 +21,7 @@
 
 namespace {
 
-enum class Program { Terminal, Window, NoDisplay };
+enum class Program { Terminal, Window, Gallery, NoDisplay };
 
 /// The folder of this executable, links resolved; empty when the system does not tell.
 std::string ownFolder() {
@@ -70,14 +70,14 @@ bool isLink(std::string_view argument) {
     return argument.starts_with("lumenpair:");
 }
 
-/// What the arguments are for: the window knows --site, --sandbox, --profile, a link and --gallery, and all else is
-/// the terminal's.
+/// What the arguments are for: the window knows --site, --sandbox, --profile and a link; --gallery draws its
+/// screens to pictures; all else is the terminal's.
 Program meant(int argc, char **argv) {
     bool link = false;
     for (int at = 1; at < argc; ++at) {
         const std::string_view argument = argv[at];
         if (argument == "--gallery" || argument.starts_with("--gallery="))
-            return Program::Window;
+            return Program::Gallery;
         if (argument == "--site" || argument == "--profile")
             ++at;
         else if (isLink(argument))
@@ -100,7 +100,9 @@ int main(int argc, char **argv) {
         std::fputs("这个链接要在窗口里打开，可是这里没有图形显示。\n", stderr);
         return 1;
     }
-    const char *name = program == Program::Window ? "lumenpair-window" : "lumenpair-terminal";
+    const char *name = program == Program::Window    ? "lumenpair-window"
+                       : program == Program::Gallery ? "lumenpair-gallery"
+                                                     : "lumenpair-terminal";
     ::execv((ownFolder() + '/' + name).c_str(), argv);
     std::fprintf(stderr, "启动不了 %s：%s\n", name, std::strerror(errno));
     return 1;

@@ -27,7 +27,7 @@ class UpdateChecker : public QObject {
     Q_PROPERTY(bool alertOpen READ isAlertOpen NOTIFY alertChanged)
     Q_PROPERTY(QString alertTitle READ alertTitle NOTIFY alertChanged)
     Q_PROPERTY(QString alertText READ alertText NOTIFY alertChanged)
-    Q_PROPERTY(QStringList alertButtons READ alertButtons NOTIFY alertChanged)
+    Q_PROPERTY(QList<QString> alertButtons READ alertButtons NOTIFY alertChanged)
 public:
     struct Manifest {
         QString version;

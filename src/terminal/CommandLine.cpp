@@ -144,6 +144,7 @@ std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, cons
     Words words;
     CLI::App app("Lumenpair：和你的分身说话。", "lumenpair");
     app.formatter(std::make_shared<ChineseFormatter>());
+    app.footer("有图形显示时，不带命令就打开窗口；--gallery DIR 把每个画面存成图片，不用显示。");
     app.option_defaults()->group("选项");
     app.set_help_flag("-h,--help", "显示帮助");
     app.set_version_flag("--version", version().toStdString(), "显示版本");

@@ -52,6 +52,13 @@ void AppearanceModel::setScale(qreal scale) {
     setScaleStep(int(nearest - steps.begin()));
 }
 
+QStringList AppearanceModel::scaleTexts() {
+    QStringList texts;
+    for (const int step : scaleSteps())
+        texts << QString::number(step) + u'%';
+    return texts;
+}
+
 void AppearanceModel::setScaleStep(int step) {
     const int bounded = std::clamp(step, 0, int(scaleSteps().size()) - 1);
     if (bounded == m_step)

@@ -3,6 +3,7 @@
 #include "platform/Settings.h"
 #include "screens/shell/SystemAppearance.h"
 
+#include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
 namespace lmp {
@@ -17,7 +18,7 @@ class AppearanceModel : public QObject {
     QML_UNCREATABLE("made by the program")
     Q_PROPERTY(Choice choice READ choice WRITE setChoice NOTIFY choiceChanged)
     Q_PROPERTY(qreal scale READ scale WRITE setScale NOTIFY scaleChanged)
-    Q_PROPERTY(QList<int> scaleSteps READ scaleSteps CONSTANT)
+    Q_PROPERTY(QList<QString> scaleTexts READ scaleTexts CONSTANT)
     Q_PROPERTY(int scaleStep READ scaleStep WRITE setScaleStep NOTIFY scaleChanged)
     Q_PROPERTY(bool dark READ dark NOTIFY darkChanged)
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
@@ -44,6 +45,7 @@ public:
     void setScale(qreal scale);
     /// Per cent.
     static QList<int> scaleSteps() { return {85, 100, 115, 130, 160}; }
+    static QStringList scaleTexts();
     int scaleStep() const { return m_step; }
     void setScaleStep(int step);
     Q_INVOKABLE void larger() { setScaleStep(m_step + 1); }

@@ -34,7 +34,7 @@ SettingsPart {
             LMPSegmented {
                 currentIndex: root.appearance.scaleStep
                 label: "界面大小"
-                model: root.appearance.scaleSteps.map(step => step + "%")
+                model: root.appearance.scaleTexts
                 onActivated: index => root.appearance.scaleStep = index
             }
         }

@@ -1,6 +1,10 @@
 #include "screens/shell/CapabilityNote.h"
 
+#include <array>
+
 namespace lmp {
+
+using namespace Qt::StringLiterals;
 
 CapabilityNote::CapabilityNote(QObject *parent)
     : QObject(parent) {}
@@ -23,12 +27,12 @@ CapabilityNote::Level CapabilityNote::level() const {
     return m_feature ? Level(int(m_feature->level)) : Level::Full;
 }
 
-QString CapabilityNote::label() const {
-    return m_feature ? m_feature->label : QString();
-}
-
-QString CapabilityNote::note() const {
-    return m_feature ? m_feature->note.value_or(QString()) : QString();
+QString CapabilityNote::wording(const FeatureCapability &feature) {
+    static const std::array levels{u"可用"_s, u"部分可用"_s, u"不可用"_s};
+    QStringList parts{feature.label, levels.at(std::size_t(feature.level))};
+    if (feature.note && !feature.note->isEmpty())
+        parts << *feature.note;
+    return parts.join(u" · "_s);
 }
 
 void CapabilityNote::look() {

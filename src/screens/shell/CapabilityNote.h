@@ -18,8 +18,7 @@ class CapabilityNote : public QObject {
     Q_PROPERTY(lmp::CapabilityStore *store READ store WRITE setStore NOTIFY changed)
     Q_PROPERTY(bool known READ known NOTIFY changed)
     Q_PROPERTY(Level level READ level NOTIFY changed)
-    Q_PROPERTY(QString label READ label NOTIFY changed)
-    Q_PROPERTY(QString note READ note NOTIFY changed)
+    Q_PROPERTY(QString text READ text NOTIFY changed)
 public:
     enum class Level { Full, Degraded, None };
     Q_ENUM(Level)
@@ -32,8 +31,11 @@ public:
     bool known() const { return m_feature.has_value(); }
     /// Full where nothing else is known.
     Level level() const;
-    QString label() const;
-    QString note() const;
+    /// Empty where nothing is known.
+    QString text() const { return m_feature ? wording(*m_feature) : QString(); }
+
+    /// The feature's label, how well it works, and its note.
+    static QString wording(const FeatureCapability &feature);
 
 Q_SIGNALS:
     void changed();

@@ -1,20 +1,15 @@
 import QtQuick
 import Lumenpair.Kit
-import Lumenpair.Shell
 
-/// What the service says of one feature; nothing where it says nothing.
+/// What the service says of one feature, where that feature is shown.
 Item {
     id: root
 
-    required property CapabilityNote feature
-    readonly property string levelText: root.feature.level === CapabilityNote.Full ? "可用" : root.feature.level === CapabilityNote.Degraded ? "部分可用" : "不可用"
-    readonly property string text: [root.feature.label, root.levelText, root.feature.note].filter(part => part !== "").join(" · ")
+    required property string text
 
-    Accessible.ignored: !root.visible
     Accessible.name: root.text
     Accessible.role: Accessible.StaticText
-    implicitHeight: visible ? words.height : 0
-    visible: root.feature.known
+    implicitHeight: words.height
 
     LMPIcon {
         id: icon

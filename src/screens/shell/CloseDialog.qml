@@ -1,11 +1,12 @@
 import QtQuick
 import Lumenpair.Kit
+import Lumenpair.Shell
 
 /// A window would close, and what was typed in it is not saved.
 LMPDialog {
     id: root
 
-    signal answered(bool retry)
+    required property WindowScene scene
 
     buttons: ["重试保存并关闭", "返回窗口"]
     escapeIndex: 1
@@ -13,5 +14,10 @@ LMPDialog {
     title: "输入尚未保存"
 
     Component.onCompleted: root.open()
-    onChosen: index => root.answered(index === 0)
+    onChosen: index => {
+        if (index === 0)
+            root.scene.saveAndClose();
+        else
+            root.scene.stayOpen();
+    }
 }

@@ -14,7 +14,7 @@ TabPage {
         "编程助手的工作台会放在这里，这个版本还没有做好。"
     ]
     readonly property list<string> icons: ["", "social", "market", "studio"]
-    readonly property var features: [[], ["social", "voice", "posts"], ["market", "wallet"], ["dev", "studio"]]
+    readonly property list<string> places: ["", "social", "market", "studio"]
 
     LMPPage {
         anchors.fill: parent
@@ -42,17 +42,13 @@ TabPage {
                 width: parent.width
 
                 Repeater {
-                    model: root.features[root.tab]
+                    model: CapabilityList {
+                        also: root.tab === WindowNavigation.Social ? ["social", "voice", "posts"] : []
+                        nav: root.places[root.tab]
+                        store: root.scene.capabilities
+                    }
 
                     delegate: CapabilityNotice {
-                        id: notice
-
-                        required property string modelData
-
-                        feature: CapabilityNote {
-                            featureId: notice.modelData
-                            store: root.scene.capabilities
-                        }
                         width: parent ? parent.width : 0
                     }
                 }

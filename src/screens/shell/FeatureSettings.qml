@@ -15,17 +15,9 @@ SettingsPart {
         width: parent.width
 
         Repeater {
-            model: features.ids
+            model: features
 
             delegate: CapabilityNotice {
-                id: notice
-
-                required property string modelData
-
-                feature: CapabilityNote {
-                    featureId: notice.modelData
-                    store: root.capabilities
-                }
                 width: parent ? parent.width : 0
             }
         }
@@ -33,7 +25,7 @@ SettingsPart {
         LMPText {
             color: Theme.text2
             text: "还没有从服务读到功能清单。"
-            visible: features.ids.length === 0
+            visible: features.count === 0
             width: parent.width
         }
     }

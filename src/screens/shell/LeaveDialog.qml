@@ -1,11 +1,12 @@
 import QtQuick
 import Lumenpair.Kit
+import Lumenpair.Shell
 
 /// Another conversation would take the place of one that nobody keeps.
 LMPDialog {
     id: root
 
-    signal answered(bool leave)
+    required property WindowScene scene
 
     buttons: ["离开", "留在这里"]
     dangerIndex: 0
@@ -14,5 +15,7 @@ LMPDialog {
     title: "离开无痕对话？"
 
     Component.onCompleted: root.open()
-    onChosen: index => root.answered(index === 0)
+    onChosen: index => {
+        root.scene.answerLeave(index === 0);
+    }
 }

@@ -8,12 +8,20 @@ MenuBar {
 
     required property WindowScene scene
 
+    /// What the text that has the keyboard can do; nothing where there is none.
+    function edit(how: string): void {
+        const window = root.window as Window;
+        const item = window ? window.activeFocusItem : null;
+        if (item && typeof item[how] === "function")
+            item[how]();
+    }
+
     Menu {
         title: "Lumenpair"
 
         MenuItem {
             role: MenuItem.PreferencesRole
-            shortcut: StandardKey.Preferences
+            shortcut: "Ctrl+,"
             text: "设置…"
             onTriggered: root.scene.commands.run(WindowCommands.Settings)
         }
@@ -26,7 +34,7 @@ MenuBar {
 
         MenuItem {
             role: MenuItem.QuitRole
-            shortcut: StandardKey.Quit
+            shortcut: "Ctrl+Q"
             text: "退出 Lumenpair"
             onTriggered: root.scene.commands.run(WindowCommands.Quit)
         }
@@ -36,6 +44,7 @@ MenuBar {
         title: "文件"
 
         MenuItem {
+            shortcut: "Ctrl+N"
             text: "新对话"
             onTriggered: root.scene.commands.run(WindowCommands.NewConversation)
         }
@@ -46,32 +55,70 @@ MenuBar {
         }
 
         MenuItem {
+            shortcut: "Ctrl+Shift+N"
             text: "新窗口"
             onTriggered: root.scene.commands.run(WindowCommands.NewWindow)
         }
 
+        MenuSeparator {
+        }
+
         MenuItem {
+            shortcut: "Ctrl+W"
             text: "关闭窗口"
             onTriggered: root.scene.commands.run(WindowCommands.CloseWindow)
         }
     }
 
     Menu {
-        title: "前往"
+        title: "编辑"
 
         MenuItem {
-            text: "快速切换…"
-            onTriggered: root.scene.commands.run(WindowCommands.Switcher)
+            shortcut: "Ctrl+Z"
+            text: "撤销"
+            onTriggered: root.edit("undo")
         }
 
         MenuItem {
-            text: "上一段对话"
-            onTriggered: root.scene.commands.run(WindowCommands.PreviousConversation)
+            shortcut: "Ctrl+Shift+Z"
+            text: "重做"
+            onTriggered: root.edit("redo")
+        }
+
+        MenuSeparator {
         }
 
         MenuItem {
-            text: "下一段对话"
-            onTriggered: root.scene.commands.run(WindowCommands.NextConversation)
+            shortcut: "Ctrl+X"
+            text: "剪切"
+            onTriggered: root.edit("cut")
+        }
+
+        MenuItem {
+            shortcut: "Ctrl+C"
+            text: "复制"
+            onTriggered: root.edit("copy")
+        }
+
+        MenuItem {
+            shortcut: "Ctrl+V"
+            text: "粘贴"
+            onTriggered: root.edit("paste")
+        }
+
+        MenuItem {
+            shortcut: "Ctrl+A"
+            text: "全选"
+            onTriggered: root.edit("selectAll")
+        }
+
+        MenuSeparator {
+        }
+
+        MenuItem {
+            shortcut: "Ctrl+F"
+            text: "在对话列表里查找"
+            onTriggered: root.scene.commands.run(WindowCommands.Find)
         }
     }
 
@@ -79,23 +126,62 @@ MenuBar {
         title: "显示"
 
         MenuItem {
+            shortcut: "Ctrl++"
             text: "放大"
             onTriggered: root.scene.commands.run(WindowCommands.Larger)
         }
 
         MenuItem {
+            shortcut: "Ctrl+-"
             text: "缩小"
             onTriggered: root.scene.commands.run(WindowCommands.Smaller)
         }
 
         MenuItem {
+            shortcut: "Ctrl+0"
             text: "恢复原来的大小"
             onTriggered: root.scene.commands.run(WindowCommands.ResetScale)
         }
 
+        MenuSeparator {
+        }
+
         MenuItem {
+            shortcut: "Ctrl+B"
             text: "收起或展开侧栏"
             onTriggered: root.scene.commands.run(WindowCommands.ToggleSidebar)
+        }
+    }
+
+    Menu {
+        title: "前往"
+
+        MenuItem {
+            shortcut: "Ctrl+K"
+            text: "快速切换…"
+            onTriggered: root.scene.commands.run(WindowCommands.Switcher)
+        }
+
+        MenuItem {
+            shortcut: "Alt+Up"
+            text: "上一段对话"
+            onTriggered: root.scene.commands.run(WindowCommands.PreviousConversation)
+        }
+
+        MenuItem {
+            shortcut: "Alt+Down"
+            text: "下一段对话"
+            onTriggered: root.scene.commands.run(WindowCommands.NextConversation)
+        }
+    }
+
+    Menu {
+        title: "窗口"
+
+        MenuItem {
+            shortcut: "Ctrl+M"
+            text: "最小化"
+            onTriggered: root.window.showMinimized()
         }
     }
 

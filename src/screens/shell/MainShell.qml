@@ -27,15 +27,17 @@ FocusScope {
 
     /// The regions that F6 goes through.
     function movePane(step: int): void {
-        const panes = root.narrow || root.collapsed || !sidebar.hasList ? [sidebar.tabs, pages] : [sidebar.tabs, sidebar.list, pages];
-        const at = panes.findIndex(pane => pane.activeFocus);
-        const next = panes[(at + step + panes.length) % panes.length];
-        if (root.narrow && next !== pages)
-            root.calledFor = true;
-        if (next === sidebar.tabs)
+        const hasList = sidebar.hasList && !root.collapsed;
+        const count = hasList ? 3 : 2;
+        const at = pages.activeFocus ? count - 1 : hasList && sidebar.list.activeFocus ? 1 : 0;
+        const next = (at + step + count) % count;
+        root.calledFor = root.narrow && next !== count - 1;
+        if (next === 0)
             sidebar.focusTabs();
+        else if (next === count - 1)
+            pages.forceActiveFocus(Qt.ShortcutFocusReason);
         else
-            next.forceActiveFocus(Qt.ShortcutFocusReason);
+            sidebar.list.forceActiveFocus(Qt.ShortcutFocusReason);
     }
 
     function find(): void {

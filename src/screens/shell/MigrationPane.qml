@@ -1,6 +1,5 @@
 import QtQuick
 import Lumenpair.Account
-import Lumenpair.Kit
 import Lumenpair.Shell
 
 /// The notice about earlier accounts, and what becomes of a person's data behind it.

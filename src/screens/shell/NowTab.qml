@@ -1,6 +1,5 @@
 import QtQuick
 import Lumenpair.Chat
-import Lumenpair.Kit
 import Lumenpair.Shell
 
 /// The tab "now": the chat with one's twin.

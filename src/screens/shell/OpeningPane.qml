@@ -9,6 +9,16 @@ FocusScope {
     required property WindowScene scene
     readonly property bool failed: root.scene.openError !== ""
 
+    onFailedChanged: {
+        if (root.failed)
+            error.setSource("OpeningError.qml", {
+                focus: true,
+                scene: root.scene
+            });
+        else
+            error.source = "";
+    }
+
     LMPText {
         anchors.centerIn: parent
         color: Theme.text2
@@ -17,14 +27,9 @@ FocusScope {
     }
 
     Loader {
-        active: root.failed
+        id: error
+
         anchors.centerIn: parent
         focus: true
-
-        sourceComponent: LMPErrorState {
-            actionText: "再试一次"
-            text: root.scene.openError
-            onAction: root.scene.reopen()
-        }
     }
 }

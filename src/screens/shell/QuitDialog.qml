@@ -6,7 +6,8 @@ import Lumenpair.Shell
 LMPDialog {
     id: root
 
-    required property MacQuitCoordinator quitting
+    required property WindowScene scene
+    readonly property MacQuitCoordinator quitting: root.scene.quitting
 
     buttons: [root.quitting.retryText, root.quitting.returnText]
     escapeIndex: 1

@@ -1,5 +1,4 @@
 import QtQuick
-import Lumenpair.Account
 import Lumenpair.Shell
 
 /// The screen that the window is at, each read when it is first needed, and the safety cards over all of them.

@@ -17,10 +17,21 @@ TabPage {
 
     Connections {
         function onSectionRequested(section: int): void {
-            Qt.callLater(root.show, section);
+            going.section = section;
+            going.start();
         }
 
         target: root.scene.navigation
+    }
+
+    // A page that was made just now has no places to go to yet.
+    Timer {
+        id: going
+
+        property int section: 0
+
+        interval: 0
+        onTriggered: root.show(going.section)
     }
 
     LMPPage {

@@ -1,5 +1,4 @@
 import QtQuick
-import Lumenpair.Chat
 import Lumenpair.Kit
 import Lumenpair.Shell
 
@@ -22,8 +21,9 @@ FocusScope {
     }
 
     function focusFind(): void {
-        if (list.item)
-            (list.item as ConversationList)?.focusFind();
+        const conversations = list.item as SidebarConversations;
+        if (conversations)
+            conversations.focusFind();
     }
 
     Accessible.name: "侧栏"
@@ -99,38 +99,45 @@ FocusScope {
 
         readonly property int tab: root.scene.navigation.tab
 
-        anchors.bottom: parent.bottom
+        function present(): void {
+            const file = list.tab === WindowNavigation.Now ? "SidebarConversations.qml" : list.tab === WindowNavigation.Me ? "SidebarSections.qml" : "";
+            list.setSource(file, {
+                focus: true,
+                scene: root.scene
+            });
+            if (list.item)
+                (list.item as SidebarList).chosen.connect(root.chosen);
+        }
+
+        Component.onCompleted: list.present()
+        anchors.bottom: note.visible ? note.top : parent.bottom
+        anchors.bottomMargin: note.visible ? Theme.dp(8) : 0
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.rightMargin: 1
         anchors.top: line.bottom
         anchors.topMargin: Theme.dp(8)
         visible: !root.collapsed
-        sourceComponent: list.tab === WindowNavigation.Now ? conversations : list.tab === WindowNavigation.Me ? sections : null
+        onTabChanged: list.present()
     }
 
-    Component {
-        id: conversations
+    // A twin that is not all it could be is known for that wherever one begins to talk to it.
+    CapabilityNote {
+        id: twin
 
-        ConversationList {
-            conversations: root.scene.conversations
-            focus: true
-            onNewRequested: root.scene.startConversation()
-            onOpened: id => {
-                root.scene.openConversation(id);
-                root.chosen();
-            }
-        }
+        featureId: "twin.chat"
+        store: root.scene.capabilities
     }
 
-    Component {
-        id: sections
+    CapabilityNotice {
+        id: note
 
-        SettingsSections {
-            focus: true
-            navigation: root.scene.navigation
-            onChosen: root.chosen()
-        }
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.dp(8)
+        text: twin.text
+        visible: !root.collapsed && list.tab === WindowNavigation.Now && twin.known && twin.level !== CapabilityNote.Full
+        width: parent.width - 2 * x
+        x: Theme.dp(12)
     }
 
     Rectangle {

@@ -12,7 +12,20 @@ FocusScope {
 
     signal clicked
 
+    function step(by: int): void {
+        const tabs = root.parent.children;
+        for (let at = 0; at < tabs.length; ++at) {
+            if (tabs[at] === root && at + by >= 0 && at + by < tabs.length)
+                tabs[at + by].forceActiveFocus(Qt.TabFocusReason);
+        }
+    }
+
+    Keys.onDownPressed: root.step(1)
+    Keys.onUpPressed: root.step(-1)
+    focus: root.selected
     implicitHeight: Math.max(row.implicitHeight, button.implicitHeight)
+
+    width: parent ? parent.width : implicitWidth
 
     LMPRow {
         id: row

@@ -8,23 +8,15 @@ FocusScope {
 
     required property WindowNavigation navigation
     property bool collapsed: false
-    readonly property list<string> titles: ["当下", "社交", "市场", "工坊", "我的"]
-    readonly property list<string> icons: ["now", "social", "market", "studio", "me"]
 
     signal chosen
 
     function focusCurrent(): void {
-        rows.itemAt(root.navigation.tab).forceActiveFocus(Qt.ShortcutFocusReason);
+        column.children[root.navigation.tab].forceActiveFocus(Qt.ShortcutFocusReason);
     }
 
-    function step(from: int, by: int): void {
-        const next = from + by;
-        if (next >= 0 && next < rows.count)
-            rows.itemAt(next).forceActiveFocus(Qt.TabFocusReason);
-    }
-
-    function choose(index: int): void {
-        root.navigation.tab = index;
+    function choose(tab: int): void {
+        root.navigation.tab = tab;
         root.chosen();
     }
 
@@ -39,25 +31,44 @@ FocusScope {
         width: parent.width - 2 * x
         x: Theme.dp(8)
 
-        Repeater {
-            id: rows
+        SidebarTab {
+            collapsed: root.collapsed
+            iconName: "now"
+            selected: root.navigation.tab === WindowNavigation.Now
+            title: "当下"
+            onClicked: root.choose(WindowNavigation.Now)
+        }
 
-            model: root.titles
+        SidebarTab {
+            collapsed: root.collapsed
+            iconName: "social"
+            selected: root.navigation.tab === WindowNavigation.Social
+            title: "社交"
+            onClicked: root.choose(WindowNavigation.Social)
+        }
 
-            delegate: SidebarTab {
-                required property int index
-                required property string modelData
+        SidebarTab {
+            collapsed: root.collapsed
+            iconName: "market"
+            selected: root.navigation.tab === WindowNavigation.Market
+            title: "市场"
+            onClicked: root.choose(WindowNavigation.Market)
+        }
 
-                Keys.onDownPressed: root.step(index, 1)
-                Keys.onUpPressed: root.step(index, -1)
-                collapsed: root.collapsed
-                focus: index === root.navigation.tab
-                iconName: root.icons[index]
-                selected: index === root.navigation.tab
-                title: modelData
-                width: column.width
-                onClicked: root.choose(index)
-            }
+        SidebarTab {
+            collapsed: root.collapsed
+            iconName: "studio"
+            selected: root.navigation.tab === WindowNavigation.Studio
+            title: "工坊"
+            onClicked: root.choose(WindowNavigation.Studio)
+        }
+
+        SidebarTab {
+            collapsed: root.collapsed
+            iconName: "me"
+            selected: root.navigation.tab === WindowNavigation.Me
+            title: "我的"
+            onClicked: root.choose(WindowNavigation.Me)
         }
     }
 }

@@ -1,5 +1,4 @@
 import QtQuick
-import Lumenpair.Kit
 import Lumenpair.Shell
 
 /// The pages of the tabs. Each is made when it is first gone to, and keeps its state from then on.
@@ -10,58 +9,97 @@ FocusScope {
     /// The pages must offer a way to the sidebar.
     property bool sidebarHidden: false
     readonly property int tab: root.scene.navigation.tab
-    readonly property list<string> files: ["NowTab.qml", "ComingTab.qml", "ComingTab.qml", "ComingTab.qml", "SettingsPage.qml"]
+    readonly property bool covered: root.scene.navigation.unavailableOpen
 
     signal sidebarRequested
 
     function visit(): void {
-        const page = pages.itemAt(root.tab) as Loader;
+        const pages = [now, social, market, studio, me];
+        const files = ["NowTab.qml", "ComingTab.qml", "ComingTab.qml", "ComingTab.qml", "SettingsPage.qml"];
+        const page = pages[root.tab];
         if (page.status === Loader.Null)
-            page.setSource(root.files[root.tab], {
+            page.setSource(files[root.tab], {
                 focus: true,
-                scene: root.scene,
                 frame: root,
+                scene: root.scene,
                 tab: root.tab
             });
     }
 
-    function focusComposer(): void {
-        root.forceActiveFocus();
-        const now = pages.itemAt(WindowNavigation.Now) as Loader;
-        if (now.item)
-            (now.item as NowTab).focusInput();
+    function cover(): void {
+        if (!root.covered) {
+            over.source = "";
+            return;
+        }
+        over.setSource("UnavailablePage.qml", {
+            focus: true
+        });
+        (over.item as UnavailablePage).closed.connect(root.uncover);
     }
 
-    Component.onCompleted: root.visit()
+    function uncover(): void {
+        root.scene.navigation.closeUnavailable();
+        root.forceActiveFocus();
+    }
+
+    function focusComposer(): void {
+        root.forceActiveFocus();
+        const page = now.item as NowTab;
+        if (page)
+            page.focusInput();
+    }
+
+    Component.onCompleted: {
+        root.visit();
+        root.cover();
+    }
+    onCoveredChanged: root.cover()
     onTabChanged: root.visit()
 
-    Repeater {
-        id: pages
+    Loader {
+        id: now
 
-        model: root.files.length
-
-        delegate: Loader {
-            id: page
-
-            required property int index
-
-            anchors.fill: parent
-            focus: page.index === root.tab && !root.scene.navigation.unavailableOpen
-            visible: page.index === root.tab
-        }
+        anchors.fill: parent
+        focus: visible && !root.covered
+        visible: root.tab === WindowNavigation.Now
     }
 
     Loader {
-        active: root.scene.navigation.unavailableOpen
-        anchors.fill: parent
-        focus: active
+        id: social
 
-        sourceComponent: UnavailablePage {
-            focus: true
-            onClosed: {
-                root.scene.navigation.closeUnavailable();
-                root.forceActiveFocus();
-            }
-        }
+        anchors.fill: parent
+        focus: visible && !root.covered
+        visible: root.tab === WindowNavigation.Social
+    }
+
+    Loader {
+        id: market
+
+        anchors.fill: parent
+        focus: visible && !root.covered
+        visible: root.tab === WindowNavigation.Market
+    }
+
+    Loader {
+        id: studio
+
+        anchors.fill: parent
+        focus: visible && !root.covered
+        visible: root.tab === WindowNavigation.Studio
+    }
+
+    Loader {
+        id: me
+
+        anchors.fill: parent
+        focus: visible && !root.covered
+        visible: root.tab === WindowNavigation.Me
+    }
+
+    Loader {
+        id: over
+
+        anchors.fill: parent
+        focus: root.covered
     }
 }

@@ -6,7 +6,8 @@ import Lumenpair.Shell
 LMPDialog {
     id: root
 
-    required property UpdateChecker updates
+    required property WindowScene scene
+    readonly property UpdateChecker updates: root.scene.updates
 
     buttons: root.updates.alertButtons
     escapeIndex: root.buttons.length - 1

@@ -1,5 +1,4 @@
 import QtQuick
-import Lumenpair.Kit
 import Lumenpair.Shell
 
 /// What every window has besides its screen: keys, menus, the quick switcher and the questions that are asked anywhere.
@@ -16,27 +15,25 @@ Item {
         (switcher.item as QuickSwitcher).open();
     }
 
+    function tie(key: WindowKey): void {
+        key.activated.connect(() => root.scene.commands.run(key.command));
+    }
+
     Component.onCompleted: {
         if (Qt.platform.os === "osx")
             menus.setSource("MacMenus.qml", {
-                scene: root.scene
+                scene: root.scene,
+                window: root.Window.window
             });
     }
 
     Instantiator {
         model: root.scene.commands
 
-        delegate: Shortcut {
-            id: shortcut
-
-            required property bool available
-            required property int command
-            required property var keys
-
-            enabled: shortcut.available && shortcut.keys.length > 0
-            sequences: shortcut.keys
-            onActivated: root.scene.commands.run(shortcut.command)
+        delegate: WindowKey {
         }
+
+        onObjectAdded: (index, object) => root.tie(object as WindowKey)
     }
 
     Loader {
@@ -47,36 +44,28 @@ Item {
         id: menus
     }
 
-    Loader {
-        active: root.scene.asking && root.scene.quitting.state === MacQuitCoordinator.Warning
-
-        sourceComponent: QuitDialog {
-            quitting: root.scene.quitting
-        }
+    QuestionLoader {
+        asked: root.scene.asking && root.scene.quitting.state === MacQuitCoordinator.Warning
+        file: "QuitDialog.qml"
+        scene: root.scene
     }
 
-    Loader {
-        active: root.scene.closeWarning
-
-        sourceComponent: CloseDialog {
-            onAnswered: retry => retry ? root.scene.saveAndClose() : root.scene.stayOpen()
-        }
+    QuestionLoader {
+        asked: root.scene.asking && root.scene.updates !== null && root.scene.updates.alertOpen
+        file: "UpdateDialog.qml"
+        scene: root.scene
     }
 
-    Loader {
-        active: root.scene.leaveWarning
-
-        sourceComponent: LeaveDialog {
-            onAnswered: leave => root.scene.answerLeave(leave)
-        }
+    QuestionLoader {
+        asked: root.scene.closeWarning
+        file: "CloseDialog.qml"
+        scene: root.scene
     }
 
-    Loader {
-        active: root.scene.asking && root.scene.updates !== null && root.scene.updates.alertOpen
-
-        sourceComponent: UpdateDialog {
-            updates: root.scene.updates
-        }
+    QuestionLoader {
+        asked: root.scene.leaveWarning
+        file: "LeaveDialog.qml"
+        scene: root.scene
     }
 
     Connections {

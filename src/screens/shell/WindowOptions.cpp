@@ -10,10 +10,7 @@ std::expected<WindowOptions, QString> WindowOptions::parse(const QStringList &ar
     WindowOptions options;
     bool sandbox = false;
     const auto field = [&options](const QString &name) -> QString * {
-        return name == u"--site"_s      ? &options.site
-               : name == u"--profile"_s ? &options.profile
-               : name == u"--gallery"_s ? &options.gallery
-                                        : nullptr;
+        return name == u"--site"_s ? &options.site : name == u"--profile"_s ? &options.profile : nullptr;
     };
     for (qsizetype at = 0; at < arguments.size(); ++at) {
         const QString &argument = arguments[at];

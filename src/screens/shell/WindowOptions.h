@@ -12,7 +12,6 @@ struct WindowOptions {
     QString site;    ///< empty: the environment's, else the sandbox
     QString profile; ///< empty is the person's own
     QString link;    ///< a lumenpair:// address to open, or empty
-    QString gallery; ///< the folder to draw every screen into, without a display; empty for an ordinary run
 
     /// @param arguments without the program's name
     /// @return the options, or a sentence that says what is wrong with them

@@ -1,0 +1,137 @@
+#include "WindowDriver.h"
+
+#include "support/Await.h"
+
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QTest>
+
+#include <csignal>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString nameOf(const QQuickItem *item) {
+    for (const char *property : {"text", "title", "label"}) {
+        const QString name = item->property(property).toString();
+        if (!name.isEmpty())
+            return name;
+    }
+    return {};
+}
+
+void collect(QQuickItem *from, QList<QQuickItem *> &into) {
+    if (!from->isVisible() || from->opacity() == 0)
+        return;
+    into << from;
+    for (QQuickItem *child : from->childItems())
+        collect(child, into);
+}
+
+} // namespace
+
+WindowDriver::WindowDriver(WindowOptions options)
+    : m_program(std::make_unique<WindowApplication>(std::move(options), SystemClock().monotonic())) {
+    m_program->start();
+    window().requestActivate();
+}
+
+WindowDriver::~WindowDriver() {
+    m_program.reset();
+    settle();
+    // Leaving has told the event loop to end; the next test needs it.
+    QMetaObject::invokeMethod(qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+    QCoreApplication::exec();
+}
+
+bool WindowDriver::reaches(WindowScene::Stage stage) {
+    return eventually([&] { return scene().stage() == stage; });
+}
+
+bool WindowDriver::enterShell() {
+    return eventually([&] {
+        if (RootView *root = scene().rootView()) {
+            root->finishMigrationNotice();
+            root->finishOnboarding();
+            root->finishHandleSetup();
+        }
+        return scene().stage() == WindowScene::Stage::Shell && scene().chat()->isOpen() && find(u"ChatPage"_s);
+    });
+}
+
+void WindowDriver::key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(&window(), key, modifiers);
+}
+
+void WindowDriver::type(const QString &text) {
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QCoreApplication::sendEvent(QGuiApplication::focusObject(), &event);
+}
+
+void WindowDriver::compose(const QString &text) {
+    QInputMethodEvent event(text, {});
+    QCoreApplication::sendEvent(QGuiApplication::focusObject(), &event);
+}
+
+bool WindowDriver::click(const QString &name) {
+    QQuickItem *found = nullptr;
+    const auto isThere = [&] {
+        const auto all = items();
+        // The last is the one on top.
+        const auto it = std::find_if(all.rbegin(), all.rend(), [&](const QQuickItem *item) {
+            return item->isEnabled() && item->inherits("QQuickAbstractButton") && nameOf(item) == name;
+        });
+        found = it == all.rend() ? nullptr : *it;
+        return found != nullptr;
+    };
+    if (!eventually(isThere))
+        return false;
+    // A popup moves to its place while it opens.
+    settle();
+    QTest::mouseClick(&window(), Qt::LeftButton, {},
+                      found->mapToScene({found->width() / 2, found->height() / 2}).toPoint());
+    return true;
+}
+
+bool WindowDriver::shows(const QString &text) {
+    return eventually([&] { return readable(text); });
+}
+
+bool WindowDriver::hides(const QString &text) {
+    return eventually([&] { return !readable(text); });
+}
+
+bool WindowDriver::readable(const QString &text) {
+    const auto all = items();
+    return std::ranges::any_of(all, [&](const QQuickItem *item) {
+        return item->inherits("QQuickText") && item->property("text").toString().contains(text);
+    });
+}
+
+QQuickItem *WindowDriver::find(const QString &type, const QString &name) {
+    for (QQuickItem *item : items()) {
+        if (QString::fromLatin1(item->metaObject()->className()).startsWith(type + u"_QML"_s) &&
+            (name.isEmpty() || nameOf(item) == name))
+            return item;
+    }
+    return nullptr;
+}
+
+bool WindowDriver::quits() {
+    bool leaving = false;
+    QObject::connect(m_program.get(), &WindowApplication::leaving, m_program.get(), [&] { leaving = true; });
+    ::raise(SIGTERM);
+    return eventually([&] { return leaving; });
+}
+
+QList<QQuickItem *> WindowDriver::items() const {
+    QList<QQuickItem *> all;
+    collect(m_program->window()->contentItem(), all);
+    return all;
+}
+
+} // namespace lmp

@@ -1,0 +1,267 @@
+#include "WindowDriver.h"
+#include "support/SandboxFixture.h"
+
+#include <QDir>
+#include <QGuiApplication>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using Stage = WindowScene::Stage;
+using Tab = WindowNavigation::Tab;
+
+/// The program with its window against a sandbox of its own, with nothing of the person's within reach.
+class WindowTest : public SandboxFixture {
+protected:
+    void SetUp() override {
+        SandboxFixture::SetUp();
+        qputenv("XDG_DATA_HOME", m_home.filePath(u"data"_s).toUtf8());
+        qputenv("HOME", m_home.path().toUtf8());
+        qputenv("XDG_RUNTIME_DIR", m_home.path().toUtf8());
+    }
+    void TearDown() override {
+        qunsetenv("LMP_TOKEN");
+        SandboxFixture::TearDown();
+    }
+    WindowOptions options(const QString &link = {}) const { return {.site = m_site.toString(), .link = link}; }
+    /// The next start finds somebody signed in.
+    void signInBefore() { qputenv("LMP_TOKEN", signIn(u"13900000007"_s).toUtf8()); }
+
+    QTemporaryDir m_home;
+};
+
+TEST_F(WindowTest, FromTheFirstStartToTheFirstReply) {
+    WindowDriver window(options());
+    // Something is there to be read before the service is even looked for.
+    EXPECT_EQ(window.scene().stage(), Stage::Opening);
+    EXPECT_TRUE(window.shows(u"正在启动…"_s));
+    ASSERT_TRUE(window.reaches(Stage::SignedOut));
+
+    // The cursor is where one begins to type, and the sandbox hands the code back.
+    ASSERT_TRUE(window.shows(u"手机号"_s));
+    window.type(u"13900000008"_s);
+    ASSERT_TRUE(window.click(u"发送验证码"_s));
+    ASSERT_TRUE(eventually([&] { return !window.scene().session()->signIn()->code().isEmpty(); }));
+    window.key(Qt::Key_Return);
+
+    ASSERT_TRUE(window.reaches(Stage::Migration));
+    ASSERT_TRUE(window.click(u"看隐私说明"_s));
+    ASSERT_TRUE(window.shows(u"求助热线页不用登录"_s));
+    window.key(Qt::Key_Escape);
+    ASSERT_TRUE(window.hides(u"求助热线页不用登录"_s));
+    ASSERT_TRUE(window.click(u"知道了"_s));
+    ASSERT_TRUE(window.reaches(Stage::Onboarding));
+    for (int step = 0; step < 3; ++step)
+        window.key(Qt::Key_Return);
+    ASSERT_TRUE(window.reaches(Stage::HandleSetup));
+    ASSERT_TRUE(window.click(u"以后再说"_s));
+    ASSERT_TRUE(window.reaches(Stage::Shell));
+
+    ASSERT_TRUE(eventually([&] { return window.scene().chat()->isOpen() && window.find(u"ChatPage"_s); }));
+    window.type(u"你好呀"_s);
+    window.key(Qt::Key_Return);
+    EXPECT_TRUE(window.shows(u"你好呀"_s));
+    EXPECT_TRUE(eventually([&] { return window.scene().chat()->lastChargeText() == u"3 Pip"_s; }));
+    EXPECT_TRUE(window.shows(u"余额 997 Pip"_s));
+    EXPECT_EQ(window.scene().conversations()->rowCount(), 1);
+}
+
+TEST_F(WindowTest, EverythingIsReachedByKeys) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    auto *navigation = window.scene().navigation();
+    const auto focused = [&](const QString &type) {
+        return eventually([&] {
+            const QQuickItem *item = window.find(type);
+            return item && item->hasActiveFocus();
+        });
+    };
+
+    window.type(u"没说完的话"_s);
+    window.key(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(navigation->tab(), Tab::Social);
+    EXPECT_TRUE(window.shows(u"这个版本还没有做好"_s));
+    // What the service says of the features of this tab stands there too.
+    EXPECT_TRUE(window.shows(u"语音房 · 不可用"_s));
+    window.key(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_EQ(navigation->tab(), Tab::Me);
+    EXPECT_TRUE(window.shows(u"界面大小"_s));
+    window.key(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(navigation->tab(), Tab::Now);
+    EXPECT_EQ(window.scene().chat()->input(), u"没说完的话"_s);
+
+    // From region to region, and along the tabs with the arrows.
+    window.key(Qt::Key_F6);
+    EXPECT_TRUE(focused(u"SidebarTabs"_s));
+    window.key(Qt::Key_Down);
+    window.key(Qt::Key_Return);
+    EXPECT_EQ(navigation->tab(), Tab::Social);
+    window.key(Qt::Key_1, Qt::ControlModifier);
+    window.key(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(focused(u"ConversationList"_s));
+    window.key(Qt::Key_F6);
+    EXPECT_TRUE(focused(u"ChatPage"_s));
+    window.key(Qt::Key_B, Qt::ControlModifier);
+    EXPECT_TRUE(window.scene().layout()->sidebarCollapsed());
+}
+
+TEST_F(WindowTest, TheSwitcherGoesByPinyin) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.type(u"重庆的春天是什么样的"_s);
+    window.key(Qt::Key_Return);
+    ASSERT_TRUE(eventually([&] { return window.scene().conversations()->rowCount() == 1; }));
+    const QString spring = window.scene().chat()->conversationId();
+    window.key(Qt::Key_N, Qt::ControlModifier);
+    ASSERT_TRUE(eventually([&] { return window.scene().chat()->conversationId() != spring; }));
+
+    auto *switcher = window.scene().switcher();
+    window.key(Qt::Key_K, Qt::ControlModifier);
+    ASSERT_TRUE(window.shows(u"检查更新"_s));
+    window.type(u"cq"_s);
+    ASSERT_TRUE(eventually([&] { return switcher->count() == 1; }));
+    // Keys belong to what is being composed, as long as it is.
+    window.compose(u"de"_s);
+    window.key(Qt::Key_Return);
+    window.key(Qt::Key_Escape);
+    EXPECT_NE(window.find(u"LMPTextField"_s, {}), nullptr);
+    EXPECT_NE(window.scene().chat()->conversationId(), spring);
+    window.compose({});
+    window.key(Qt::Key_Return);
+    EXPECT_TRUE(eventually([&] { return window.scene().chat()->conversationId() == spring; }));
+
+    window.key(Qt::Key_K, Qt::ControlModifier);
+    ASSERT_TRUE(window.shows(u"检查更新"_s));
+    window.type(u"shezhi"_s);
+    ASSERT_TRUE(eventually([&] { return switcher->count() >= 1; }));
+    window.key(Qt::Key_Return);
+    EXPECT_EQ(window.scene().navigation()->tab(), Tab::Me);
+}
+
+TEST_F(WindowTest, WhatIsSetIsThereAtTheNextStart) {
+    signInBefore();
+    {
+        WindowDriver window(options());
+        ASSERT_TRUE(window.enterShell());
+        EXPECT_TRUE(window.shows(u"可以发送使用情况"_s));
+        ASSERT_TRUE(window.click(u"不同意"_s));
+        EXPECT_TRUE(window.hides(u"可以发送使用情况"_s));
+        window.key(Qt::Key_Comma, Qt::ControlModifier);
+        ASSERT_TRUE(window.click(u"深色"_s));
+        window.key(Qt::Key_Plus, Qt::ControlModifier);
+        EXPECT_EQ(window.scene().appearance()->scaleStep(), 2);
+        window.scene().layout()->setSidebarWidth(300);
+        ASSERT_TRUE(window.quits());
+    }
+    WindowDriver window(options());
+    // Before the first paint: nothing flashes in the wrong colours.
+    EXPECT_TRUE(window.scene().appearance()->dark());
+    EXPECT_EQ(window.window().color(), QColor(0x17, 0x18, 0x1A));
+    EXPECT_EQ(window.scene().appearance()->scale(), 1.15);
+    EXPECT_EQ(window.scene().layout()->sidebarWidth(), 300);
+    ASSERT_TRUE(window.enterShell());
+    EXPECT_TRUE(window.hides(u"可以发送使用情况"_s));
+    EXPECT_FALSE(window.scene().telemetry()->consent());
+}
+
+TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    bool full = true;
+    const auto other = window.program().application().localInput().add([&full]() -> QCoro::Task<bool> {
+        return [](bool saved) -> QCoro::Task<bool> {
+            co_return saved;
+        }(!full);
+    });
+
+    // Every way to leave asks the same.
+    window.window().close();
+    ASSERT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    EXPECT_TRUE(window.shows(u"本地输入暂未保存，应用仍保持打开。请重试保存后再退出。"_s));
+    EXPECT_TRUE(window.window().isVisible());
+    // Keys of the window do nothing behind the question.
+    window.key(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(window.scene().navigation()->tab(), Tab::Now);
+    ASSERT_TRUE(window.click(u"返回应用"_s));
+    ASSERT_TRUE(window.hides(u"未执行输入尚未保存"_s));
+    EXPECT_EQ(window.program().quitting().state(), MacQuitCoordinator::State::Idle);
+
+    window.key(Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    ASSERT_TRUE(window.click(u"重试保存并退出"_s));
+    EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Warning; }));
+    full = false;
+    settle();
+    ASSERT_TRUE(window.click(u"重试保存并退出"_s));
+    EXPECT_TRUE(eventually([&] { return !window.window().isVisible(); }));
+    EXPECT_TRUE(window.program().quitting().resolved());
+}
+
+TEST_F(WindowTest, LinksGoTheSameWayColdAndWarm) {
+    {
+        WindowDriver window(options(u"lumenpair://crisis"_s));
+        // Nobody needs an account for this one.
+        EXPECT_TRUE(window.shows(u"真人热线置顶"_s));
+        window.key(Qt::Key_Escape);
+        EXPECT_TRUE(eventually([&] { return !window.scene().navigation()->crisisOpen(); }));
+        ASSERT_TRUE(window.reaches(Stage::SignedOut));
+        ASSERT_TRUE(window.quits());
+    }
+    signInBefore();
+    WindowDriver window(options(u"lumenpair://object/mission/m_1"_s));
+    ASSERT_TRUE(window.enterShell());
+    EXPECT_TRUE(window.shows(u"打不开这一项"_s));
+    ASSERT_TRUE(window.click(u"回到刚才的页面"_s));
+    EXPECT_TRUE(window.hides(u"打不开这一项"_s));
+
+    const auto again = [&](const QString &link) {
+        window.program().takeOver({.arguments = {link}, .activationToken = {}});
+    };
+    again(u"lumenpair://studio"_s);
+    EXPECT_EQ(window.scene().navigation()->tab(), Tab::Studio);
+    again(u"lumenpair://conversation/c_77"_s);
+    EXPECT_EQ(window.scene().navigation()->tab(), Tab::Now);
+    EXPECT_TRUE(eventually([&] { return window.scene().chat()->conversationId() == u"c_77"_s; }));
+    again(u"lumenpair://object/mission/m_1"_s);
+    ASSERT_TRUE(window.shows(u"打不开这一项"_s));
+    // The same place again is seen as new.
+    ASSERT_TRUE(window.click(u"回到刚才的页面"_s));
+    again(u"lumenpair://object/mission/m_1"_s);
+    EXPECT_TRUE(window.shows(u"打不开这一项"_s));
+}
+
+TEST_F(WindowTest, TheLauncherOpensOneWindowOfAProfile) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"DISPLAY"_s, u":none"_s);
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    const QString launcher = QCoreApplication::applicationDirPath() + u"/lumenpair"_s;
+    const auto start = [&](QProcess &program, const QStringList &arguments) {
+        program.setProcessEnvironment(environment);
+        program.setStandardInputFile(QProcess::nullDevice());
+        program.start(launcher, QStringList{u"--site"_s, m_site.toString()} + arguments);
+    };
+    QProcess first, second;
+    start(first, {});
+    const QDir runtime(m_home.path());
+    ASSERT_TRUE(eventually([&] { return !runtime.entryList({u"*lumenpair*"_s}, QDir::System).isEmpty(); }, 30'000));
+    start(second, {u"lumenpair://studio"_s});
+    EXPECT_TRUE(eventually([&] { return second.state() == QProcess::NotRunning; }, 30'000));
+    EXPECT_EQ(second.exitCode(), 0) << second.readAllStandardError().toStdString();
+    EXPECT_EQ(first.state(), QProcess::Running);
+    first.terminate();
+    EXPECT_TRUE(eventually([&] { return first.state() == QProcess::NotRunning; }, 30'000));
+    EXPECT_EQ(first.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(first.exitCode(), 0) << first.readAllStandardError().toStdString();
+}
+
+TEST_F(WindowTest, AServiceThatIsNotThereIsSaidAndTriedAgain) {
+    WindowDriver window({.site = u"http://[broken"_s});
+    EXPECT_TRUE(window.shows(u"地址不合法"_s));
+    ASSERT_TRUE(window.click(u"再试一次"_s));
+    EXPECT_TRUE(window.shows(u"地址不合法"_s));
+}
+
+} // namespace lmp
