@@ -59,7 +59,7 @@ void GalleryStage::run(const std::optional<QString> &token, const QString &link)
     else
         qunsetenv("LMP_TOKEN");
     m_program = std::make_unique<WindowApplication>(
-        WindowOptions{.site = m_service.site(), .profile = {}, .link = link, .gallery = {}}, SystemClock().monotonic());
+        WindowOptions{.site = m_service.site(), .profile = {}, .link = link}, SystemClock().monotonic());
     if (!m_program->start()) {
         m_faults << u"the program has no window"_s;
         return;

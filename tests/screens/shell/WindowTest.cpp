@@ -23,7 +23,9 @@ protected:
         qunsetenv("LMP_TOKEN");
         SandboxFixture::TearDown();
     }
-    WindowOptions options(const QString &link = {}) const { return {.site = m_site.toString(), .link = link}; }
+    WindowOptions options(const QString &link = {}) const {
+        return {.site = m_site.toString(), .profile = {}, .link = link};
+    }
     /// The next start finds somebody signed in.
     void signInBefore() { qputenv("LMP_TOKEN", signIn(u"13900000007"_s).toUtf8()); }
 
@@ -258,7 +260,7 @@ TEST_F(WindowTest, TheLauncherOpensOneWindowOfAProfile) {
 }
 
 TEST_F(WindowTest, AServiceThatIsNotThereIsSaidAndTriedAgain) {
-    WindowDriver window({.site = u"http://[broken"_s});
+    WindowDriver window({.site = u"http://[broken"_s, .profile = {}, .link = {}});
     EXPECT_TRUE(window.shows(u"地址不合法"_s));
     ASSERT_TRUE(window.click(u"再试一次"_s));
     EXPECT_TRUE(window.shows(u"地址不合法"_s));
