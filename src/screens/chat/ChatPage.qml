@@ -127,6 +127,11 @@ FocusScope {
                 }
                 width: parent.width
 
+                // An item that is disabled loses its place in the focus, and does not get it back by itself.
+                onEnabledChanged: {
+                    if (composer.enabled)
+                        composer.focus = true;
+                }
                 onIdleKey: key => transcript.takeKey(key, Qt.NoModifier)
                 onEdited: root.chat.input = composer.text
                 onStopRequested: root.chat.stop()
