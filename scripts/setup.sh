@@ -16,7 +16,7 @@ debian_packages() {
                 qml6-module-qtquick qml6-module-qtquick-layouts qml6-module-qtquick-templates \
                 qml6-module-qtquick-window fonts-noto-cjk ;;
     test)  echo clang-format-19 libclang-rt-19-dev llvm-19 libgtest-dev libgmock-dev dbus-daemon gnome-keyring git \
-                python3 qml6-module-qttest desktop-file-utils appstream ;;
+                python3 qml6-module-qttest qml6-module-qt-labs-platform desktop-file-utils appstream ;;
     tidy)  echo clang-tidy-19 ;;
     package) echo dpkg-dev fakeroot python3 ;;
     bench) echo libbenchmark-dev nlohmann-json3-dev python3 curl xvfb dbus-daemon libx11-dev libxdamage-dev libxtst-dev \
