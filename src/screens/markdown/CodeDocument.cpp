@@ -2,6 +2,7 @@
 
 #include "CodeHighlighter.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QColor>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -70,6 +71,8 @@ void CodeDocument::colour() {
             continue;
         block.layout()->setFormats(ranges);
         document->markContentsDirty(block.position(), block.length());
+        // The layout says so for what it lays out again by itself, not for this.
+        Q_EMIT document->documentLayout()->updateBlock(block);
     }
 }
 

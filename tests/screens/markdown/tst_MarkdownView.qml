@@ -159,6 +159,15 @@ Item {
             compare(stage.view.itemAt(0).edit, edit);
         }
 
+        function test_codeIsColouredWhenItsFenceCloses() {
+            const stage = show("");
+            stage.blocks.append("```js\nlet a = 'b'\n");
+            verify(waitForRendering(stage));
+            const before = grabImage(stage);
+            stage.blocks.append("```\n");
+            tryVerify(() => !grabImage(stage).equals(before));
+        }
+
         function test_anotherThemeIsNotAnotherText() {
             const stage = show("`a` [b](https://c.d)\n\n|e|\n|-|\n\n```py\nif x\n```");
             const before = grabImage(stage);
