@@ -152,6 +152,7 @@ void ChatModel::forgetOpening() {
 
 void ChatModel::onOpened() {
     m_retryRow.clear();
+    m_retryWhenSaved.clear();
     m_retryInput.reset();
     Q_EMIT conversationChanged();
     Q_EMIT inputChanged();
@@ -175,6 +176,10 @@ void ChatModel::onSaveEnded(const ConversationSession::Saved &saved) {
     const QPointer self(this);
     m_inputs.describe(place());
     setNotice(saved.text.value_or(QString()));
+    if (const QString waiting = std::exchange(m_retryWhenSaved, {}); !waiting.isEmpty()) {
+        m_messages.setRetrying({});
+        waiting == retryTarget() ? sendRetry() : retry(waiting);
+    }
     Q_EMIT conversationChanged();
     if (self && saved.where == ConversationSession::Saved::Where::Service)
         Q_EMIT this->saved();
@@ -271,13 +276,31 @@ void ChatModel::onTurnEnded(const TurnOutcome &outcome) {
 // Another answer
 
 bool ChatModel::retryReply(const QString &twinMessageId) {
-    return startedRetry(twinMessageId, m_view.retryReply(twinMessageId));
+    return retry(twinMessageId);
+}
+
+bool ChatModel::waitsForSave(const QString &messageId) {
+    // Only what the service has can be answered again, and right after a turn it is about to have it.
+    if (!m_session.isSaving() || !isIdle())
+        return false;
+    m_retryWhenSaved = messageId;
+    m_messages.setError(messageId, {});
+    m_messages.setRetrying(messageId);
+    return true;
+}
+
+bool ChatModel::retry(const QString &messageId) {
+    if (waitsForSave(messageId))
+        return true;
+    const auto *message = messageOf(messageId);
+    const bool twin = message && message->role == TalkRole::twin;
+    return startedRetry(messageId, twin ? m_view.retryReply(messageId) : m_view.retryMessage(messageId));
 }
 
 bool ChatModel::retryMessage(const QString &userMessageId, const QString &edited) {
     const auto *message = messageOf(userMessageId);
     if (edited.isEmpty() || (message && message->text == edited))
-        return startedRetry(userMessageId, m_view.retryMessage(userMessageId));
+        return retry(userMessageId);
     if (retryTarget() != userMessageId && !ComposerInputFile::isEmpty(m_inputs.current())) {
         m_messages.setError(userMessageId, ConversationTexts::inputBoxOccupied());
         return false;
@@ -312,6 +335,8 @@ bool ChatModel::sendRetry() {
         hold(ConversationTexts::nothingTyped());
         return false;
     }
+    if (waitsForSave(target))
+        return true;
     const auto *message = messageOf(target);
     const bool edited = !message || message->text != text;
     if (const auto why = m_view.retryMessage(target, edited ? std::optional(text) : std::nullopt)) {

@@ -167,6 +167,8 @@ private:
     void forgetOpening();
     ComposerInputs::Place place() const;
     const ConvMessageDTO *messageOf(const QString &id) const;
+    bool waitsForSave(const QString &messageId);
+    bool retry(const QString &messageId);
     bool sendRetry();
     bool startedRetry(const QString &row, const std::optional<QString> &refusal);
     void dropStaleRetry();
@@ -193,6 +195,7 @@ private:
     QString m_notice;
     QString m_linkNotice;
     QString m_heldReason;
+    QString m_retryWhenSaved;            ///< the message to try again as soon as the service has it
     QString m_retryRow;                  ///< whose retry is under way
     std::optional<QString> m_retryInput; ///< what it was sent with, when that is the input
 };

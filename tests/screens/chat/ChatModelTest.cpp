@@ -271,6 +271,21 @@ TEST_F(ChatModelTest, AnotherAnswerToAReply) {
     ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
     EXPECT_EQ(text(2), u"新"_s);
     EXPECT_EQ(chat->input(), u"等等"_s);
+
+    // Right after a turn, while its save is under way.
+    server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r3","text":"又新"})"));
+    turn(u"再来"_s);
+    QTcpSocket *saving = nullptr;
+    server.on(sync, [&](const auto &, QTcpSocket &socket) { saving = &socket; });
+    chat->setInput(u"还有"_s);
+    ASSERT_TRUE(chat->send());
+    ASSERT_TRUE(eventually([&] { return saving; }));
+    ASSERT_TRUE(chat->retryReply(text(-1, "messageId")));
+    EXPECT_TRUE(shown(-1, "retryBusy").toBool());
+    EXPECT_FALSE(chat->retrying());
+    server.on(sync, StubServer::reply(200, R"({"ok":true,"revision":4})"));
+    saving->write(StubServer::message(200, R"({"ok":true,"revision":3})"));
+    EXPECT_TRUE(eventually([this] { return text(-1) == u"又新"_s; }));
 }
 
 TEST_F(ChatModelTest, AFailedMessageIsTriedAgainEdited) {
