@@ -5,11 +5,10 @@ import Lumenpair.Kit
 Row {
     id: root
 
-    property string text
-    property real widest: 0
+    required property MessageItem row
+    readonly property real widest: Math.floor(root.row.width * (root.row.own ? 0.75 : 1))
 
     spacing: Theme.space4
-    visible: root.text !== ""
 
     LMPIcon {
         id: icon
@@ -25,7 +24,7 @@ Row {
         Accessible.ignored: true
         color: Theme.danger
         kind: LMPText.Caption
-        text: root.text
+        text: root.row.errorText
         width: Math.min(Math.ceil(implicitWidth), root.widest - icon.width - root.spacing)
     }
 }

@@ -4,75 +4,45 @@ import Lumenpair.Kit
 
 /// Under a reply: what it drew on, what it cost and when, and what can be done with it.
 ///
-/// What can be done is always there, so that nothing moves and a screen reader finds it; it is in sight when the pointer
-/// or the focus is on the message, and under the last one.
-Flow {
+/// Its height is known before its buttons are made, which happens when there is time: they are many, and nobody points
+/// at a message that has only just come into sight.
+Item {
     id: root
 
     required property MessageItem row
     required property bool attended
-    readonly property ChatModel chat: root.row.chat
-    readonly property bool ready: !root.row.streaming
-    readonly property real ink: root.ready && (root.attended || root.row.last || root.row.retryBusy) ? 1 : 0
+    readonly property bool headed: root.row.usedCount > 0 || root.row.stateLine() !== ""
+    readonly property bool stacked: root.headed && root.width < Theme.dp(690)
 
-    spacing: Theme.space4
+    implicitHeight: root.stacked ? 2 * Theme.target + Theme.space4 : Theme.target
 
-    LMPChip {
-        clickable: true
-        iconName: "memory"
-        text: root.row.usedText
-        visible: root.row.usedCount > 0
+    Row {
+        id: head
 
-        onClicked: root.chat.openUsed(root.row.messageId)
-    }
-    LMPText {
-        color: Theme.text3
         height: Theme.target
-        kind: LMPText.Caption
-        rightPadding: Theme.space4
-        text: root.row.stateLine()
-        verticalAlignment: Text.AlignVCenter
-        visible: text !== ""
-    }
-    LMPIconButton {
-        enabled: root.ready
-        iconName: "copy"
-        implicitHeight: Theme.target
-        opacity: root.ink
-        text: "复制回答"
+        spacing: Theme.space8
 
-        onClicked: root.chat.copyMessage(root.row.messageId)
+        LazyPart {
+            part: root.row.column.usedChip
+            subject: root.row
+            wanted: root.row.usedCount > 0
+        }
+        LMPText {
+            color: Theme.text3
+            height: Theme.target
+            kind: LMPText.Caption
+            text: root.row.stateLine()
+            verticalAlignment: Text.AlignVCenter
+            visible: text !== ""
+        }
     }
-    LMPIconButton {
-        checked: root.row.feedback === "positive"
-        enabled: root.ready
-        iconName: "thumb-up"
-        implicitHeight: Theme.target
-        opacity: root.ink
-        text: root.row.feedback === "positive" ? "说得好（已选）" : "说得好"
-
-        onClicked: root.chat.like(root.row.messageId)
-    }
-    LMPIconButton {
-        checked: root.row.feedback === "negative"
-        enabled: root.ready
-        iconName: "thumb-down"
-        implicitHeight: Theme.target
-        opacity: root.ink
-        text: root.row.feedback === "negative" ? "不太对（已选）" : "不太对，说说原因"
-
-        onClicked: root.chat.openReasons(root.row.messageId)
-    }
-    LMPButton {
-        busy: root.row.retryBusy
-        enabled: root.ready
-        iconName: "retry"
-        implicitHeight: Theme.target
-        kind: LMPButton.Quiet
-        opacity: root.ink
-        text: root.row.retryText
-        visible: root.row.retryOffered || root.row.retryBusy
-
-        onClicked: root.chat.retryReply(root.row.messageId)
+    LazyPart {
+        urgent: false
+        wanted: true
+        opacity: !root.row.streaming && (root.attended || root.row.last || root.row.retryBusy) ? 1 : 0
+        part: root.row.column.actions
+        subject: root.row
+        x: root.stacked || !root.headed ? 0 : head.width + Theme.space4
+        y: root.implicitHeight - Theme.target
     }
 }

@@ -21,11 +21,13 @@ T.Control {
     hoverEnabled: true
     implicitHeight: column.y + column.height
 
-    background: Item {
-        LMPFocusRing {
-            anchors.topMargin: column.y - Theme.space4
+    Loader {
+        active: root.visualFocus
+        anchors.fill: column
+
+        sourceComponent: LMPFocusRing {
             around: Theme.radiusRow
-            shown: root.visualFocus
+            shown: true
         }
     }
     Keys.onPressed: event => {

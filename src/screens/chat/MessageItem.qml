@@ -23,13 +23,20 @@ Item {
     required property string chargeText
     required property bool grouped
 
-    readonly property TranscriptColumn column: root.parent as TranscriptColumn
+    /// Kept once known: on the way out the parent goes first.
+    property TranscriptColumn column: root.parent as TranscriptColumn
     readonly property ChatModel chat: root.column ? root.column.chat : null
     readonly property bool own: root.role === "user"
     readonly property bool last: root.column !== null && root.index === root.column.count - 1
     readonly property bool focused: root.column !== null && root.column.focusedRow === root
     /// Whether any of it is in sight.
     property bool seen: false
+    /// How much of a long text of one's own is laid out; the rest comes on demand, since a megabyte takes longer than a
+    /// frame.
+    property int shownLength: 6000
+    readonly property int hiddenLength: root.own ? Math.max(0, root.text.length - root.shownLength) : 0
+
+    Component.onCompleted: root.column = root.parent as TranscriptColumn
 
     /// The line under the message: what became of it, what it cost, and when.
     function stateLine(): string {

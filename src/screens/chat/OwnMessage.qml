@@ -6,17 +6,14 @@ import Lumenpair.Kit
 MessageFrame {
     id: root
 
-    /// How much of a long text is laid out; the rest comes on demand, since a megabyte takes longer than a frame.
-    property int shownLength: 6000
-    readonly property int hiddenLength: Math.max(0, root.row.text.length - root.shownLength)
     readonly property real widest: Math.floor(root.width * 0.75)
 
     function shownText(): string {
-        if (root.hiddenLength === 0)
+        if (root.row.hiddenLength === 0)
             return root.row.text;
         // Never through the middle of a character of two units.
-        const code = root.row.text.charCodeAt(root.shownLength);
-        const cut = code >= 0xdc00 && code <= 0xdfff ? root.shownLength - 1 : root.shownLength;
+        const code = root.row.text.charCodeAt(root.row.shownLength);
+        const cut = code >= 0xdc00 && code <= 0xdfff ? root.row.shownLength - 1 : root.row.shownLength;
         return root.row.text.slice(0, cut) + "…";
     }
 
@@ -26,16 +23,15 @@ MessageFrame {
         height: bubble.height
         width: root.width
 
-        LMPIconButton {
+        LazyPart {
             anchors.right: bubble.left
             anchors.rightMargin: Theme.space4
             anchors.verticalCenter: bubble.verticalCenter
-            iconName: "copy"
-            implicitHeight: Theme.target
+            urgent: false
+            wanted: true
             opacity: root.attended ? 1 : 0
-            text: "复制这条消息"
-
-            onClicked: root.row.chat.copyMessage(root.row.messageId)
+            part: root.row.column.copy
+            subject: root.row
         }
         Rectangle {
             id: bubble
@@ -56,13 +52,11 @@ MessageFrame {
             }
         }
     }
-    LMPButton {
+    LazyPart {
         anchors.right: parent.right
-        kind: LMPButton.Link
-        text: "再显示一些（还有 " + root.hiddenLength + " 字）"
-        visible: root.hiddenLength > 0
-
-        onClicked: root.shownLength += 20000
+        part: root.row.column.more
+        subject: root.row
+        wanted: root.row.hiddenLength > 0
     }
     LMPText {
         Accessible.ignored: true
@@ -74,13 +68,16 @@ MessageFrame {
         visible: text !== ""
         width: root.widest
     }
-    MessageError {
+    LazyPart {
         anchors.right: parent.right
-        text: root.row.errorText
-        widest: root.widest
+        part: root.row.column.error
+        subject: root.row
+        wanted: root.row.errorText !== ""
     }
-    OwnMessageRetry {
+    LazyPart {
         anchors.right: parent.right
-        row: root.row
+        part: root.row.column.retry
+        subject: root.row
+        wanted: root.row.retryOffered || root.row.retryBusy
     }
 }

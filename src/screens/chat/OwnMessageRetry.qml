@@ -8,7 +8,6 @@ Row {
     required property MessageItem row
 
     spacing: Theme.space4
-    visible: root.row.retryOffered || root.row.retryBusy
 
     LMPButton {
         busy: root.row.retryBusy

@@ -65,7 +65,7 @@ FocusScope {
             scroll.moveBy(page);
             return true;
         case Qt.Key_Home:
-            scroll.moveBy(-flick.contentY);
+            scroll.moveBy(-Number.MAX_SAFE_INTEGER);
             return true;
         case Qt.Key_End:
             root.hold();
@@ -121,13 +121,20 @@ FocusScope {
             bottomPadding: Theme.dp(16)
             chat: root.chat
             count: rows.count
+            actions: MessageActions {}
+            copy: OwnMessageCopy {}
+            error: MessageError {}
+            more: OwnMessageMore {}
+            ownMessage: OwnMessage {}
+            retry: OwnMessageRetry {}
+            twinMessage: TwinMessage {}
+            usedChip: UsedChip {}
             focusedRow: root.focusedRow
             topPadding: Theme.dp(8)
             width: root.columnWidth
             x: Math.round((root.width - root.columnWidth) / 2)
 
             onEditRequested: messageId => root.editRequested(messageId)
-            onGrew: scroll.grewBelow()
             onMeasuredAbove: (row, by) => scroll.measuredAbove(row as TranscriptRow, by)
             onMoveAsked: by => scroll.moveBy(by)
             onStreamingChanged: row => root.noteGrowth(row as TranscriptRow)
@@ -163,6 +170,9 @@ FocusScope {
         }
     }
     Connections {
+        function onGrew() {
+            scroll.grewBelow();
+        }
         function onModelReset() {
             scroll.hold();
         }

@@ -10,8 +10,16 @@ Column {
     /// The row that has the focus somewhere within.
     property Item focusedRow: null
 
-    /// The reply in this row has become higher.
-    signal grew
+    /// What messages are made of, made once for all of them.
+    property Component ownMessage
+    property Component twinMessage
+    property Component actions
+    property Component usedChip
+    property Component error
+    property Component copy
+    property Component retry
+    property Component more
+
     /// The reply in this row begins or ends to grow.
     signal streamingChanged(row: Item)
     /// In this row, above what is in sight, something turned out to be so much higher than was thought.

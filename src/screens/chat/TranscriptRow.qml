@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Kit
 
 /// The place of one message. What is seen of it is made when the view comes near and given up far away.
@@ -7,8 +8,6 @@ MessageItem {
 
     /// Set by who scrolls: whether it is near enough to be made.
     property bool awake: false
-    readonly property bool made: root.awake || root.focused
-    readonly property Item content: loader.item as Item
     property real knownHeight: 0
     property real knownWidth: 0
 
@@ -24,7 +23,7 @@ MessageItem {
             root.column.streamingChanged(root);
     }
 
-    height: root.content ? Math.ceil(root.content.implicitHeight) : root.guess()
+    height: place.item ? Math.ceil(place.implicitHeight) : root.guess()
     width: root.column ? root.column.width : 0
 
     Component.onCompleted: {
@@ -32,28 +31,20 @@ MessageItem {
             root.tellStreaming();
     }
     onHeightChanged: {
-        if (root.content) {
+        if (place.item) {
             root.knownHeight = root.height;
             root.knownWidth = root.width;
         }
-        if (root.streaming)
-            root.column.grew();
-    }
-    onMadeChanged: {
-        // A loader keeps what it hands over for one time only.
-        if (root.made)
-            loader.setSource(root.own ? "OwnMessage.qml" : "TwinMessage.qml", {
-                row: root
-            });
-        else
-            loader.source = "";
     }
     onStreamingChanged: root.tellStreaming()
 
-    Loader {
-        id: loader
+    LazyPart {
+        id: place
 
-        asynchronous: !root.seen
+        part: root.column ? (root.own ? root.column.ownMessage : root.column.twinMessage) : null
+        subject: root
+        urgent: root.seen
+        wanted: root.awake || root.focused
         width: root.width
     }
 }

@@ -113,7 +113,7 @@ Item {
     function wake() {
         const top = root.view.contentY;
         const bottom = top + root.view.height;
-        const ahead = root.view.height * 0.75;
+        const ahead = root.view.height * 0.6;
         for (let i = 0; i < root.rows.count; ++i) {
             const row = root.rows.itemAt(i) as TranscriptRow;
             if (!row)
@@ -124,7 +124,7 @@ Item {
             row.seen = distance < 0;
             if (distance < ahead)
                 row.awake = true;
-            else if (distance > 3 * ahead)
+            else if (distance > 2 * ahead)
                 row.awake = false;
         }
         if (top < root.view.height)

@@ -1,11 +1,11 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Markdown
 
 /// What the twin said: the full column, and under it what it drew on, what became of it and what can be done with it.
 MessageFrame {
     id: root
 
-    // Its last line has room for what appears when somebody points at it.
     gap: root.row.grouped ? 8 : 20
 
     MarkdownView {
@@ -18,9 +18,10 @@ MessageFrame {
         onMeasuredAbove: by => root.row.column.measuredAbove(root.row, by)
         onMoveAsked: by => root.row.column.moveAsked(by)
     }
-    MessageError {
-        text: root.row.errorText
-        widest: root.width
+    LazyPart {
+        part: root.row.column.error
+        subject: root.row
+        wanted: root.row.errorText !== ""
     }
     MessageFoot {
         attended: root.attended
