@@ -188,7 +188,7 @@ def records(figures):
     figures.hold("records writing", f"{writing:.2f} x reading (at least 1.0)", writing >= 1.0)
 
 
-def window_chat(figures):
+def chat(figures):
     """The window's chat without the window: opening a conversation, and a piece of a long reply"""
     us = {name: one["real_time"] for name, one in benchmarks(figures, "bench_chat_model").items()}
     figures.note(", ".join(f"{name} {time:.1f} us" for name, time in us.items()))

@@ -138,9 +138,14 @@ def chat(figures, alternate, rounds):
     ms = opening["open_ms"]
     figures.hold("10,000 messages", f"{ms:.0f} ms from the data to the first paint (at most 150)", ms <= 150)
     figures.hold("10,000 messages, memory", f"{opening['open_mb']:.0f} MB more (at most 100)", opening["open_mb"] <= 100)
+    figures.note(f"of that {opening['open_cpu_ms']:.0f} ms of CPU until the first paint")
     figures.note(
-        f"scrolling: {scrolling['scroll_frames']:.0f} frames of a screen each, median {scrolling['scroll_p50_ms']:.1f} ms, "
+        f"scrolling: {scrolling['scroll_frames']:.0f} frames, median {scrolling['scroll_p50_ms']:.1f} ms, "
         f"p99 {scrolling['scroll_p99_ms']:.1f} ms, longest {scrolling['scroll_max_ms']:.1f} ms"
+    )
+    figures.note(
+        f"their CPU: median {scrolling['scroll_cpu_p50_ms']:.1f} ms, p99 {scrolling['scroll_cpu_p99_ms']:.1f} ms, "
+        f"longest {scrolling['scroll_cpu_max_ms']:.1f} ms, {scrolling['scroll_cpu_over']:.0f} over 33 ms"
     )
     over = scrolling["scroll_over"]
     figures.hold(

@@ -7,6 +7,8 @@ from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
 LONG = 10_000
 PARAGRAPH = "沿着堤岸往东走，先过一座桥，再走**两公里**，就能看见 `码头`。\n\n- 早上人少\n- 带上水\n\n"
+PIECES = ["沿着", "堤岸", "走，", "**慢**", "一点", "。"]
+PAUSE = 10  # seconds for what comes first to be laid out
 
 
 def conversation():
@@ -75,10 +77,10 @@ class Handler(BaseHTTPRequestHandler):
         self.close_connection = True
         try:
             self.delta(text)
-            time.sleep(1)
+            time.sleep(PAUSE)
             due = time.monotonic()
             for number in range(100_000):
-                self.delta(["沿着", "堤岸", "走，", "**慢**", "一点", "。" if number % 60 else "。\n\n"][number % 6])
+                self.delta("\n\n" if number % 60 == 59 else PIECES[number % len(PIECES)])
                 due += 0.01
                 time.sleep(max(0, due - time.monotonic()))
         except OSError:

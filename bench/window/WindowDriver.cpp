@@ -24,18 +24,25 @@ QQuickItem *findVisible(QQuickItem *below, const QString &type) {
     return nullptr;
 }
 
+std::chrono::nanoseconds read(clockid_t clock) {
+    timespec time = {};
+    ::clock_gettime(clock, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 } // namespace
 
 WindowDriver::WindowDriver(const QString &site, const QString &token)
     : m_program(
           [&] {
               qputenv("LMP_TOKEN", token.toUtf8());
-              return WindowOptions{.site = site, .profile = {}, .link = {}, .gallery = {}};
+              return WindowOptions{.site = site, .profile = {}, .link = {}};
           }(),
           SystemClock().monotonic()) {
     if (!m_program.start())
         throw std::runtime_error("no window");
-    QObject::connect(&window(), &QQuickWindow::frameSwapped, &window(), [this] { m_frames.push_back(Clock::now()); });
+    QObject::connect(&window(), &QQuickWindow::frameSwapped, &window(),
+                     [this] { m_frames.push_back({Clock::now(), threadTime()}); });
     window().requestActivate();
     until("the shell", [this] {
         if (auto *root = scene().rootView()) {
@@ -81,13 +88,15 @@ WindowDriver::Clock::time_point WindowDriver::untilQuiet() {
         seen = m_frames.size();
         rest(400ms);
     } while (m_frames.size() != seen);
-    return m_frames.empty() ? Clock::now() : m_frames.back();
+    return m_frames.empty() ? Clock::now() : m_frames.back().time;
 }
 
 std::chrono::duration<double> WindowDriver::processorTime() {
-    timespec time = {};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    return read(CLOCK_PROCESS_CPUTIME_ID);
+}
+
+std::chrono::nanoseconds WindowDriver::threadTime() {
+    return read(CLOCK_THREAD_CPUTIME_ID);
 }
 
 double WindowDriver::memory() {

@@ -34,19 +34,26 @@ public:
     /// Runs it until no frame has been drawn for a while. @return when the last one was done
     Clock::time_point untilQuiet();
 
-    /// When each frame since the last `forgetFrames` was done.
-    const std::vector<Clock::time_point> &frames() const { return m_frames; }
+    /// When a frame was done, and the CPU time of its thread by then.
+    struct Frame {
+        Clock::time_point time;
+        std::chrono::nanoseconds spent;
+    };
+    /// The frames since the last `forgetFrames`.
+    const std::vector<Frame> &frames() const { return m_frames; }
     void forgetFrames() { m_frames.clear(); }
 
     /// CPU time of this process so far, all threads.
     static std::chrono::duration<double> processorTime();
+    /// CPU time of the calling thread so far: what a frame costs, whatever else the machine does.
+    static std::chrono::nanoseconds threadTime();
     /// What this process alone holds, in MB.
     static double memory();
     static double milliseconds(Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
 
 private:
     WindowApplication m_program;
-    std::vector<Clock::time_point> m_frames;
+    std::vector<Frame> m_frames;
 };
 
 } // namespace lmp::bench
