@@ -1,0 +1,60 @@
+#pragma once
+
+#include "core/APIError.h"
+
+#include <QString>
+
+namespace lmp {
+
+/// The sentences of the memory ledger, each in one place for the window and the terminal.
+class MemoryTexts {
+public:
+    // The ledger.
+    static QString loadFailed();
+    static QString emptyTitle();
+    static QString emptyText();
+    static QString noMatchTitle();
+    static QString noMatchText();
+    static QString accountChanged();
+    static QString superseded(); ///< on the older memory
+    static QString supersedes(); ///< on the newer one
+    static QString forgetNote();
+    /// @param content wording of the older memory
+    static QString confirmedInPlaceOf(const QString &content);
+
+    // Correcting.
+    static QString noRevision();
+    static QString becomesFact();
+    static QString correctionSavedTitle();
+    static QString correctionSavedText();
+    /// @param current wording, or empty when it is not known
+    static QString correctionConflict(const QString &current);
+    static QString correctionUnknown();
+    static QString revisionNotConfirmed();
+
+    // Going back.
+    static QString reverted();
+    static QString revertedIsFact();
+    static QString nothingToRevert();
+    static QString revertConflict();
+    static QString revertUnknown();
+    static QString revertNotConfirmed();
+
+    // History.
+    static QString historyLoading();
+    static QString historyUnreadable(const QString &reason);
+
+    // Import.
+    static QString importReadsOnly();
+    static QString importChatFile();
+    static QString importFiller();
+    static QString importNothingTitle();
+    static QString importNothingText();
+    static QString importScanFailed();
+    static QString importSkippedNote();
+    static QString importNothingWritten();
+    static QString importFailedItems(qsizetype count);
+    static QString importSupersededItems(qsizetype count);
+};
+
+} // namespace lmp
