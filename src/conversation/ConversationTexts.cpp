@@ -104,6 +104,30 @@ QString ConversationTexts::draftNotWritten() {
     return u"草稿未能保存在本机。"_s;
 }
 
+QString ConversationTexts::inputWithoutScope() {
+    return u"这段输入还没有可归属的账号或对话，未保存在本机。"_s;
+}
+
+QString ConversationTexts::inputTooLarge() {
+    return u"这段输入太长，未能保存在本机。请先复制到别处，或分几次发送。"_s;
+}
+
+QString ConversationTexts::inputChangedElsewhere() {
+    return u"这段输入已在另一个窗口改动，没有覆盖。请先核对那边的内容。"_s;
+}
+
+QString ConversationTexts::inputUnreadable() {
+    return u"未发送输入暂时无法读取，请稍后刷新。"_s;
+}
+
+QString ConversationTexts::inputsKeptUnread() {
+    return u"有未发送输入暂时无法读取，原文件已保留。"_s;
+}
+
+QString ConversationTexts::inputNotWritten() {
+    return u"这段输入未能保存在本机，请不要关闭窗口。"_s;
+}
+
 QString ConversationTexts::retryOffer() {
     return u"换个思路再来一次 · 这次免费"_s;
 }

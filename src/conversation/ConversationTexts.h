@@ -38,6 +38,14 @@ public:
     static QString draftsUnreadable();
     static QString draftNotWritten();
 
+    // What stands in the input box.
+    static QString inputWithoutScope();
+    static QString inputTooLarge();
+    static QString inputChangedElsewhere();
+    static QString inputUnreadable();
+    static QString inputsKeptUnread();
+    static QString inputNotWritten();
+
     // Asking for another answer.
     static QString retryOffer();
     static QString retryNeedsSave();

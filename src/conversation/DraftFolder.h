@@ -1,0 +1,113 @@
+#pragma once
+
+#include "core/Json.h"
+#include "platform/ApplicationSupport.h"
+#include "platform/AtomicFile.h"
+#include "platform/FileLock.h"
+
+#include <cerrno>
+
+namespace lmp {
+
+/// A folder of JSON records, one file for each account and conversation, each stamped with the id of the write that
+/// made it, so that two windows or processes cannot overwrite each other unseen.
+///
+/// A value that holds the place and nothing else. Blocks on the disk; any thread. What cannot be read is never deleted
+/// and never overwritten: it is moved beside its place before anything new is written there.
+class DraftFolder {
+public:
+    enum class Failure {
+        unreadable,       ///< there is a file, and it is no record of ours
+        changedElsewhere, ///< the file is not the write that the caller knows
+        storage,          ///< the system refused: full, read-only, not allowed, locked for too long
+    };
+    template <class T>
+    using Outcome = std::expected<T, Failure>;
+    template <class Record>
+    struct Listing {
+        QList<Record> records;    ///< of the account
+        qsizetype unreadable = 0; ///< files of whatever account that could not be read
+    };
+
+    /// @param name of the folder, below the application's own
+    DraftFolder(ApplicationSupport support, QString name)
+        : m_support(std::move(support))
+        , m_name(std::move(name)) {}
+
+    /// The record, or none when there is no file.
+    template <class Record>
+    Outcome<std::optional<Record>> read(const QString &account, const QString &id) const {
+        const auto path = this->path(account, id);
+        return path ? readFile<Record>(*path) : std::unexpected(path.error());
+    }
+
+    /// Replaces the record with `bytes`, or removes it when there are none, under a lock that other processes see.
+    /// @param known the write id that the caller last read or wrote; a file of another write is left as it is. A file
+    /// that is gone is no such write: what replaces it loses nothing.
+    template <class Record>
+    Outcome<void> replace(const QString &account, const QString &id, const std::optional<QString> &known,
+                          const std::optional<QByteArray> &bytes) const {
+        const auto path = this->path(account, id);
+        if (!path)
+            return std::unexpected(path.error());
+        const auto lock = hold();
+        if (!lock)
+            return std::unexpected(lock.error());
+        const auto there = readFile<Record>(*path);
+        if (!there && (there.error() != Failure::unreadable || !bytes || !moveAside(*path)))
+            return std::unexpected(there.error());
+        if (there && *there && std::optional<QString>((*there)->writeId) != known)
+            return std::unexpected(Failure::changedElsewhere);
+        const auto done = bytes ? AtomicFile::write(*path, *bytes) : AtomicFile::remove(*path);
+        return done ? Outcome<void>() : std::unexpected(Failure::storage);
+    }
+
+    /// Every record of `account`. `idOf` tells the conversation of a record.
+    template <class Record, class IdOf>
+    Outcome<Listing<Record>> list(const QString &account, IdOf idOf) const {
+        const auto files = this->files();
+        if (!files)
+            return std::unexpected(files.error());
+        Listing<Record> listing{.records = {}, .unreadable = files->aside};
+        for (const QString &path : files->records) {
+            auto record = readFile<Record>(path);
+            if (!record)
+                ++listing.unreadable;
+            // The name is the only place that knows the account.
+            else if (*record && path.endsWith(u'/' + fileName(account, idOf(**record))))
+                listing.records.push_back(**std::move(record));
+        }
+        return listing;
+    }
+
+private:
+    struct Files {
+        QStringList records;
+        qsizetype aside = 0;
+    };
+
+    static QString fileName(const QString &account, const QString &id);
+    Outcome<QString> path(const QString &account, const QString &id) const;
+    Outcome<FileLock> hold() const;
+    Outcome<Files> files() const;
+    /// Moves what is no record out of the way under a name of its own, next to where it was.
+    static bool moveAside(const QString &path);
+
+    template <class Record>
+    static Outcome<std::optional<Record>> readFile(const QString &path) {
+        const auto bytes = AtomicFile::read(path);
+        if (!bytes && bytes.error().code == ENOENT)
+            return std::nullopt;
+        if (!bytes)
+            return std::unexpected(bytes.error().code == EFBIG ? Failure::unreadable : Failure::storage);
+        auto record = Json::decode<Record>(*bytes);
+        if (!record)
+            return std::unexpected(Failure::unreadable);
+        return *std::move(record);
+    }
+
+    ApplicationSupport m_support;
+    QString m_name;
+};
+
+} // namespace lmp

@@ -1,0 +1,49 @@
+#include "platform/FileLock.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
+#include <unistd.h>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+std::unexpected<AtomicFile::Error> failed(const QString &path, const QString &step, int code) {
+    return std::unexpected(AtomicFile::Error{path, step, code, QString::fromLocal8Bit(std::strerror(code))});
+}
+
+} // namespace
+
+std::expected<FileLock, AtomicFile::Error> FileLock::hold(const QString &path, std::chrono::milliseconds limit) {
+    int fd = -1;
+    do
+        fd = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    while (fd < 0 && errno == EINTR);
+    if (fd < 0)
+        return failed(path, u"open"_s, errno);
+    FileLock lock(fd);
+    // The system's own lock belongs to the open file, so two threads exclude each other as two processes do.
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            return failed(path, u"flock"_s, errno);
+        if (std::chrono::steady_clock::now() >= deadline)
+            return failed(path, u"flock"_s, EWOULDBLOCK);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return lock;
+}
+
+FileLock::~FileLock() {
+    if (m_fd >= 0)
+        ::close(m_fd);
+}
+
+} // namespace lmp

@@ -1,0 +1,141 @@
+#include "conversation/ConversationInputDraftStore.h"
+
+#include "support/ManualClock.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <thread>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using Store = ConversationInputDraftStore;
+using Error = Store::StoreError;
+
+class ConversationInputDraftStoreTest : public ::testing::Test {
+protected:
+    static Store::Entry entry(const QString &id, const QString &text) {
+        Store::Entry entry;
+        entry.id = id;
+        entry.cloudRevision = 3;
+        entry.input.text = text;
+        return entry;
+    }
+    Store::Outcome<std::optional<QString>> save(const Store::Entry &entry, const std::optional<QString> &known) {
+        clock.advance(std::chrono::seconds(1));
+        return store.save(user, entry, known, clock.now());
+    }
+    QStringList files() const {
+        return QDir(folder.filePath(u"UnsentInput/v1"_s)).entryList(QDir::Files); // the lock is a hidden one
+    }
+    void damage(const QByteArray &bytes) {
+        QFile file(folder.filePath(u"UnsentInput/v1/"_s + files().value(0)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    QTemporaryDir folder;
+    ManualClock clock;
+    Store store{ApplicationSupport::at(folder.path())};
+    const QString user = u"u1"_s;
+};
+
+TEST_F(ConversationInputDraftStoreTest, KeepsReplacesAndForgets) {
+    EXPECT_EQ(save(entry(u"c"_s, {}), {}).value(), std::nullopt) << "nothing to keep, nothing there";
+    EXPECT_EQ(files(), QStringList());
+    auto full = entry(u"c"_s, u"半句"_s);
+    full.input.parts.resize(2);
+    full.input.selection.emplace().workId = u"w"_s;
+    full.input.retryMessageId = u"m"_s;
+    const auto first = save(full, {});
+    ASSERT_TRUE(first && *first);
+    const auto read = store.read(user, u"c"_s);
+    ASSERT_TRUE(read && *read);
+    EXPECT_EQ((*read)->input, full.input);
+    EXPECT_EQ((*read)->writeId, *first);
+    EXPECT_EQ(store.read(u"u2"_s, u"c"_s).value(), std::nullopt) << "another account's";
+
+    const auto second = save(entry(u"c"_s, u"一句"_s), *first);
+    ASSERT_TRUE(second);
+    ASSERT_TRUE(save(entry(u"d"_s, u"另一段"_s), {}));
+    const auto listing = store.list(user);
+    ASSERT_TRUE(listing);
+    ASSERT_EQ(listing->entries.size(), 2);
+    EXPECT_EQ(listing->entries[0].id, u"d"_s) << "newest first";
+    EXPECT_EQ(store.list(u"u2"_s)->entries.size(), 0);
+
+    EXPECT_EQ(save(entry(u"c"_s, {}), *second).value(), std::nullopt);
+    EXPECT_EQ(files().size(), 1);
+}
+
+TEST_F(ConversationInputDraftStoreTest, OneWindowNeverOverwritesAnother) {
+    const auto mine = save(entry(u"c"_s, u"我"_s), {});
+    const auto theirs = save(entry(u"c"_s, u"他"_s), *mine);
+    ASSERT_TRUE(theirs);
+    for (const auto &known : {std::optional<QString>(), *mine}) {
+        for (const QString &text : {u"我又写"_s, u""_s})
+            EXPECT_EQ(save(entry(u"c"_s, text), known), std::unexpected(Error::changedElsewhere));
+    }
+    EXPECT_EQ((*store.read(user, u"c"_s))->input.text, u"他"_s);
+    // What the other window has sent is gone; what was typed here since is not.
+    ASSERT_TRUE(save(entry(u"c"_s, {}), *theirs));
+    EXPECT_TRUE(save(entry(u"c"_s, u"我又写"_s), *mine));
+}
+
+TEST_F(ConversationInputDraftStoreTest, RefusesWhatCannotBeKept) {
+    EXPECT_EQ(save(entry({}, u"x"_s), {}), std::unexpected(Error::invalidEntry));
+    EXPECT_EQ(store.save({}, entry(u"c"_s, u"x"_s), {}, clock.now()), std::unexpected(Error::invalidScope));
+    EXPECT_EQ(store.read(user, {}), std::unexpected(Error::invalidScope));
+    EXPECT_EQ(files(), QStringList());
+    ASSERT_TRUE(save(entry(u"s"_s, u"x"_s), {}));
+    const qsizetype around = QFile(folder.filePath(u"UnsentInput/v1/"_s + files().value(0))).size() - 1;
+    EXPECT_EQ(save(entry(u"l"_s, QString(Store::maxBytes - around + 1, u'x')), {}), std::unexpected(Error::tooLarge));
+    EXPECT_TRUE(save(entry(u"l"_s, QString(Store::maxBytes - around, u'x')), {}));
+}
+
+TEST_F(ConversationInputDraftStoreTest, WhatCannotBeReadStays) {
+    ASSERT_TRUE(save(entry(u"c"_s, u"x"_s), {}));
+    for (const QByteArray &bytes : {QByteArray(), QByteArray("{\"id\":"), QByteArray(R"({"id":"c","input":7})")}) {
+        damage(bytes);
+        EXPECT_EQ(store.read(user, u"c"_s), std::unexpected(Error::unreadable));
+        EXPECT_EQ(save(entry(u"c"_s, {}), {}), std::unexpected(Error::unreadable)) << "nothing to write, nothing moved";
+        EXPECT_EQ(store.list(user)->unreadable, 1);
+        EXPECT_EQ(files().size(), 1);
+    }
+    const auto saved = save(entry(u"c"_s, u"新"_s), {});
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(files().size(), 2) << "the old one lies beside";
+    EXPECT_EQ(store.list(user)->unreadable, 1);
+    EXPECT_EQ((*store.read(user, u"c"_s))->input.text, u"新"_s);
+}
+
+TEST_F(ConversationInputDraftStoreTest, ManyWritersLoseNothing) {
+    // Each adds its letter to what it last saw; a save that landed is seen by everyone after it.
+    constexpr int writers = 4, saves = 25;
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < writers; ++writer)
+        threads.emplace_back([this, writer] {
+            for (int done = 0; done < saves;) {
+                const auto now = store.read(user, u"c"_s);
+                if (!now)
+                    continue;
+                auto next = *now ? **now : entry(u"c"_s, {});
+                const auto known = next.writeId;
+                next.input.text += QChar(u'a' + writer);
+                const auto saved = store.save(user, next, known, clock.now());
+                done += saved ? 1 : 0;
+                EXPECT_TRUE(saved || saved.error() == Error::changedElsewhere);
+            }
+        });
+    for (auto &thread : threads)
+        thread.join();
+    const QString text = (*store.read(user, u"c"_s))->input.text;
+    for (int writer = 0; writer < writers; ++writer)
+        EXPECT_EQ(text.count(QChar(u'a' + writer)), saves);
+}
+
+} // namespace lmp
