@@ -13,7 +13,7 @@ namespace lmp::sandbox {
 namespace {
 
 constexpr int busyMilliseconds = 5000;
-constexpr int schemaVersion = 1;
+constexpr int schemaVersion = 2;
 
 constexpr const char *schema = R"sql(
 CREATE TABLE IF NOT EXISTS secrets(name TEXT PRIMARY KEY, value TEXT NOT NULL);
@@ -43,6 +43,29 @@ CREATE TABLE IF NOT EXISTS feedback(
 CREATE TABLE IF NOT EXISTS telemetry(
     id INTEGER PRIMARY KEY, event_id TEXT NOT NULL UNIQUE, event TEXT NOT NULL, context TEXT NOT NULL,
     consent TEXT NOT NULL, sent_at TEXT NOT NULL, received_at INTEGER NOT NULL);
+)sql";
+
+/// From version 1, whose memories were a plain list.
+constexpr const char *memoryLedger = R"sql(
+ALTER TABLE memories ADD COLUMN uid TEXT;
+ALTER TABLE memories ADD COLUMN kind TEXT NOT NULL DEFAULT '关于你';
+ALTER TABLE memories ADD COLUMN source TEXT NOT NULL DEFAULT '聊天里说过';
+ALTER TABLE memories ADD COLUMN confidence TEXT NOT NULL DEFAULT '中';
+ALTER TABLE memories ADD COLUMN scope TEXT NOT NULL DEFAULT '全部';
+ALTER TABLE memories ADD COLUMN state TEXT NOT NULL DEFAULT 'active';
+ALTER TABLE memories ADD COLUMN frozen INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE memories ADD COLUMN supersedes TEXT;
+ALTER TABLE memories ADD COLUMN touched_at INTEGER;
+ALTER TABLE memories ADD COLUMN revision INTEGER NOT NULL DEFAULT 1;
+UPDATE memories SET uid = 'mem_' || lower(hex(randomblob(6)));
+CREATE UNIQUE INDEX memories_by_uid ON memories(user_id, uid);
+CREATE TABLE memory_history(
+    id INTEGER PRIMARY KEY, user_id TEXT NOT NULL, memory_id TEXT NOT NULL, uid TEXT NOT NULL, previous TEXT NOT NULL,
+    next TEXT NOT NULL, source TEXT NOT NULL, at INTEGER NOT NULL);
+CREATE TABLE memory_candidates(
+    id INTEGER PRIMARY KEY, user_id TEXT NOT NULL, uid TEXT NOT NULL UNIQUE, slot TEXT NOT NULL, content TEXT NOT NULL,
+    truth TEXT NOT NULL, why TEXT NOT NULL, scope TEXT NOT NULL, UNIQUE(user_id, content));
+CREATE TABLE chapters(id INTEGER PRIMARY KEY, user_id TEXT NOT NULL, uid TEXT NOT NULL UNIQUE, body TEXT NOT NULL);
 )sql";
 
 /// SQLite gives its companion files the mode of the database, so making that one private is enough.
@@ -88,6 +111,8 @@ void SandboxDatabase::prepare() {
         if (version > schemaVersion)
             throw std::runtime_error("the state file is of a newer sandbox");
         database.exec(schema);
+        if (version < 2)
+            database.exec(memoryLedger);
         database.exec("PRAGMA user_version=" + std::to_string(schemaVersion));
     });
 }

@@ -29,6 +29,7 @@ private:
 void addAuthRoutes(SandboxRouter &router, SandboxServices &services);
 void addConversationRoutes(SandboxRouter &router, SandboxServices &services);
 void addRelayRoutes(SandboxRouter &router, SandboxServices &services);
+void addMemoryRoutes(SandboxRouter &router, SandboxServices &services);
 void addCareRoutes(SandboxRouter &router, SandboxServices &services);
 void addControlRoutes(SandboxRouter &router, SandboxServices &services);
 

@@ -42,6 +42,7 @@ public:
         addAuthRoutes(m_router, services);
         addConversationRoutes(m_router, services);
         addRelayRoutes(m_router, services);
+        addMemoryRoutes(m_router, services);
         addCareRoutes(m_router, services);
         addControlRoutes(m_router, services);
         configure();

@@ -5,6 +5,7 @@
 #include "FaultTable.h"
 #include "GoogleProvider.h"
 #include "GuestTrials.h"
+#include "MemoryLedger.h"
 #include "PipLedger.h"
 #include "SandboxAccounts.h"
 #include "SandboxConversations.h"
@@ -31,6 +32,7 @@ struct SandboxServices {
         , guests(database, options)
         , conversations(database)
         , memories(database, options)
+        , memoryLedger(database, options)
         , ledger(database, options)
         , usage(database, options)
         , telemetry(database, options)
@@ -48,6 +50,7 @@ struct SandboxServices {
     GuestTrials guests;
     SandboxConversations conversations;
     TwinMemories memories;
+    MemoryLedger memoryLedger;
     PipLedger ledger;
     UsageWatch usage;
     TelemetryLog telemetry;

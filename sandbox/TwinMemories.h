@@ -12,9 +12,10 @@ class TwinMemories {
 public:
     TwinMemories(SandboxDatabase &database, const SandboxOptions &options);
 
-    /// Oldest first.
+    /// What the twin may use, oldest first.
     std::vector<TwinMemory> of(const std::string &userId);
-    /// A memory with a slot takes the place of the one that held it; a known content changes nothing.
+    /// A memory with a slot takes the place of the one that held it; a known content changes nothing, and one that was
+    /// forgotten stays forgotten.
     void remember(const std::string &userId, const std::vector<TwinMemory> &memories);
 
 private:
