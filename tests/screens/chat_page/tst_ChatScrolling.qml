@@ -67,10 +67,9 @@ Item {
                         finger.press(1, test.transcript, 400, 100).commit();
                         for (let y = 120; y <= 240; y += 20)
                             finger.move(1, test.transcript, 400, y).commit();
-                        // It comes to rest first: how far a flick goes depends on how busy the machine is.
-                        for (let still = 0; still < 10; ++still)
-                            finger.move(1, test.transcript, 400, 240 - still % 2).commit();
                         finger.release(1, test.transcript, 400, 240).commit();
+                        // How far it would glide depends on how busy the machine is.
+                        test.all(test.transcript, item => item instanceof Flickable).forEach(one => one.cancelFlick());
                     }
                 }
             ];
