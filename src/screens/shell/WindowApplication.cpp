@@ -21,17 +21,17 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using State = MacQuitCoordinator::State;
 
-WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanoseconds processStart)
+WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanoseconds processStartAt)
     : m_options(std::move(options))
-    , m_processStart(processStart)
+    , m_processStartAt(processStartAt)
     , m_settings(makeUserDefaults(ApplicationSupport(m_options.profile)))
     , m_appearance(*m_settings)
-    , m_application(WindowApplication::options(m_options, processStart))
+    , m_application(WindowApplication::options(m_options, processStartAt))
     , m_quitting([this] { return m_application.localInput().saveAll(); }, m_application.clock())
-    , m_lifecycle(m_quitting) {
+    , m_macLifecycle(m_quitting) {
     QmlModules::provide(m_engine);
     qGuiApp->installEventFilter(this);
-    connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_lifecycle, &MacAppLifecycle::endSession);
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::endSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
     connect(&m_quitting, &MacQuitCoordinator::raiseRequested, this, [this] { raise(); });
     connect(&m_quitting, &MacQuitCoordinator::terminationAllowed, this, [this] { detach(leave(), "leaving"); });
@@ -44,13 +44,13 @@ WindowApplication::~WindowApplication() {
     m_windows.clear();
 }
 
-Application::Options WindowApplication::options(const WindowOptions &options, std::chrono::nanoseconds processStart) {
+Application::Options WindowApplication::options(const WindowOptions &options, std::chrono::nanoseconds processStartAt) {
     const QString token = qEnvironmentVariable("LMP_TOKEN");
     return {.site = options.site,
             .profile = options.profile,
             .token = token.isEmpty() ? std::nullopt : std::optional(token),
             .viewport = u"window"_s,
-            .processStart = processStart};
+            .processStartAt = processStartAt};
 }
 
 bool WindowApplication::start() {
@@ -96,13 +96,13 @@ void WindowApplication::join(WindowScene *scene) {
     });
     connect(scene, &WindowScene::closeRequested, this, [this, scene] { onCloseRequested(scene); });
     connect(scene, &WindowScene::readyToClose, this, [this, scene] { close(scene); }, Qt::QueuedConnection);
-    connect(scene->commands(), &WindowCommands::triggered, this, [this, scene](WindowCommands::Command command) {
-        if (command == WindowCommands::Command::NewWindow)
+    connect(scene->commands(), &AppCommands::triggered, this, [this, scene](AppCommands::Command command) {
+        if (command == AppCommands::Command::NewWindow)
             openWindow();
-        else if (command == WindowCommands::Command::CloseWindow)
+        else if (command == AppCommands::Command::CloseWindow)
             onCloseRequested(scene);
-        else if (command == WindowCommands::Command::Quit)
-            m_lifecycle.quit();
+        else if (command == AppCommands::Command::Quit)
+            m_macLifecycle.quit();
     });
     if (m_shared)
         scene->adopt(*m_shared);
@@ -111,7 +111,7 @@ void WindowApplication::join(WindowScene *scene) {
 void WindowApplication::onFirstFrame() {
     if (m_opening || m_shared)
         return;
-    const auto taken = SystemClock().monotonic() - m_processStart;
+    const auto taken = SystemClock().monotonic() - m_processStartAt;
     qCDebug(logApplication) << "first frame after"
                             << std::chrono::duration_cast<std::chrono::milliseconds>(taken).count() << "ms";
     detach(open(), "opening the service");
@@ -144,7 +144,7 @@ QCoro::Task<> WindowApplication::open() {
 void WindowApplication::onCloseRequested(WindowScene *scene) {
     if (m_windows.size() > 1)
         scene->saveAndClose();
-    else if (m_lifecycle.mayCloseLastWindow())
+    else if (m_macLifecycle.mayCloseLastWindow())
         close(scene);
 }
 

@@ -23,7 +23,7 @@ struct SharedModels;
 class WindowApplication : public QObject {
     Q_OBJECT
 public:
-    WindowApplication(WindowOptions options, std::chrono::nanoseconds processStart);
+    WindowApplication(WindowOptions options, std::chrono::nanoseconds processStartAt);
     ~WindowApplication() override;
 
     /// Shows the first window, and the link that the program was started with.
@@ -63,15 +63,15 @@ private:
     void raise(const QString &activationToken = {});
     const Shown *front() const;
     void openLink(const QString &link);
-    static Application::Options options(const WindowOptions &options, std::chrono::nanoseconds processStart);
+    static Application::Options options(const WindowOptions &options, std::chrono::nanoseconds processStartAt);
 
     WindowOptions m_options;
-    std::chrono::nanoseconds m_processStart;
+    std::chrono::nanoseconds m_processStartAt;
     std::unique_ptr<Settings> m_settings;
     AppearanceModel m_appearance;
     Application m_application;
     MacQuitCoordinator m_quitting;
-    MacAppLifecycle m_lifecycle;
+    MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
     QQmlEngine m_engine;
