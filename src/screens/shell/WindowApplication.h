@@ -74,6 +74,7 @@ private:
     MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
+    QString m_openError; ///< why the service was not found; for windows that open after that
     QQmlEngine m_engine;
     std::unique_ptr<QQmlComponent> m_windowType;
     std::vector<Shown> m_windows;

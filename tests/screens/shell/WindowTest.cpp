@@ -34,8 +34,8 @@ protected:
 
 TEST_F(WindowTest, FromTheFirstStartToTheFirstReply) {
     WindowDriver window(options());
-    // Something is there to be read before the service is even looked for.
-    EXPECT_EQ(window.scene().stage(), Stage::Opening);
+    // Something is there to be read before it is known who is there.
+    EXPECT_EQ(window.scene().stage(), Stage::Launch);
     EXPECT_TRUE(window.shows(u"正在启动…"_s));
     ASSERT_TRUE(window.reaches(Stage::SignedOut));
 
