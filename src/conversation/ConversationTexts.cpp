@@ -92,6 +92,11 @@ QString ConversationTexts::anotherConversation() {
     return u"读到的不是这段对话，没有打开。"_s;
 }
 
+QString ConversationTexts::recentUnreadable(const QString &reason) {
+    const QString text = u"近期项目读取失败，请刷新重试。"_s;
+    return reason.isEmpty() ? text : text + u'（' + reason + u'）';
+}
+
 QString ConversationTexts::draftWithoutAccount() {
     return u"没有登录账号，草稿未保存在本机。"_s;
 }

@@ -35,6 +35,8 @@ public:
     static QString copyMark();
     static QString switchedAway();
     static QString anotherConversation();
+    /// @param reason why the list of conversations could not be had
+    static QString recentUnreadable(const QString &reason);
     static QString draftWithoutAccount();
     static QString draftWithoutConversation();
     static QString draftsUnreadable();
