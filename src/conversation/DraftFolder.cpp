@@ -35,7 +35,6 @@ DraftFolder::Failure DraftFolder::failureOf(const AtomicFile::Error &error) {
     case EFBIG:
     case ELOOP: // a symbolic link
     case EPERM: // somebody else's
-    case EACCES:
     case EISDIR:
     case EINVAL: // a pipe, a device
         return Failure::unreadable;
