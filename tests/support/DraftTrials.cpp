@@ -129,9 +129,15 @@ DraftTrials::Kills DraftTrials::kill(const QString &folder, int kills) {
     const mode_t mask = ::umask(0);
     const pid_t watcher = forked([&] { watch(files, *looks.operator->()); });
     std::mt19937 random(1);
-    std::uniform_int_distribution<unsigned> delay(0, 4000);
     Kills result;
     std::optional<QString> known;
+    // Long enough for about one save on this disk.
+    const auto started = std::chrono::steady_clock::now();
+    for (int save = 0; save < 5; ++save)
+        known = store.save(account, entryOf(textOf(0)), known, QDateTime()).value_or(known);
+    const std::chrono::microseconds took =
+        std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - started) / 5;
+    std::uniform_int_distribution<unsigned> delay(0, 500 + 2 * unsigned(took.count()));
     for (; result.kills < kills; ++result.kills) {
         const pid_t child = forked([&] { saveForEver(store, known, *progress.operator->()); });
         ::usleep(delay(random));
