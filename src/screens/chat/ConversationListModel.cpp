@@ -4,6 +4,7 @@
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
 #include "core/PoolAwaiter.h"
+#include "screens/chat/ChatDateRefresh.h"
 #include "screens/chat/ChatDateText.h"
 #include "screens/chat/ChatModel.h"
 
@@ -25,6 +26,7 @@ ConversationListModel::ConversationListModel(ChatServices services, QObject *par
     , m_services(std::move(services))
     , m_owner(owner()) {
     m_files.setMaxThreadCount(1);
+    new ChatDateRefresh(*this, TimeTextRole, *m_services.clock);
 }
 
 ConversationListModel::~ConversationListModel() = default;
