@@ -111,7 +111,7 @@ FocusScope {
 
                 attachmentsArea: Column {
                     spacing: Theme.space4
-                    width: parent.width
+                    width: composer.width - 2 * Theme.space8
 
                     InputNotice {
                         chat: root.chat

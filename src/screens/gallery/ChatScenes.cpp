@@ -191,7 +191,7 @@ QList<GalleryScene> ChatScenes::drafts() {
         stage.then([&stage] {
             auto &application = stage.program().application();
             const QString user = Fixtures::person().id;
-            auto entry = application.inputs().read(user, chat(stage).conversationId())->value_or({});
+            auto entry = application.inputs().read(user, chat(stage).conversationId())->value();
             entry.input.text =
                 u"另一个窗口写的：不如周日下午，先看看天气。\n如果下雨就改成去图书馆，记得问一下几点关门。"_s;
             (void)application.inputs().save(user, entry, entry.writeId, application.clock().now());
