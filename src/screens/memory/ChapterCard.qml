@@ -14,7 +14,6 @@ MemoryCard {
     required property list<string> evidence
     required property bool pending
     required property bool busy
-    readonly property ChapterList chapters: ListView.view as ChapterList
 
     accessibleName: root.heading + (root.pending ? "，等你决定" : "")
 
@@ -67,7 +66,7 @@ MemoryCard {
             enabled: !root.busy
             focusPolicy: root.buttonPolicy
             text: "不要这一章"
-            onClicked: root.chapters.ledger.resolveChapter(root.chapterId, false)
+            onClicked: root.list.ledger.resolveChapter(root.chapterId, false)
         }
 
         LMPButton {
@@ -75,7 +74,7 @@ MemoryCard {
             focusPolicy: root.buttonPolicy
             kind: LMPButton.Primary
             text: "收下"
-            onClicked: root.chapters.ledger.resolveChapter(root.chapterId, true)
+            onClicked: root.list.ledger.resolveChapter(root.chapterId, true)
         }
     }
 }

@@ -10,7 +10,6 @@ MemoryCard {
     required property string why
     required property string scope
     required property bool busy
-    readonly property MemoryCandidateList candidates: ListView.view as MemoryCandidateList
 
     accessibleName: root.content + "，" + root.why
 
@@ -21,7 +20,7 @@ MemoryCard {
         scope: root.scope
         why: root.why
         width: parent.width
-        onConfirmed: root.candidates.ledger.confirm(root.candidateId)
-        onDismissed: root.candidates.ledger.dismiss(root.candidateId)
+        onConfirmed: root.list.ledger.confirm(root.candidateId)
+        onDismissed: root.list.ledger.dismiss(root.candidateId)
     }
 }

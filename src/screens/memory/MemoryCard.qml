@@ -6,7 +6,7 @@ import Lumenpair.Memory
 FocusScope {
     id: root
 
-    default property alias content: card.content
+    default property alias body: column.data
     property string accessibleName
     readonly property MemoryCardList list: ListView.view as MemoryCardList
     readonly property bool current: ListView.isCurrentItem
@@ -30,6 +30,13 @@ FocusScope {
         Accessible.ignored: true
         width: root.list ? root.list.width - 2 * root.list.cardMargin : 0
         x: root.list ? root.list.cardMargin : 0
+
+        Column {
+            id: column
+
+            spacing: Theme.space8
+            width: parent.width
+        }
     }
 
     LMPFocusRing {

@@ -1,11 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
 import Lumenpair.Kit
+import Lumenpair.Memory
 
 /// Cards below each other: one stop for the Tab key, the arrows go from card to card, and Tab goes on into the card.
 ListView {
     id: root
 
+    required property MemoryLedgerModel ledger
     /// How wide a card is at most; the list itself reaches to the window's edge.
     property real cardWidth: Theme.dp(760)
     readonly property real cardMargin: Math.max(Theme.space20, Math.round((root.width - root.cardWidth) / 2))

@@ -2,17 +2,14 @@ import QtQuick
 import Lumenpair.Kit
 import Lumenpair.Memory
 
-/// The memories that match.
+/// The memories that match. Their cards are given from outside, since they know this list.
 MemoryCardList {
     id: root
-
-    required property MemoryLedgerModel ledger
 
     /// Something else than correcting is to be done with one.
     signal menuRequested(memoryId: string, frozen: bool, from: Item)
 
     Accessible.name: "记忆"
-    delegate: MemoryItemCard {}
     model: root.ledger.items
 
     footer: Item {

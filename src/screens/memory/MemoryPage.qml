@@ -16,6 +16,10 @@ FocusScope {
         head.focusFind();
     }
 
+    function beginImport(): void {
+        importing.begin();
+    }
+
     function current(): MemoryCardList {
         switch (root.ledger.filter) {
         case MemoryLedgerModel.Waiting:
@@ -74,7 +78,7 @@ FocusScope {
             LMPIconButton {
                 iconName: "plus"
                 text: "从文本导入"
-                onClicked: importing.begin()
+                onClicked: root.beginImport()
             }
         }
 
@@ -104,23 +108,30 @@ FocusScope {
                 id: items
 
                 anchors.fill: parent
+                delegate: MemoryItemCard {}
                 ledger: root.ledger
                 visible: !root.empty && root.current() === items
                 onMenuRequested: (memoryId, frozen, from) => menu.show(memoryId, frozen, from)
             }
 
-            MemoryCandidateList {
+            MemoryCardList {
                 id: candidates
 
+                Accessible.name: "等你确认"
                 anchors.fill: parent
+                delegate: MemoryCandidateCard {}
+                model: root.ledger.candidates
                 ledger: root.ledger
                 visible: !root.empty && root.current() === candidates
             }
 
-            ChapterList {
+            MemoryCardList {
                 id: chapters
 
+                Accessible.name: "章节"
                 anchors.fill: parent
+                delegate: ChapterCard {}
+                model: root.ledger.chapters
                 ledger: root.ledger
                 visible: !root.empty && root.current() === chapters
             }
@@ -130,7 +141,7 @@ FocusScope {
                 ledger: root.ledger
                 visible: root.empty
                 y: Math.max(Theme.space24, Math.round((parent.height - height) * 0.35))
-                onImportWanted: importing.begin()
+                onImportWanted: root.beginImport()
             }
         }
 
