@@ -127,7 +127,9 @@ QString MemoryTexts::historyLoading() {
 }
 
 QString MemoryTexts::historyUnreadable(const QString &reason) {
-    return u"没读到版本历史："_s + reason + u"。这不代表「这条没改过」。"_s;
+    // What the service says may be a whole sentence.
+    const QString said = reason.endsWith(u'。') ? reason.chopped(1) : reason;
+    return u"没读到版本历史："_s + said + u"。这不代表「这条没改过」。"_s;
 }
 
 QString MemoryTexts::importReadsOnly() {

@@ -337,8 +337,44 @@ QList<GalleryScene> MemoryScenes::imports() {
     };
 }
 
+QList<GalleryScene> MemoryScenes::extraction() {
+    /// A conversation whose memories are asked for, from the sheet on.
+    const auto of = [](std::function<void(GalleryService &)> serve, bool start, Scene more = {}) {
+        return Scene([serve = std::move(serve), start, more = std::move(more)](GalleryStage &stage) {
+            Fixtures::toChat(stage, Fixtures::conversation({Fixtures::question(u"q"_s, u"我下个月要搬家了。"_s),
+                                                            Fixtures::answer(u"a"_s, u"搬到哪里？"_s, u"q"_s)}));
+            serve(stage.service());
+            stage.then([&stage, start] {
+                if (start)
+                    return stage.scene().chat()->extraction()->extract();
+                if (auto *page = stage.visibleItem(u"ChatPage"_s))
+                    QMetaObject::invokeMethod(page, "beginExtraction");
+            });
+            if (more)
+                more(stage);
+        });
+    };
+    const auto found = [](GalleryStage &stage) {
+        stage.until(u"the candidates"_s, [&stage] { return stage.scene().chat()->extraction()->isOpen(); });
+    };
+    const auto answered = [found](GalleryStage &stage) {
+        found(stage);
+        stage.then([&stage] { stage.scene().chat()->extraction()->confirm(u"c1"_s); });
+        stage.until(u"the report"_s, [&stage] { return !stage.scene().chat()->extraction()->report().isEmpty(); });
+    };
+    const auto confirm = [](GalleryService &service) {
+        serveFound(service);
+        MemoryService::ConfirmResp answer;
+        answer.supersededContent = u"住在江北"_s;
+        service.reply(u"/api/app/memory/candidate/confirm"_s, answer);
+    };
+    return {{u"extraction"_s, of([](GalleryService &) {}, false)},
+            {u"extraction-found"_s, of(serveFound, true, found)},
+            {u"extraction-confirmed"_s, of(confirm, true, answered)}};
+}
+
 QList<GalleryScene> MemoryScenes::all() {
-    return ledger() + sheets() + imports();
+    return ledger() + sheets() + imports() + extraction();
 }
 
 } // namespace lmp

@@ -15,6 +15,7 @@ private:
     static QList<GalleryScene> ledger();
     static QList<GalleryScene> sheets();
     static QList<GalleryScene> imports();
+    static QList<GalleryScene> extraction();
 };
 
 } // namespace lmp

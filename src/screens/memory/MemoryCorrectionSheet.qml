@@ -86,8 +86,10 @@ LMPSheet {
 
         LMPText {
             color: Theme.text2
+            height: Math.max(Theme.control, implicitHeight)
             kind: LMPText.Caption
             text: "没保存的改动留在本机，关掉再打开还在。"
+            verticalAlignment: Text.AlignVCenter
         }
 
         LMPButton {

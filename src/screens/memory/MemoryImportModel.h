@@ -44,7 +44,7 @@ class MemoryImportModel : public QObject {
 public:
     enum class Source { ChatFile, Manual };
     Q_ENUM(Source)
-    enum class Step { Source, Review, Confirm, Done };
+    enum class Step { Text, Review, Confirm, Done };
     Q_ENUM(Step)
     /// A file beyond this is no text that somebody would bring along.
     static constexpr qint64 maxFileBytes = 20'000'000;

@@ -14,13 +14,13 @@ LMPSheet {
     function begin(): void {
         root.importer.open();
         root.open();
-        if (root.step === MemoryImportModel.Source)
+        if (root.step === MemoryImportModel.Text)
             source.focusText();
     }
 
     function act(): void {
         switch (root.step) {
-        case MemoryImportModel.Source:
+        case MemoryImportModel.Text:
             root.importer.scan();
             break;
         case MemoryImportModel.Review:
@@ -39,7 +39,7 @@ LMPSheet {
 
     function ready(): bool {
         switch (root.step) {
-        case MemoryImportModel.Source:
+        case MemoryImportModel.Text:
             return root.importer.pieces > 0;
         case MemoryImportModel.Review:
             return root.nothing || root.importer.picked > 0;
@@ -63,7 +63,7 @@ LMPSheet {
         id: source
 
         importer: root.importer
-        visible: root.step === MemoryImportModel.Source
+        visible: root.step === MemoryImportModel.Text
         width: parent.width
     }
 
@@ -131,13 +131,15 @@ LMPSheet {
 
     Flow {
         spacing: Theme.space8
-        visible: root.step !== MemoryImportModel.Done && !root.primaryBusy && (root.importer.text !== "" || root.step !== MemoryImportModel.Source)
+        visible: root.step !== MemoryImportModel.Done && !root.primaryBusy && (root.importer.text !== "" || root.step !== MemoryImportModel.Text)
         width: parent.width
 
         LMPText {
             color: Theme.text2
+            height: Math.max(Theme.control, implicitHeight)
             kind: LMPText.Caption
             text: "关掉再打开，内容还在。"
+            verticalAlignment: Text.AlignVCenter
         }
 
         LMPButton {

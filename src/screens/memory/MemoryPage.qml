@@ -58,7 +58,7 @@ FocusScope {
 
         anchors.fill: parent
         focus: true
-        subtitle: root.loaded && root.ledger.total > 0 ? root.ledger.total + " 条" : ""
+        subtitle: root.loaded && root.ledger.total > 0 ? "共 " + root.ledger.total + " 条" : ""
         title: "记忆账本"
 
         actions: Row {
