@@ -9,7 +9,33 @@ namespace lmp {
 
 /// What was typed after the program's name. A value.
 struct CommandLine {
-    enum class Command { Chat, SignIn, SignOut, WhoAmI, ConversationList, ConversationShow, Crisis };
+    enum class Command { Chat, SignIn, SignOut, WhoAmI, ConversationList, ConversationShow, Memory, Crisis };
+
+    /// What is to be done with the ledger of memories.
+    struct Memory {
+        enum class What {
+            List,
+            Candidates,
+            Chapters,
+            Confirm,
+            Dismiss,
+            Correct,
+            Revert,
+            Freeze,
+            Unfreeze,
+            Forget,
+            Restore,
+            History,
+            Import,
+            Accept,
+            Reject
+        };
+        What what = What::List;
+        QString id = {};
+        QString text = {}; ///< what is looked for, or the new wording
+        QString file = {}; ///< empty or "-" is standard input
+        bool jsonl = false;
+    };
 
     /// Why nothing is run: the text, and whether it is an answer (help, version) or a complaint.
     struct Leave {
@@ -38,6 +64,8 @@ struct CommandLine {
     bool password = false;
     bool guest = false;
     bool google = false;
+
+    Memory memory;
 
     // crisis
     QString region;

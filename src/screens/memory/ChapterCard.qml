@@ -11,7 +11,7 @@ MemoryCard {
     required property string date
     required property string real
     required property string story
-    required property list<string> evidence
+    required property string evidence
     required property bool pending
     required property bool busy
 
@@ -47,8 +47,8 @@ MemoryCard {
     LMPText {
         color: Theme.text2
         kind: LMPText.Caption
-        text: "依据：\n" + root.evidence.map(one => "· " + one).join("\n")
-        visible: root.evidence.length > 0
+        text: "依据：\n" + root.evidence
+        visible: root.evidence !== ""
         width: parent.width
     }
 

@@ -13,7 +13,7 @@ struct ChapterRow {
     QString date;
     QString real;
     QString story;
-    QStringList evidence;
+    QString evidence; ///< one a line
     bool pending = false;
     bool busy = false; ///< a request about it is under way
     bool operator==(const ChapterRow &) const = default;
@@ -24,7 +24,7 @@ struct ChapterRow {
                 .date = chapter.date,
                 .real = chapter.real,
                 .story = chapter.story,
-                .evidence = QStringList(chapter.evidence),
+                .evidence = QStringList(chapter.evidence).join(u'\n'),
                 .pending = chapter.pending.value_or(false)};
     }
 };

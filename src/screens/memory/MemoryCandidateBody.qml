@@ -26,7 +26,7 @@ Column {
     LMPText {
         color: Theme.text2
         kind: LMPText.Caption
-        text: [root.why, root.scope === "" ? "" : "用于" + root.scope].filter(part => part !== "").join(" · ")
+        text: root.why + (root.why === "" || root.scope === "" ? "" : " · ") + (root.scope === "" ? "" : "用于" + root.scope)
         visible: text !== ""
         width: parent.width
     }

@@ -20,7 +20,7 @@ class MemoryImportModel : public QObject {
     QML_UNCREATABLE("part of a MemoryLedgerModel")
     Q_PROPERTY(Step step READ step NOTIFY changed)
     Q_PROPERTY(Source source READ source WRITE setSource NOTIFY changed)
-    Q_PROPERTY(QStringList sources READ sources CONSTANT)
+    Q_PROPERTY(QList<QString> sources READ sources CONSTANT)
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(int pieces READ pieces NOTIFY textChanged)
     /// Said of a text that is longer than what is read at once; else empty.
@@ -40,7 +40,7 @@ class MemoryImportModel : public QObject {
     Q_PROPERTY(bool writing READ writing NOTIFY changed)
     /// How far the writing is.
     Q_PROPERTY(QString progressText READ progressText NOTIFY changed)
-    Q_PROPERTY(QStringList results READ results NOTIFY changed)
+    Q_PROPERTY(QList<QString> results READ results NOTIFY changed)
 public:
     enum class Source { ChatFile, Manual };
     Q_ENUM(Source)

@@ -22,7 +22,19 @@ MemoryCard {
             root.items.ledger.edit(root.memoryId);
     }
 
-    accessibleName: [root.content, root.truthText, root.frozen ? "已冻结" : "", root.superseded ? root.items.ledger.supersededText : "", root.drafted ? "有没保存的改动" : "", root.detail].filter(part => part !== "").join("，")
+    /// What a screen reader says of it.
+    function spoken(): string {
+        let words = root.content + "，" + root.truthText;
+        if (root.frozen)
+            words += "，已冻结";
+        if (root.superseded)
+            words += "，" + root.items.ledger.supersededText;
+        if (root.drafted)
+            words += "，有没保存的改动";
+        return root.detail === "" ? words : words + "，" + root.detail;
+    }
+
+    accessibleName: root.spoken()
     onActivated: root.edit()
 
     Item {

@@ -1,5 +1,4 @@
 import QtQuick
-import Lumenpair.Kit
 import Lumenpair.Memory
 
 /// The memories that match. Their cards are given from outside, since they know this list.
@@ -11,19 +10,4 @@ MemoryCardList {
 
     Accessible.name: "记忆"
     model: root.ledger.items
-
-    footer: Item {
-        height: more.visible ? more.height + Theme.space16 : 0
-        width: root.width
-
-        LMPButton {
-            id: more
-
-            anchors.horizontalCenter: parent.horizontalCenter
-            text: "再看一些（还有 " + root.ledger.items.hidden + " 条）"
-            visible: root.ledger.items.hidden > 0
-            y: Theme.space16
-            onClicked: root.ledger.items.showMore()
-        }
-    }
 }

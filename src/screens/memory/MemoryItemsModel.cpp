@@ -1,5 +1,6 @@
 #include "screens/memory/MemoryItemsModel.h"
 
+#include "identity/MemorySearch.h"
 #include "identity/TruthStatus.h"
 
 #include <QDateTime>
@@ -49,19 +50,11 @@ QHash<int, QByteArray> MemoryItemsModel::roleNames() const {
             {SupersedesRole, "supersedes"}, {BusyRole, "busy"},       {DraftedRole, "drafted"}};
 }
 
-QString MemoryItemsModel::fold(const QString &text) {
-    return text.normalized(QString::NormalizationForm_KC).toCaseFolded();
-}
-
-QString MemoryItemsModel::searched(const MemoryItemDTO &item) {
-    return fold(item.content + u'\n' + item.source + u'\n' + item.scope);
-}
-
 QStringList MemoryItemsModel::foldAll(const QList<MemoryItemDTO> &items) {
     QStringList folded;
     folded.reserve(items.size());
     for (const auto &item : items)
-        folded.push_back(searched(item));
+        folded.push_back(MemorySearch::folded(item));
     return folded;
 }
 
@@ -106,7 +99,7 @@ bool MemoryItemsModel::matches(const Row &row) const {
         }
         return false;
     };
-    return fits() && std::ranges::all_of(m_words, [&](const QString &word) { return row.folded.contains(word); });
+    return fits() && MemorySearch::matches(row.folded, m_words);
 }
 
 void MemoryItemsModel::setItems(const QList<MemoryItemDTO> &items, const QStringList &folded) {
@@ -138,7 +131,7 @@ void MemoryItemsModel::setQuery(const Query &query) {
     if (query == m_query)
         return;
     m_query = query;
-    m_words = fold(query.text).simplified().split(u' ', Qt::SkipEmptyParts);
+    m_words = MemorySearch::words(query.text);
     m_window = windowSize;
     show();
 }
@@ -216,10 +209,11 @@ int MemoryItemsModel::placeOf(const QString &id) const {
 void MemoryItemsModel::put(const MemoryItemDTO &item, int place) {
     if (Row *row = rowOf(item.id)) {
         row->item = item;
-        row->folded = searched(item);
+        row->folded = MemorySearch::folded(item);
     } else {
         const auto at = std::clamp<std::ptrdiff_t>(place, 0, std::ssize(m_all));
-        m_all.insert(m_all.begin() + at, std::make_unique<Row>(Row{.item = item, .folded = searched(item)}));
+        m_all.insert(m_all.begin() + at,
+                     std::make_unique<Row>(Row{.item = item, .folded = MemorySearch::folded(item)}));
     }
     settle();
     show();

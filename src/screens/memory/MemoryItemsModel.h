@@ -13,7 +13,7 @@ namespace lmp {
 
 /// The memories of the ledger that match what is looked for: the first of them, and more when asked.
 ///
-/// Part of the ledger's model; UI thread, but for `fold`, which is pure. Nothing fails.
+/// Part of the ledger's model; UI thread, but for `foldAll`, which is pure. Nothing fails.
 class MemoryItemsModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -53,8 +53,6 @@ public:
     int hidden() const { return m_matches - count(); }
     int total() const { return int(m_all.size()); }
 
-    /// A text as it is searched: without case, and without the width of its letters.
-    static QString fold(const QString &text);
     /// What of each memory is searched, folded; costs time, for any thread.
     static QStringList foldAll(const QList<MemoryItemDTO> &items);
 
@@ -90,7 +88,6 @@ private:
     };
     using Shown = std::vector<const Row *>;
 
-    static QString searched(const MemoryItemDTO &item);
     static QString detailOf(const MemoryItemDTO &item);
     bool matches(const Row &row) const;
     /// Numbers the rows and finds out which were superseded.

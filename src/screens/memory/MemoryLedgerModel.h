@@ -44,7 +44,7 @@ class MemoryLedgerModel : public QObject {
 
     Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY queryChanged)
     Q_PROPERTY(int tier READ tier WRITE setTier NOTIFY queryChanged)
-    Q_PROPERTY(QStringList tiers READ tiers CONSTANT)
+    Q_PROPERTY(QList<QString> tiers READ tiers CONSTANT)
     Q_PROPERTY(QString searchText READ searchText WRITE find NOTIFY queryChanged)
     /// What stands in place of the memories when there are none, and below it; empty when there are some.
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)

@@ -107,11 +107,33 @@ FocusScope {
             MemoryItemList {
                 id: items
 
-                anchors.fill: parent
+                anchors.bottom: more.top
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: parent.top
                 delegate: MemoryItemCard {}
                 ledger: root.ledger
                 visible: !root.empty && root.current() === items
                 onMenuRequested: (memoryId, frozen, from) => menu.show(memoryId, frozen, from)
+            }
+
+            Item {
+                id: more
+
+                anchors.bottom: parent.bottom
+                height: visible ? expand.height + Theme.space16 : 0
+                visible: items.visible && root.ledger.items.hidden > 0
+                width: parent.width
+
+                LMPSeparator {}
+
+                LMPButton {
+                    id: expand
+
+                    anchors.centerIn: parent
+                    text: "再看一些（还有 " + root.ledger.items.hidden + " 条）"
+                    onClicked: root.ledger.items.showMore()
+                }
             }
 
             MemoryCardList {
