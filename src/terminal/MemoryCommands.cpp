@@ -8,6 +8,7 @@
 #include "terminal/SessionGate.h"
 
 #include <QFile>
+#include <QStringDecoder>
 
 namespace lmp {
 
