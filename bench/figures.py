@@ -198,6 +198,15 @@ def chat(figures):
     figures.hold("chat growing", f"a piece at 100 KB {growing:.2f} x one at 10 KB (at most 1.3)", growing <= 1.3)
 
 
+def memories(figures):
+    """A key in the field that finds memories, in a ledger of 10,000"""
+    us = {name: one["real_time"] for name, one in benchmarks(figures, "bench_memories").items()}
+    figures.note(", ".join(f"{name} {time:,.0f} us" for name, time in us.items()))
+    ratio = us["proxy"] / us["ours"]
+    figures.hold("memories", f"{ratio:.2f} x a QSortFilterProxyModel that knows no widths (at least 1.0)", ratio >= 1.0)
+    figures.hold("memories key", f"{us['ours'] / 1e3:.2f} ms (under 16)", us["ours"] < 16_000)
+
+
 def markdown(figures):
     """An update of a growing reply of 100 KB beside one of 10 KB, as rows and as painted lines"""
     program = figures.program("bench_markdown")
@@ -266,7 +275,12 @@ def window_chat(figures):
     window_figures.chat(figures, alternate, ROUNDS)
 
 
-ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, chat, markdown, drafts, version, window, window_chat)}
+ALL = {
+    one.__name__: one
+    for one in (
+        close, chunk, latency, memory, records, chat, memories, markdown, drafts, version, window, window_chat,
+    )
+}
 
 
 def main():

@@ -19,7 +19,34 @@ struct CommandLine {
         DraftList,
         DraftShow,
         DraftDiscard,
+        Memory,
         Crisis
+    };
+
+    /// What is to be done with the ledger of memories.
+    struct Memory {
+        enum class What {
+            List,
+            Candidates,
+            Chapters,
+            Confirm,
+            Dismiss,
+            Correct,
+            Revert,
+            Freeze,
+            Unfreeze,
+            Forget,
+            Restore,
+            History,
+            Import,
+            Accept,
+            Reject
+        };
+        What what = What::List;
+        QString id = {};
+        QString text = {}; ///< what is looked for, or the new wording
+        QString file = {}; ///< empty or "-" is standard input
+        bool jsonl = false;
     };
 
     /// Why nothing is run: the text, and whether it is an answer (help, version) or a complaint.
@@ -54,6 +81,7 @@ struct CommandLine {
     QString draftId;
     bool draftJson = false;
     bool discardSurely = false;
+    Memory memory;
 
     // crisis
     QString region;

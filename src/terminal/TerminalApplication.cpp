@@ -6,6 +6,7 @@
 #include "terminal/CrisisCommand.h"
 #include "terminal/DraftCommands.h"
 #include "terminal/GuestCommand.h"
+#include "terminal/MemoryCommands.h"
 
 #include <csignal>
 
@@ -90,6 +91,8 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         return DraftCommands::show(&m_application, &m_console, m_line.draftId, m_line.draftJson);
     case CommandLine::Command::DraftDiscard:
         return DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
+    case CommandLine::Command::Memory:
+        return MemoryCommands::run(&m_application, &m_console, &m_input, m_line.memory);
     case CommandLine::Command::Crisis:
         return CrisisCommand::run(&m_application, &m_console, m_line.region);
     }

@@ -40,6 +40,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_session(ConversationService(m_services.api), m_services.drafts, m_services.account, *m_services.clock)
     , m_view(m_session, *m_services.safety, m_services.api, m_services.events, m_services.recorder)
     , m_messages(m_session, m_view, *m_services.clock)
+    , m_extraction(m_services.api, m_session, [this] { return isIdle(); })
     , m_inputs(m_services.inputs, *m_services.clock)
     , m_owner(ownerOf(m_services.account)) {
     m_view.surface = u"chat"_s;

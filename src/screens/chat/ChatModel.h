@@ -3,6 +3,7 @@
 #include "app/LocalInputRegistry.h"
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
+#include "screens/chat/ExtractionModel.h"
 #include "screens/chat/MessageListModel.h"
 #include "screens/chat/UsedMemoryModel.h"
 
@@ -21,6 +22,7 @@ class ChatModel : public QObject {
     QML_UNCREATABLE("made by the window's scene")
     Q_PROPERTY(lmp::MessageListModel *messages READ messages CONSTANT)
     Q_PROPERTY(lmp::UsedMemoryModel *usedMemories READ usedMemories CONSTANT)
+    Q_PROPERTY(lmp::ExtractionModel *extraction READ extraction CONSTANT)
 
     // The conversation.
     Q_PROPERTY(QString conversationId READ conversationId NOTIFY conversationChanged)
@@ -84,6 +86,7 @@ public:
 
     MessageListModel *messages() { return &m_messages; }
     UsedMemoryModel *usedMemories() { return &m_used; }
+    ExtractionModel *extraction() { return &m_extraction; }
     QString conversationId() const;
     QString title() const;
     bool isOpen() const { return m_session.isActive(); }
@@ -212,6 +215,7 @@ private:
     ChatWithTwinView m_view;
     MessageListModel m_messages;
     UsedMemoryModel m_used;
+    ExtractionModel m_extraction;
     ComposerInputs m_inputs;
     LocalInputRegistry::Registration m_localInput;
     QString m_owner;     ///< the account and sign-in that what is open is of

@@ -18,6 +18,9 @@ FocusScope {
     function focusInput(): void {
         composer.forceActiveFocus();
     }
+    function beginExtraction(): void {
+        extraction.open();
+    }
     /// What stands under the input box: why it was held back before all else, then what is worth knowing.
     function hint(): string {
         if (root.chat.inputHeldReason !== "")
@@ -135,12 +138,20 @@ FocusScope {
                 height: implicitHeight
                 hint: root.hint()
                 placeholderText: root.chat.incognito ? "无痕地说点什么" : "说点什么"
-                tools: LMPIconButton {
-                    iconName: "settings"
-                    text: "对话方式"
+                tools: [
+                    LMPIconButton {
+                        iconName: "settings"
+                        text: "对话方式"
 
-                    onClicked: options.open()
-                }
+                        onClicked: options.open()
+                    },
+                    LMPIconButton {
+                        iconName: "memory"
+                        text: "整理记忆"
+
+                        onClicked: root.beginExtraction()
+                    }
+                ]
                 width: parent.width
 
                 // An item that is disabled loses its place in the focus, and does not get it back by itself.
@@ -180,6 +191,14 @@ FocusScope {
     }
     UsedMemoriesSheet {
         chat: root.chat
+    }
+    ExtractionSheet {
+        id: extraction
+
+        extraction: root.chat.extraction
+    }
+    ExtractedCandidatesSheet {
+        extraction: root.chat.extraction
     }
     FeedbackReasonsSheet {
         chat: root.chat

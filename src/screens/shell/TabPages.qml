@@ -15,7 +15,7 @@ FocusScope {
 
     function visit(): void {
         const pages = [now, social, market, studio, me];
-        const files = ["NowTab.qml", "ComingTab.qml", "ComingTab.qml", "ComingTab.qml", "SettingsPage.qml"];
+        const files = ["NowTab.qml", "ComingTab.qml", "ComingTab.qml", "ComingTab.qml", "MeTab.qml"];
         const page = pages[root.tab];
         if (page.status === Loader.Null)
             page.setSource(files[root.tab], {

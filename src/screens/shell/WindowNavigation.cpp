@@ -4,8 +4,11 @@
 
 namespace lmp {
 
+using namespace Qt::StringLiterals;
+
 WindowNavigation::WindowNavigation(QObject *parent)
     : QObject(parent) {
+    m_router.setShownKinds({u"memory"_s});
     connect(&m_router, &AppRouter::selectedTabChanged, this, &WindowNavigation::tabChanged);
     connect(&m_router, &AppRouter::pendingChanged, this, &WindowNavigation::takePending);
 }
@@ -28,7 +31,18 @@ void WindowNavigation::setTab(Tab tab) {
     m_router.setSelectedTab(AppRouter::Tab(int(tab)));
 }
 
+void WindowNavigation::setPage(Page page) {
+    if (std::exchange(m_page, page) != page)
+        Q_EMIT tabChanged();
+}
+
+void WindowNavigation::openMemory() {
+    setPage(Page::Memory);
+    setTab(Tab::Me);
+}
+
 void WindowNavigation::openSection(Section section) {
+    setPage(Page::Settings);
     setTab(Tab::Me);
     Q_EMIT sectionRequested(section);
 }
@@ -59,6 +73,9 @@ void WindowNavigation::takePending() {
     if (const auto *conversation = std::get_if<AppRouter::Conversation>(&*destination)) {
         setOver(false, false);
         Q_EMIT conversationRequested(conversation->id);
+    } else if (const auto *memory = std::get_if<AppRouter::Memory>(&*destination)) {
+        openMemory();
+        Q_EMIT memoryRequested(memory->id);
     } else
         setOver(false, true);
 }

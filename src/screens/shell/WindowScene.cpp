@@ -29,9 +29,21 @@ void WindowScene::adopt(SharedModels &shared) {
     m_conversations = std::make_unique<ConversationListModel>(application);
     m_conversations->follow(m_chat.get());
     m_localInput = application.localInput().add([chat = m_chat.get()] { return chat->preserve(); });
+    adoptLedger(application);
     connect(&shared.root, &RootView::stageChanged, this, &WindowScene::settleStage);
     Q_EMIT adopted();
     settleStage();
+}
+
+void WindowScene::adoptLedger(Application &application) {
+    m_ledger = std::make_unique<MemoryLedgerModel>(MemoryServices{.service = MemoryService(application.api()),
+                                                                  .account = application.account(),
+                                                                  .inputs = &m_shared->memoryInputs});
+    for (const auto signal :
+         {&AuthStore::generationChanged, &AuthStore::phaseChanged, &AuthStore::verificationFailedChanged})
+        connect(&application.auth(), signal, m_ledger.get(), &MemoryLedgerModel::recheckAccount);
+    connect(&m_navigation, &WindowNavigation::memoryRequested, m_ledger.get(), &MemoryLedgerModel::reveal);
+    m_memoryInput = application.localInput().add([ledger = m_ledger.get()] { return ledger->preserve(); });
 }
 
 CapabilityStore *WindowScene::capabilities() {
@@ -78,7 +90,7 @@ void WindowScene::saveAndClose() {
 QCoro::Task<> WindowScene::save() {
     const QPointer self(this);
     m_saving = true;
-    const bool saved = m_chat ? co_await m_chat->preserve() : true;
+    const bool saved = m_chat ? co_await preserve() : true;
     if (!self)
         co_return;
     m_saving = false;
@@ -87,6 +99,13 @@ QCoro::Task<> WindowScene::save() {
         co_return;
     release();
     Q_EMIT readyToClose();
+}
+
+QCoro::Task<bool> WindowScene::preserve() {
+    const QPointer self(this);
+    const bool chat = co_await m_chat->preserve();
+    const bool memories = self && co_await m_ledger->preserve();
+    co_return chat &&memories;
 }
 
 void WindowScene::stayOpen() {

@@ -12,6 +12,7 @@
 #include "screens/account/CrisisResourcesModel.h"
 #include "screens/chat/ChatModel.h"
 #include "screens/chat/ConversationListModel.h"
+#include "screens/memory/MemoryLedgerModel.h"
 
 namespace lmp {
 
@@ -51,6 +52,7 @@ class WindowScene : public QObject {
     Q_PROPERTY(lmp::CrisisResourcesModel *crisis READ crisis NOTIFY adopted)
     Q_PROPERTY(lmp::ChatModel *chat READ chat NOTIFY adopted)
     Q_PROPERTY(lmp::ConversationListModel *conversations READ conversations NOTIFY adopted)
+    Q_PROPERTY(lmp::MemoryLedgerModel *ledger READ ledger NOTIFY adopted)
 public:
     enum class Stage { Opening, Launch, SignedOut, Migration, Onboarding, HandleSetup, Shell };
     Q_ENUM(Stage)
@@ -87,6 +89,7 @@ public:
     CrisisResourcesModel *crisis() { return m_crisis.get(); }
     ChatModel *chat() { return m_chat.get(); }
     ConversationListModel *conversations() { return m_conversations.get(); }
+    MemoryLedgerModel *ledger() { return m_ledger.get(); }
 
     /// Tries again to find the service.
     Q_INVOKABLE void reopen();
@@ -123,6 +126,9 @@ private:
     /// Goes to another conversation, after asking where the one that is open would be lost.
     void replaceConversation(std::function<void()> how);
     void stepConversation(int step);
+    void adoptLedger(Application &application);
+    /// Keeps everything typed in this window. @return false when something could be lost
+    QCoro::Task<bool> preserve();
 
     AppearanceModel &m_appearance;
     MacQuitCoordinator &m_quitting;
@@ -134,7 +140,9 @@ private:
     std::unique_ptr<CrisisResourcesModel> m_crisis;
     std::unique_ptr<ChatModel> m_chat;
     std::unique_ptr<ConversationListModel> m_conversations;
+    std::unique_ptr<MemoryLedgerModel> m_ledger;
     LocalInputRegistry::Registration m_localInput;
+    LocalInputRegistry::Registration m_memoryInput;
     Stage m_stage = Stage::Opening;
     QString m_openError;
     bool m_asking = false;
