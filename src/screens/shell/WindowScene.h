@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/LocalInputRegistry.h"
 #include "app/MacQuitCoordinator.h"
 #include "screens/shell/AppCommands.h"
 #include "screens/shell/AppearanceModel.h"
@@ -134,7 +133,6 @@ private:
     std::unique_ptr<CrisisResourcesModel> m_crisis;
     std::unique_ptr<ChatModel> m_chat;
     std::unique_ptr<ConversationListModel> m_conversations;
-    LocalInputRegistry::Registration m_localInput;
     Stage m_stage = Stage::Opening;
     QString m_openError;
     bool m_asking = false;
