@@ -217,6 +217,17 @@ TEST_F(WindowTest, WindowsThatCloseTogetherEndTheProgram) {
     EXPECT_TRUE(eventually([&] { return leaving; }));
 }
 
+TEST_F(WindowTest, WhoSignsInNextBeginsAtTheFirstTab) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.key(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_EQ(window.scene().navigation()->tab(), Tab::Me);
+    window.scene().session()->signOut();
+    ASSERT_TRUE(window.reaches(Stage::SignedOut));
+    EXPECT_TRUE(eventually([&] { return window.scene().navigation()->tab() == Tab::Now; }));
+}
+
 TEST_F(WindowTest, LinksGoTheSameWayColdAndWarm) {
     {
         WindowDriver window(options(u"lumenpair://crisis"_s));
