@@ -127,6 +127,25 @@ TEST(MarkdownDocumentTest, WritesOnlySafeRichText) {
         EXPECT_EQ(MarkdownInline::of(source).text, text) << source.toStdString();
 }
 
+TEST(MarkdownDocumentTest, ALinkThatNamesAnotherHostSaysWhereItLeads) {
+    const struct {
+        QString words, address, behind;
+    } cases[] = {
+        {u"https://bank.com/in"_s, u"https://evil.org/"_s, u"（通往 evil.org）"_s},
+        {u"please go to www.bank.com"_s, u"https://evil.org/"_s, u"（通往 evil.org）"_s},
+        {u"bank.com"_s, u"https://bank.com.evil.org/"_s, u"（通往 bank.com.evil.org）"_s},
+        {u"https://b\u0430nk.com"_s, u"https://b\u0430nk.com"_s, u"（通往 xn--bnk-6cd.com）"_s},
+        {u"www.bank.com"_s, u"https://bank.com/path"_s, {}},
+        {u"Bank.com"_s, u"https://bank.com"_s, {}},
+        {u"the bank"_s, u"https://bank.com"_s, {}},
+        {u"main.cpp"_s, u"https://example.org/main.cpp"_s, {}},
+    };
+    for (const auto &[words, address, behind] : cases) {
+        const QString text = MarkdownInline::of(u'[' + words + u"]("_s + address + u')').text;
+        EXPECT_EQ(text.sliced(text.indexOf(u"</a>"_s) + 4), behind) << words.toStdString();
+    }
+}
+
 TEST(MarkdownDocumentTest, KnowsWhereLinksStandAndWhichHideTheirAddress) {
     const auto made = MarkdownInline::of(u"中 [a.b](http://a.b/) **x**<br>[y](http://z)"_s);
     EXPECT_EQ(made.links, (QList<MarkdownLink>{{2, 3, u"http://a.b/"_s, false}, {8, 1, u"http://z"_s, true}}));
