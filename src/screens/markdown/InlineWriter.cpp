@@ -260,7 +260,7 @@ void InlineWriter::write(QStringView part) {
             safe += QChar::ReplacementCharacter;
         } else if (code == QChar::LineSeparator || code == QChar::ParagraphSeparator) {
             safe += u' ';
-        } else if (code >= u' ' && code != 0x7f && !(code >= 0x202a && code <= 0x202e)) {
+        } else if (code >= u' ' && code != 0x7f && !MarkdownInline::turnsDirection(c)) {
             safe += c;
         } else {
             continue;

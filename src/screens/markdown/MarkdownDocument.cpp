@@ -3,6 +3,8 @@
 #include "MarkdownInline.h"
 #include "MarkdownTable.h"
 
+#include <algorithm>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -177,6 +179,8 @@ void MarkdownDocument::makeCode(MarkdownBlock block, const MarkdownSource &sourc
         --end;
     block.language = source.language;
     block.code = source.text.first(end);
+    // What is read here must be what runs: what would make it look like something else stands there to be seen.
+    std::ranges::replace_if(block.code, &MarkdownInline::turnsDirection, QChar(QChar::ReplacementCharacter));
     block.lines = source.lines;
     // A last line that is shown in part is hidden in part.
     block.hidden = end == source.text.size() ? 0 : std::max(1, source.lines - lines);

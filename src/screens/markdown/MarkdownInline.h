@@ -26,6 +26,9 @@ struct MarkdownInline {
     static MarkdownInline of(QStringView source);
     /// `text` as rich text shows it to the letter.
     static QString escaped(QStringView text);
+    /// Whether the character itself is not seen but turns the direction of what follows, so that a text reads as
+    /// something else than it is.
+    static bool turnsDirection(QChar c);
     /// The address as it may be opened: http or https with a host and no user name; empty otherwise.
     static QString safeUrl(const QString &address);
 };

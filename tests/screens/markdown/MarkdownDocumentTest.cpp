@@ -119,7 +119,7 @@ TEST(MarkdownDocumentTest, WritesOnlySafeRichText) {
          u"看<a href=\"https://a.b/c_d_e\">https://a.b/c_d_e</a>，和（<a href=\"https://www.x.cn\">www.x.cn</a>）。"_s},
         {u"<https://a.b> xhttps://a.b https:// `https://a.b`"_s,
          u"<a href=\"https://a.b\">https://a.b</a> xhttps://a.b https:// <code>https://a.b</code>"_s},
-        {u"a\u202eb\u2029c\ufffcd\x01"_s, u"ab c�d"_s},
+        {u"a\u202eb\u2029c\ufffcd\x01\u2067e"_s, u"ab c�de"_s},
         {u"- # > no block \\* here\\\nnext"_s, u"- # &gt; no block * here<br>next"_s},
         {u"[![p](https://i.j/k)](https://a.b)"_s, u"<a href=\"https://a.b\">[图片：p]</a>"_s},
     };
@@ -150,6 +150,13 @@ TEST(MarkdownDocumentTest, KnowsWhereLinksStandAndWhichHideTheirAddress) {
     const auto made = MarkdownInline::of(u"中 [a.b](http://a.b/) **x**<br>[y](http://z)"_s);
     EXPECT_EQ(made.links, (QList<MarkdownLink>{{2, 3, u"http://a.b/"_s, false}, {8, 1, u"http://z"_s, true}}));
     EXPECT_EQ(made.length, 9);
+}
+
+TEST(MarkdownDocumentTest, CodeShowsWhatWouldDisguiseIt) {
+    const QString code = u"rm \u202ex\u2066"_s;
+    const auto document = whole(u"```\n"_s + code + u"\n```"_s);
+    EXPECT_EQ(document.blocks()[0].code, u"rm �x�"_s);
+    EXPECT_EQ(document.source(0), code);
 }
 
 /// However a text arrives, and wherever it was taken for finished meanwhile, it is the text it is in the end.
