@@ -1,7 +1,6 @@
 #include "MarkdownDocument.h"
 
 #include "MarkdownInline.h"
-#include "MarkdownTable.h"
 
 #include <algorithm>
 
@@ -24,7 +23,7 @@ constexpr int betweenBlocks = 12;
 constexpr int betweenItems = 4;
 constexpr int insideList = 8;
 
-/// How much more one wish for more shows.
+/// How much more code one wish for more shows.
 constexpr int moreLines = 1000;
 constexpr qsizetype charactersPerLine = MarkdownLimits::code / MarkdownLimits::codeLines;
 
@@ -79,7 +78,8 @@ QString MarkdownDocument::source(qsizetype block) const {
 
 void MarkdownDocument::expand(qsizetype block) {
     const qsizetype source = m_sources.at(block);
-    show(source, m_shown.value(source, 0) + moreLines);
+    const bool table = m_parser.blocks().at(source).kind == Kind::Table;
+    show(source, m_shown.value(source, 0) + (table ? MarkdownTable::rowsMore(m_blocks.at(block).columns) : moreLines));
 }
 
 void MarkdownDocument::collapse(qsizetype block) {
@@ -189,16 +189,22 @@ void MarkdownDocument::makeCode(MarkdownBlock block, const MarkdownSource &sourc
 
 void MarkdownDocument::makeTable(MarkdownBlock block, const MarkdownSource &source, qsizetype index, int shown) {
     const int most = MarkdownTable::rowsShown(source.columns.size()) + shown;
-    if (m_rows.source != index)
-        m_rows = Rows{index, 0, 0, MarkdownTable::header(source.header, source.columns)};
+    if (m_rows.source != index) {
+        m_rows = Rows{.source = index};
+        MarkdownTable::addHeader(m_rows.made, source.header, source.columns);
+    }
     QStringView rest = QStringView(source.text).sliced(m_rows.end);
     for (qsizetype feed = 0; m_rows.count < most && (feed = rest.indexOf(u'\n')) >= 0; ++m_rows.count) {
-        m_rows.html += MarkdownTable::row(rest.first(feed), source.columns);
+        MarkdownTable::addRow(m_rows.made, rest.first(feed), source.columns);
         m_rows.end += feed + 1;
         rest = rest.sliced(feed + 1);
     }
     const bool last = m_rows.count < most && m_rows.count < source.lines;
-    block.text = MarkdownTable::table(m_rows.html + (last ? MarkdownTable::row(rest, source.columns) : QString()));
+    MarkdownTable::Rows rows = m_rows.made;
+    if (last)
+        MarkdownTable::addRow(rows, rest, source.columns);
+    block.text = MarkdownTable::table(rows.html);
+    block.links = std::move(rows.links);
     block.lines = source.lines;
     block.columns = int(source.columns.size());
     block.hidden = source.lines - m_rows.count - (last ? 1 : 0);

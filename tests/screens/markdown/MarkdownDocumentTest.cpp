@@ -2,6 +2,8 @@
 
 #include "screens/markdown/MarkdownInline.h"
 
+#include <QTextCursor>
+#include <QTextDocument>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -152,6 +154,28 @@ TEST(MarkdownDocumentTest, KnowsWhereLinksStandAndWhichHideTheirAddress) {
     EXPECT_EQ(made.length, 9);
 }
 
+/// The keyboard goes to them by their place, so that must be the layout's own.
+TEST(MarkdownDocumentTest, KnowsWhereTheLinksOfATableStand) {
+    MarkdownDocument document;
+    document.append(u"| [h](http://h) | b |\n|---|--:|\n| 中 [one](http://n1)<br>x | [![p](http://i)](http://n2) |\n"
+                    u"| |\n| a | http://n3 | [c](http://n4) |"_s);
+    document.finish();
+    ASSERT_EQ(document.blocks().size(), 1);
+    const MarkdownBlock &block = document.blocks()[0];
+    QTextDocument layout;
+    layout.setHtml(block.text);
+    QStringList found;
+    for (const MarkdownLink &link : block.links) {
+        QTextCursor cursor(&layout);
+        cursor.setPosition(link.start);
+        cursor.setPosition(link.start + link.length, QTextCursor::KeepAnchor);
+        found << cursor.selectedText() + u' ' + cursor.charFormat().anchorHref() + u' ' + link.url;
+    }
+    EXPECT_EQ(found,
+              (QStringList{u"h http://h http://h"_s, u"one http://n1 http://n1"_s, u"[图片：p] http://n2 http://n2"_s,
+                           u"http://n3 http://n3 http://n3"_s, u"c http://n4 http://n4"_s}));
+}
+
 TEST(MarkdownDocumentTest, CodeShowsWhatWouldDisguiseIt) {
     const QString code = u"rm \u202ex\u2066"_s;
     const auto document = whole(u"```\n"_s + code + u"\n```"_s);
@@ -253,6 +277,14 @@ TEST(MarkdownDocumentTest, LongCodeAndTablesShowMoreWhenAsked) {
     document.collapse(1);
     EXPECT_EQ(document.blocks()[1].hidden, 1300);
     EXPECT_EQ(document.source(1), u"line\n"_s.repeated(1500).chopped(1));
+
+    // As many cells as can be laid out, not as many rows.
+    const auto row = [](const QString &cell) {
+        return cell.repeated(900) + u'\n';
+    };
+    document = whole(row(u"|a"_s) + row(u"|-"_s) + row(u"|c"_s).repeated(60));
+    document.expand(0);
+    EXPECT_EQ(document.blocks()[0].hidden, 56);
 }
 
 TEST(MarkdownDocumentTest, PlacesBlocks) {
