@@ -85,7 +85,8 @@ FocusScope {
             visible: root.chat.open && transcript.count === 0
 
             onChosen: text => {
-                root.chat.input = text;
+                // What is typed already is not the beginning's to replace.
+                root.chat.input = root.chat.input.trim() === "" ? text : root.chat.input + "\n" + text;
                 root.focusInput();
             }
         }

@@ -94,7 +94,7 @@ void WindowApplication::join(WindowScene *scene) {
             detach(open(), "opening the service");
     });
     connect(scene, &WindowScene::closeRequested, this, [this, scene] { onCloseRequested(scene); });
-    connect(scene, &WindowScene::readyToClose, this, [this, scene] { close(scene); }, Qt::QueuedConnection);
+    connect(scene, &WindowScene::readyToClose, this, [this, scene] { onReadyToClose(scene); }, Qt::QueuedConnection);
     connect(scene->commands(), &AppCommands::triggered, this, [this, scene](AppCommands::Command command) {
         if (command == AppCommands::Command::NewWindow)
             openWindow();
@@ -145,6 +145,14 @@ void WindowApplication::onCloseRequested(WindowScene *scene) {
         scene->saveAndClose();
     else if (m_macLifecycle.mayCloseLastWindow())
         close(scene);
+}
+
+void WindowApplication::onReadyToClose(WindowScene *scene) {
+    // While it was saved the others may have gone, and a program without a window could not be seen nor ended.
+    if (m_windows.size() > 1)
+        close(scene);
+    else
+        onCloseRequested(scene);
 }
 
 void WindowApplication::close(WindowScene *scene) {

@@ -57,6 +57,7 @@ private:
     QCoro::Task<> leave();
     void onFirstFrame();
     void onCloseRequested(WindowScene *scene);
+    void onReadyToClose(WindowScene *scene);
     void close(WindowScene *scene);
     /// Picks the window that the program's questions are asked in: one of them.
     void ask();

@@ -2,6 +2,8 @@
 
 #include "app/DeepLink.h"
 
+#include <utility>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -20,7 +22,9 @@ void WindowNavigation::openLink(const QString &link) {
 }
 
 void WindowNavigation::setShellShown(bool shown) {
-    m_shellShown = shown;
+    // Whoever signs in next has not been at the settings, where one signs out.
+    if (std::exchange(m_shellShown, shown) && !shown)
+        m_router.setSelectedTab(AppRouter::Tab::now);
     if (!shown)
         setOver(m_crisisOpen, false);
     takePending();

@@ -28,7 +28,6 @@ void WindowScene::adopt(SharedModels &shared) {
     m_chat = std::make_unique<ChatModel>(application);
     m_conversations = std::make_unique<ConversationListModel>(application);
     m_conversations->follow(m_chat.get());
-    m_localInput = application.localInput().add([chat = m_chat.get()] { return chat->preserve(); });
     adoptLedger(application);
     connect(&shared.root, &RootView::stageChanged, this, &WindowScene::settleStage);
     Q_EMIT adopted();
@@ -95,10 +94,8 @@ QCoro::Task<> WindowScene::save() {
         co_return;
     m_saving = false;
     setCloseWarning(!saved);
-    if (!saved)
-        co_return;
-    release();
-    Q_EMIT readyToClose();
+    if (saved)
+        Q_EMIT readyToClose();
 }
 
 QCoro::Task<bool> WindowScene::preserve() {

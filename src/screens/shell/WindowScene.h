@@ -141,7 +141,6 @@ private:
     std::unique_ptr<ChatModel> m_chat;
     std::unique_ptr<ConversationListModel> m_conversations;
     std::unique_ptr<MemoryLedgerModel> m_ledger;
-    LocalInputRegistry::Registration m_localInput;
     LocalInputRegistry::Registration m_memoryInput;
     Stage m_stage = Stage::Opening;
     QString m_openError;
