@@ -38,7 +38,7 @@ public:
         QString viewport;             ///< what the person looks at, for telemetry
         /// Neither token nor telemetry: nothing is read, recorded or sent but what is asked for.
         bool withoutTrace = false;
-        std::chrono::nanoseconds processStart{0}; ///< on the monotonic clock
+        std::chrono::nanoseconds processStartAt{0}; ///< on the monotonic clock
     };
 
     explicit Application(Options options);

@@ -12,16 +12,16 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
-TerminalApplication::TerminalApplication(CommandLine line, std::chrono::nanoseconds processStart)
+TerminalApplication::TerminalApplication(CommandLine line, std::chrono::nanoseconds processStartAt)
     : m_line(std::move(line))
     , m_input(m_console)
-    , m_application(options(m_line, processStart)) {
+    , m_application(options(m_line, processStartAt)) {
     connect(&m_signals, &SignalWatcher::caught, this, &TerminalApplication::onSignal);
 }
 
 TerminalApplication::~TerminalApplication() = default;
 
-Application::Options TerminalApplication::options(const CommandLine &line, std::chrono::nanoseconds processStart) {
+Application::Options TerminalApplication::options(const CommandLine &line, std::chrono::nanoseconds processStartAt) {
     const QString site = line.site.isEmpty() && !line.sandbox ? qEnvironmentVariable("LMP_SITE") : line.site;
     const QString token = qEnvironmentVariable("LMP_TOKEN");
     const bool crisis = line.command == CommandLine::Command::Crisis;
@@ -30,7 +30,7 @@ Application::Options TerminalApplication::options(const CommandLine &line, std::
             .token = token.isEmpty() || crisis ? std::nullopt : std::optional(token),
             .viewport = u"terminal"_s,
             .withoutTrace = crisis,
-            .processStart = processStart};
+            .processStartAt = processStartAt};
 }
 
 int TerminalApplication::run() {

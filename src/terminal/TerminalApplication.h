@@ -18,7 +18,7 @@ namespace lmp {
 class TerminalApplication : public QObject {
     Q_OBJECT
 public:
-    TerminalApplication(CommandLine line, std::chrono::nanoseconds processStart);
+    TerminalApplication(CommandLine line, std::chrono::nanoseconds processStartAt);
     ~TerminalApplication() override;
 
     /// Runs the event loop until the command is done.
@@ -29,7 +29,7 @@ private:
     QCoro::Task<ExitCode> command();
     void followNotices();
     void onSignal(int signal);
-    static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStart);
+    static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStartAt);
 
     CommandLine m_line;
     Console m_console;

@@ -44,6 +44,7 @@ FocusScope {
         id: page
 
         anchors.fill: parent
+        focus: true
         title: root.chat.open ? root.chat.title : "对话"
 
         actions: LMPText {
