@@ -9,7 +9,18 @@ namespace lmp {
 
 /// What was typed after the program's name. A value.
 struct CommandLine {
-    enum class Command { Chat, SignIn, SignOut, WhoAmI, ConversationList, ConversationShow, Crisis };
+    enum class Command {
+        Chat,
+        SignIn,
+        SignOut,
+        WhoAmI,
+        ConversationList,
+        ConversationShow,
+        DraftList,
+        DraftShow,
+        DraftDiscard,
+        Crisis
+    };
 
     /// Why nothing is run: the text, and whether it is an answer (help, version) or a complaint.
     struct Leave {
@@ -38,6 +49,11 @@ struct CommandLine {
     bool password = false;
     bool guest = false;
     bool google = false;
+
+    // drafts
+    QString draftId;
+    bool draftJson = false;
+    bool discardSurely = false;
 
     // crisis
     QString region;

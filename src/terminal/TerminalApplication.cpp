@@ -4,6 +4,7 @@
 #include "terminal/AccountCommands.h"
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
+#include "terminal/DraftCommands.h"
 #include "terminal/GuestCommand.h"
 
 #include <csignal>
@@ -83,6 +84,12 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         return ConversationCommands::list(&m_application, &m_console);
     case CommandLine::Command::ConversationShow:
         return ConversationCommands::show(&m_application, &m_console, m_line.conversationId);
+    case CommandLine::Command::DraftList:
+        return DraftCommands::list(&m_application, &m_console, m_line.draftJson);
+    case CommandLine::Command::DraftShow:
+        return DraftCommands::show(&m_application, &m_console, m_line.draftId, m_line.draftJson);
+    case CommandLine::Command::DraftDiscard:
+        return DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
     case CommandLine::Command::Crisis:
         return CrisisCommand::run(&m_application, &m_console, m_line.region);
     }
