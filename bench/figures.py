@@ -288,8 +288,11 @@ def children(figures):
     child_figures.rounds(figures)
 
 
-TEXTS = (close, chunk, latency, memory, records, chat, markdown, drafts)
-ALL = {one.__name__: one for one in (*TEXTS, version, child_lines, children, agents, window, window_chat)}
+RUN = (
+    *(close, chunk, latency, memory, records, chat, markdown, drafts, version),
+    *(child_lines, children, agents, window, window_chat),
+)
+ALL = {one.__name__: one for one in RUN}
 
 
 def main():
