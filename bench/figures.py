@@ -17,6 +17,8 @@ import sys
 import time
 from pathlib import Path
 
+import agent_figures
+import child_figures
 import window_figures
 
 HERE = Path(__file__).resolve().parent
@@ -275,12 +277,31 @@ def window_chat(figures):
     window_figures.chat(figures, alternate, ROUNDS)
 
 
-ALL = {
-    one.__name__: one
-    for one in (
-        close, chunk, latency, memory, records, chat, memories, markdown, drafts, version, window, window_chat,
-    )
-}
+def child_lines(figures):
+    """1,000,000 lines of 200 bytes out of a child, a line of 10 MB and more, and a flood that nobody takes"""
+    child_figures.lines(figures, alternate)
+    child_figures.long_line(figures, alternate)
+    child_figures.stalled(figures, alternate)
+
+
+def agents(figures):
+    """500,000 lines of an agent into events, the start of an engine, permission verdicts"""
+    agent_figures.events(figures, alternate)
+    agent_figures.start(figures, alternate)
+    agent_figures.verdict(figures, alternate)
+
+
+def children(figures):
+    """Stopping and killing the program: nothing that its children have started is left"""
+    child_figures.quitting(figures)
+    child_figures.rounds(figures)
+
+
+RUN = (
+    *(close, chunk, latency, memory, records, chat, memories, markdown, drafts, version),
+    *(child_lines, children, agents, window, window_chat),
+)
+ALL = {one.__name__: one for one in RUN}
 
 
 def main():
