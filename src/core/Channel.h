@@ -38,9 +38,10 @@ public:
     /// @return false once the channel is over; the item is dropped then
     class [[nodiscard]] Push {
     public:
-        Push(std::shared_ptr<State> state, T item)
+        Push(std::shared_ptr<State> state, T item, std::size_t weight)
             : m_state(std::move(state))
-            , m_item(std::move(item)) {}
+            , m_item(std::move(item))
+            , m_weight(weight) {}
         ~Push() {
             if (m_waits)
                 m_state->forgetProducer();
@@ -49,24 +50,25 @@ public:
         Push &operator=(const Push &) = delete;
 
         bool await_ready() {
-            m_pushed = m_state->tryPush(m_item, 1);
+            m_pushed = m_state->tryPush(m_item, m_weight);
             return m_pushed != Pushed::Full;
         }
         bool await_suspend(std::coroutine_handle<> handle) { return m_waits = m_state->waitForRoom(handle); }
         bool await_resume() {
             m_waits = false;
             if (m_pushed == Pushed::Full)
-                m_pushed = m_state->tryPush(m_item, 1);
+                m_pushed = m_state->tryPush(m_item, m_weight);
             return m_pushed == Pushed::Taken;
         }
 
     private:
         std::shared_ptr<State> m_state;
         T m_item;
+        std::size_t m_weight;
         Pushed m_pushed = Pushed::Full;
         bool m_waits = false;
     };
-    Push push(T item) const { return Push(m_state, std::move(item)); }
+    Push push(T item, std::size_t weight = 1) const { return Push(m_state, std::move(item), weight); }
 
     /// Nothing more comes; what is queued is still delivered.
     void close() const { m_state->end(false); }

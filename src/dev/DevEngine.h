@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Channel.h"
 #include "dev/DevEngineFailure.h"
 #include "dev/DevEngineKind.h"
 #include "dev/DevEvent.h"
@@ -12,9 +13,6 @@
 #include <expected>
 
 namespace lmp {
-
-template <class T>
-class Channel;
 
 /// One session of a coding agent: the user's words go in, events come out.
 ///
@@ -33,7 +31,7 @@ public:
     /// Done, where there is nothing else to tell.
     struct Done {};
     struct Session {
-        std::shared_ptr<Channel<DevEvent>> events; ///< for one consumer on the caller's thread; closed at the end
+        Channel<DevEvent> events; ///< for one consumer on the caller's thread; closed at the end
     };
     struct Start {
         QUrl cwd = {};                      ///< the repository; a file URL
