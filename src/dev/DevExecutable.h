@@ -21,11 +21,12 @@ public:
     static QString searchPath(const QString &path);
     static QString searchPath(const QString &path, const QString &home);
 
+    /// As it is, NAME=value each; bytes, since a value need not be text.
+    static QList<QByteArray> ownEnvironment();
     /// The program's environment without its own settings and credentials, with a child's PATH.
-    static QStringList childEnvironment();
-    /// @param environment NAME=value each
-    static QStringList childEnvironment(const QStringList &environment, const QString &applicationPath,
-                                        const QString &home);
+    static QList<QByteArray> childEnvironment();
+    static QList<QByteArray> childEnvironment(const QList<QByteArray> &environment, const QString &applicationPath,
+                                              const QString &home);
 };
 
 } // namespace lmp

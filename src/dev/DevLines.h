@@ -22,7 +22,7 @@ class DevLines {
 public:
     /// Whole lines, each with its line feed; or the notice, as the last item, that a line was too long.
     struct Batch {
-        QByteArray bytes;
+        QByteArray bytes = {};
         bool tooLong = false;
     };
 

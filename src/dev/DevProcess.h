@@ -21,8 +21,8 @@ class DevProcessRegistry;
 /// resumes on the calling thread, which must run an event loop. The child leads a session and a process group of its
 /// own, inherits no descriptor but its three pipes, and stands under a guardian process that ends all it has started,
 /// whatever becomes of this program. It has ended when the whole of that is gone. Letting go of the last reference
-/// ends it like `terminate(0)`.
-class DevProcess : public std::enable_shared_from_this<DevProcess> {
+/// ends it as `terminate` does.
+class DevProcess {
     struct Key {};
 
 public:
@@ -66,6 +66,10 @@ public:
     static std::expected<std::shared_ptr<DevProcess>, Failure> launch(Command command);
     static std::expected<std::shared_ptr<DevProcess>, Failure> launch(Command command, DevProcessRegistry &registry);
 
+    /// With everything given: `program` a path, and the whole environment of the child but for `extra`.
+    static std::expected<std::shared_ptr<DevProcess>, Failure> launch(Command command, QList<QByteArray> environment,
+                                                                      DevProcessRegistry &registry);
+
     DevProcess(Key, std::shared_ptr<ChildIO> io);
     ~DevProcess();
 
@@ -94,10 +98,12 @@ public:
     bool isRunning() const;
     /// Waits for the end. @return how it ended
     QCoro::Task<Exit> exited();
+    /// The same, blocking; not for the UI thread. @return whether it has ended within `timeout`
+    bool waitForEnd(std::chrono::milliseconds timeout) const;
     /// How it ended, none while it runs.
     std::optional<Exit> exit() const;
 
-    /// The last 4,000 characters of its standard error, without colour codes.
+    /// The last 4,000 characters of its standard error, without colour codes. Complete once it has ended.
     QString stderrTail() const;
 
 private:

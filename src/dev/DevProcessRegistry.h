@@ -2,15 +2,18 @@
 
 #include "dev/DevProcess.h"
 
+#include <QHash>
+
 #include <mutex>
-#include <unordered_map>
 
 namespace lmp {
 
+struct ChildSpawn;
+
 /// The children that live, and the refusal of new ones once the program quits.
 ///
-/// One for the process (`shared`); tests make their own. Any thread. One lock covers the looking at the quitting flag
-/// and the entering of a new child, so no child can start after the quit has looked who is there.
+/// One for the process (`shared`); tests make their own. Any thread. One lock covers the look at the quitting flag and
+/// the entering of a new child, so no child can start after the quit has looked who is there.
 class DevProcessRegistry {
 public:
     static constexpr std::chrono::milliseconds quitGrace{1000};
@@ -29,10 +32,18 @@ public:
 
 private:
     friend class DevProcess;
+    using Start = std::function<std::expected<std::shared_ptr<ChildIO>, DevProcess::Failure>()>;
 
-    mutable std::mutex m_lock;
-    bool m_quitting = false;
-    std::unordered_map<QUuid, std::weak_ptr<ChildIO>> m_children;
+    /// Runs `start` unless the program quits, and enters what it started.
+    std::expected<std::shared_ptr<ChildIO>, DevProcess::Failure> enter(const Start &start);
+
+    /// Shared with the children, which leave it as they end.
+    struct State {
+        std::mutex lock;
+        bool quitting = false;
+        QHash<QUuid, std::shared_ptr<ChildIO>> children;
+    };
+    std::shared_ptr<State> m_state = std::make_shared<State>();
 };
 
 } // namespace lmp

@@ -35,7 +35,7 @@ public:
 
 private:
     QByteArray cut(qsizetype end);
-    void checkLimit();
+    qsizetype enforceLimit();
 
     qsizetype m_limit;
     QByteArray m_block;   ///< its size is its room; the bytes before m_used are read
