@@ -1,6 +1,7 @@
 #include "terminal/DevCommand.h"
 
 #include "core/Detach.h"
+#include "dev/DevEngineRegistry.h"
 #include "dev/DevProcessRegistry.h"
 #include "dev/claude/ClaudeCodeEngine.h"
 #include "dev/codex/CodexEngine.h"
@@ -91,7 +92,14 @@ QCoro::Task<std::optional<ExitCode>> DevCommand::start() {
 }
 
 QCoro::Task<std::optional<ExitCode>> DevCommand::refusal() {
-    co_return std::nullopt;
+    using State = DevReadiness::State;
+    const auto probe = DevEngineRegistry::localProbes().at(m_line.engine);
+    const auto readiness = co_await probe();
+    // What could not be found out is tried: the start says it better.
+    if (readiness.state != State::missing && readiness.state != State::loggedOut)
+        co_return std::nullopt;
+    m_output.error(readiness.detail.value_or(QString()));
+    co_return ExitCode::NotSignedIn;
 }
 
 QCoro::Task<ExitCode> DevCommand::talk(QString text) {

@@ -145,6 +145,8 @@ void DevOutput::show(const ToolResult &result) {
     // What came while it ran need not be said again, unless something was missing from it.
     if (!printed.isEmpty() && rest.startsWith(printed))
         rest = partial + rest.sliced(printed.size());
+    else if (!printed.isEmpty())
+        note(u"  ╵ 全部输出："_s);
     if (rest.trimmed().isEmpty())
         return;
     if (result.isError)

@@ -5,6 +5,7 @@
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
 #include "terminal/DevCommand.h"
+#include "terminal/DoctorCommand.h"
 #include "terminal/GuestCommand.h"
 
 #include <csignal>
@@ -98,6 +99,8 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
 }
 
 QCoro::Task<ExitCode> TerminalApplication::localCommand() {
+    if (m_line.command == CommandLine::Command::Doctor)
+        return DoctorCommand::run(&m_console, m_line.json);
     m_dev = std::make_unique<DevCommand>(m_console, m_input, m_line.dev);
     return m_dev->run();
 }
