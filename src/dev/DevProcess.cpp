@@ -111,7 +111,8 @@ DevProcess::DevProcess(Key, std::shared_ptr<ChildIO> io)
     : m_io(std::move(io)) {}
 
 DevProcess::~DevProcess() {
-    m_io->terminate(releaseGrace);
+    if (!m_asked)
+        m_io->terminate(releaseGrace);
 }
 
 QUuid DevProcess::ownershipID() const {
@@ -143,11 +144,12 @@ void DevProcess::closeStdin() {
 }
 
 void DevProcess::terminate(std::chrono::milliseconds grace) {
+    m_asked = true;
     m_io->terminate(grace);
 }
 
 QCoro::Task<bool> DevProcess::terminateAndWait(std::chrono::milliseconds timeout) {
-    m_io->terminate(1s);
+    terminate(1s);
     return endWithin(m_io, timeout);
 }
 

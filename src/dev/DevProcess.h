@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QUuid>
 
+#include <atomic>
 #include <chrono>
 #include <expected>
 #include <memory>
@@ -108,6 +109,7 @@ public:
 
 private:
     std::shared_ptr<ChildIO> m_io;
+    std::atomic_bool m_asked = false; ///< to end; letting go of it then takes none of its time away
 };
 
 } // namespace lmp
