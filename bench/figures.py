@@ -17,6 +17,7 @@ import sys
 import time
 from pathlib import Path
 
+import child_figures
 import window_figures
 
 HERE = Path(__file__).resolve().parent
@@ -233,7 +234,21 @@ def window_chat(figures):
     window_figures.chat(figures, alternate, ROUNDS)
 
 
-ALL = {one.__name__: one for one in (close, chunk, latency, memory, records, chat, markdown, version, window, window_chat)}
+def child_lines(figures):
+    """1,000,000 lines of 200 bytes out of a child, a line of 10 MB and more, and a flood that nobody takes"""
+    child_figures.lines(figures, alternate)
+    child_figures.long_line(figures, alternate)
+    child_figures.stalled(figures, alternate)
+
+
+def children(figures):
+    """Stopping and killing the program: nothing that its children have started is left"""
+    child_figures.quitting(figures)
+    child_figures.rounds(figures)
+
+
+RUN = (close, chunk, latency, memory, records, chat, markdown, version, child_lines, children, window, window_chat)
+ALL = {one.__name__: one for one in RUN}
 
 
 def main():

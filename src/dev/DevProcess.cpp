@@ -35,12 +35,17 @@ QList<QByteArray> encoded(const QStringList &texts) {
     return list;
 }
 
-/// @param extra wins over what is there
-QList<QByteArray> withExtra(QList<QByteArray> environment, const QList<std::pair<QString, QString>> &extra) {
-    for (const auto &[name, value] : extra) {
-        const QByteArray start = name.toUtf8() + '=';
-        environment.removeIf([&start](const QByteArray &entry) { return entry.startsWith(start); });
-        environment.append(start + QFile::encodeName(value));
+void removeVariable(QList<QByteArray> &environment, const QString &name) {
+    const QByteArray start = name.toUtf8() + '=';
+    environment.removeIf([&start](const QByteArray &entry) { return entry.startsWith(start); });
+}
+
+QList<QByteArray> environmentFor(const DevProcess::Command &command, QList<QByteArray> environment) {
+    for (const QString &name : command.without)
+        removeVariable(environment, name);
+    for (const auto &[name, value] : command.extra) {
+        removeVariable(environment, name);
+        environment.append(name.toUtf8() + '=' + QFile::encodeName(value));
     }
     return environment;
 }
@@ -96,7 +101,7 @@ DevProcess::launch(Command command, QList<QByteArray> environment, DevProcessReg
         .guardian = guardianPath(),
         .directory = QFile::encodeName(command.directory),
         .arguments = encoded(QStringList(command.program) + command.arguments),
-        .environment = withExtra(std::move(environment), command.extra),
+        .environment = environmentFor(command, std::move(environment)),
     };
     auto io = registry.enter([&order, kind = command.output] { return spawn(order, kind); });
     if (!io)

@@ -59,6 +59,7 @@ public:
         QStringList arguments = {};
         QString directory = {};                        ///< the working directory; it must exist
         QList<std::pair<QString, QString>> extra = {}; ///< environment on top of what a child gets
+        QStringList without = {};                      ///< names that it does not get
         Output output = Output::Lines;
     };
 

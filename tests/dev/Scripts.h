@@ -11,6 +11,9 @@
 
 namespace lmp {
 
+/// A script that starts children of all kinds and says "ready" when they are there; see the file.
+inline const QString family = QStringLiteral(LMP_TEST_DATA "/dev/family.py");
+
 /// Real little programs on disk, in a folder that goes with it, and children of a registry of their own.
 class Scripts {
 public:
@@ -36,6 +39,14 @@ public:
         const QString name = QStringLiteral("script%1").arg(++m_count);
         return DevProcess::launch(
             {.program = write(name, text), .arguments = std::move(arguments), .directory = folder()}, registry);
+    }
+    /// The family, which is known to start.
+    std::shared_ptr<DevProcess> startFamily(bool deaf) {
+        return DevProcess::launch({.program = family,
+                                   .arguments = deaf ? QStringList{QStringLiteral("deaf")} : QStringList(),
+                                   .directory = folder()},
+                                  registry)
+            .value();
     }
     /// A child that is known to start.
     std::shared_ptr<DevProcess> start(const QByteArray &text, QStringList arguments = {}) {
@@ -73,47 +84,13 @@ inline bool runs(qint64 pid) {
     return !text.isEmpty() && text.mid(text.lastIndexOf(')') + 2, 1) != "Z";
 }
 
-/// A script that starts a family and says "ready" when it is there: a child in the same group, one in a session of its
-/// own, one below that whose parent has ended. All are deaf to a polite end when the first argument is "deaf". Each
-/// writes its number into a file of the folder.
-inline const QByteArray family = R"(#!/usr/bin/env python3
-import os, signal, sys, time
-def live(name):
-    if sys.argv[1:] == ["deaf"]:
-        signal.signal(signal.SIGTERM, signal.SIG_IGN)
-        signal.signal(signal.SIGHUP, signal.SIG_IGN)
-    with open(name + ".new", "w") as file: file.write(str(os.getpid()))
-    os.rename(name + ".new", name)
-def stay(name):
-    live(name)
-    while True: time.sleep(1000)
-if os.fork() == 0: stay("group.pid")
-if os.fork() == 0:
-    os.setsid()
-    if os.fork() == 0:
-        if os.fork() == 0:
-            os.setsid()
-            stay("orphan.pid")
-        os._exit(0)
-    stay("session.pid")
-live("main.pid")
-while not all(os.path.exists(n + ".pid") for n in ("group", "session", "orphan")): time.sleep(0.005)
-print("ready", flush=True)
-for line in sys.stdin:
-    if line == "leave\n": sys.exit(7)
-    print(line, end="", flush=True)
-while sys.argv[1:] == ["deaf"]: time.sleep(1000)
-)";
-inline const QStringList familyNames = {QStringLiteral("main.pid"), QStringLiteral("group.pid"),
-                                        QStringLiteral("session.pid"), QStringLiteral("orphan.pid")};
-
-/// The numbers of a family that is ready, in the order of `familyNames`.
-inline QList<qint64> familyIn(const Scripts &scripts) {
+/// The numbers of a family, out of the line that says it is ready.
+inline QList<qint64> familyIn(const QByteArray &line) {
     QList<qint64> pids;
-    for (const QString &name : familyNames) {
-        pids.append(scripts.read(name).toLongLong());
-        QFile::remove(scripts.path(name));
-    }
+    const auto words = line.trimmed().split(' ');
+    if (words.first() == "ready")
+        std::ranges::transform(words.sliced(1), std::back_inserter(pids),
+                               [](const auto &word) { return word.toLongLong(); });
     return pids;
 }
 
