@@ -5,6 +5,7 @@
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
 #include "terminal/DevCommand.h"
+#include "terminal/DevGitCommand.h"
 #include "terminal/DoctorCommand.h"
 #include "terminal/GuestCommand.h"
 
@@ -101,6 +102,10 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
 QCoro::Task<ExitCode> TerminalApplication::localCommand() {
     if (m_line.command == CommandLine::Command::Doctor)
         return DoctorCommand::run(&m_console, m_line.json);
+    if (m_line.command == CommandLine::Command::DevGit)
+        return DevGitCommand::show(&m_console, m_line);
+    if (m_line.command == CommandLine::Command::DevWorktree)
+        return DevGitCommand::newWorktree(&m_console, m_line);
     m_dev = std::make_unique<DevCommand>(m_console, m_input, m_line.dev);
     return m_dev->run();
 }
