@@ -69,7 +69,7 @@ private:
     void write(const QByteArray &line);
 
     Write m_write;
-    qint64 m_nextId = 0;
+    qint64 m_nextId = 1;
     std::map<qint64, Waiting> m_pendingResponses;
     std::optional<QString> m_closed; ///< why nothing is sent any more
 };

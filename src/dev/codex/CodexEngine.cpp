@@ -36,8 +36,9 @@ std::optional<QString> unlessEmpty(const std::optional<QString> &text) {
 
 } // namespace
 
-CodexEngine::CodexEngine(Limits limits)
+CodexEngine::CodexEngine(QString program, Limits limits)
     : DevEngine(u"codex"_s)
+    , m_program(std::move(program))
     , m_limits(limits) {}
 
 QCoro::Task<DevEngine::Outcome<DevEngine::Session>> CodexEngine::onStart(Start request) {
@@ -45,10 +46,10 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Session>> CodexEngine::onStart(Start r
         co_return std::unexpected(DevEngineError::server(u"会话已经结束"_s));
     m_cwd = request.cwd.toLocalFile();
     m_mode = request.mode;
-    auto launched = DevProcess::launch({.program = u"codex"_s, .arguments = {u"app-server"_s}, .directory = m_cwd});
+    auto launched = DevProcess::launch({.program = m_program, .arguments = {u"app-server"_s}, .directory = m_cwd});
     if (!launched) {
         if (launched.error().kind == DevProcess::Failure::Kind::NotFound)
-            co_return std::unexpected(DevEngineError::notInstalled(u"codex"_s));
+            co_return std::unexpected(DevEngineError::notInstalled(m_program));
         co_return std::unexpected(DevEngineFailure::process(launched.error().description()));
     }
     m_proc = *launched;

@@ -26,8 +26,9 @@ public:
     static constexpr std::chrono::milliseconds stopGrace{3000};
 
     CodexEngine()
-        : CodexEngine(Limits()) {}
-    explicit CodexEngine(Limits limits);
+        : CodexEngine(QStringLiteral("codex"), Limits()) {}
+    /// @param program a name to be looked for, or an absolute path
+    CodexEngine(QString program, Limits limits);
     ~CodexEngine() override = default;
 
     DevEngineKind kind() const override { return DevEngineKind::codex; }
@@ -80,7 +81,8 @@ private:
     void yield(DevEvent event);
     void yieldAll(CodexItems::Events events);
 
-    Limits m_limits;
+    const QString m_program;
+    const Limits m_limits;
     std::shared_ptr<DevProcess> m_proc;
     std::optional<JsonRpcConnection> m_rpc;
     Channel<DevEvent> m_events{eventRoom};

@@ -212,7 +212,7 @@ void CodexItems::closeMessages(Events &out) {
 void CodexItems::closeAll(Events &out) {
     closeMessages(out);
     for (const QString &id : QStringList(m_open))
-        close(id, u"没有跑完。"_s, true, out);
+        close(id, u"已中断"_s, true, out);
 }
 
 CodexItems::Lines CodexItems::count(const CodexFileChange &change) {
