@@ -114,6 +114,8 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::onSend(QString tex
     if (!joins) {
         m_turnStartedAt = std::chrono::steady_clock::now();
         m_errorShown = false;
+        // Nothing of the last turn is under way any more, so the same id would be a new turn's.
+        m_lastTurnId.reset();
     }
     const StartTurn turn{.threadId = *m_threadId, .input = {{.text = text}}};
     const auto reply = co_await m_rpc->request(u"turn/start"_s, turn, m_limits.turn);
