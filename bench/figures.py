@@ -214,6 +214,39 @@ def markdown(figures):
     figures.hold("markdown whole", f"{one['ms']:.0f} ms for 1 MB at once (at most 150)", one["ms"] <= 150)
 
 
+def drafts(figures):
+    """What becomes of drafts when programs are killed, systems refuse and many write at once"""
+    program = figures.program("bench_drafts")
+    kills = int(os.environ.get("LMP_BENCH_KILLS", "20000"))
+    saves = int(os.environ.get("LMP_BENCH_SAVES", "10000"))
+    one = run([program, "kill", str(kills)])
+    figures.note(
+        f"{one['mid_save']:,.0f} of {one['kills']:,.0f} kills in the middle of a save, {one['acknowledged']:,.0f} saves "
+        f"acknowledged, {one['wall_ms'] / 1e3:.0f} s"
+    )
+    good = one["lost"] == 0 and one["torn"] == 0
+    figures.hold("drafts killed", f"{one['lost']:.0f} acknowledged saves lost, {one['torn']:.0f} files torn", good)
+    figures.hold("drafts left", f"{one['left']:.0f} files of killed writers left after a listing", one["left"] == 0)
+    good = one["open"] == 0 and one["looks"] > 0
+    figures.hold("drafts private", f"{one['open']:.0f} of {one['looks']:,.0f} looks found a file open to others", good)
+    one = run([program, "grid"])
+    figures.note(f"{one['reported']:.0f} reported with the old content, {one['survived']:.0f} saved whole all the same")
+    good = one["wrong"] == 0 and one["widest"] == 0 and one["reported"] > 0
+    figures.hold("drafts grid", f"{one['wrong']:.0f} of {one['cells']:.0f} cells wrong", good)
+    one = run([program, "race", "8", str(saves)])
+    figures.note(f"{one['landed']:,.0f} landed, {one['elsewhere']:,.0f} changed elsewhere, {one['seconds']:.0f} s")
+    good = one["lost"] == 0 and one["failed"] == 0 and one["landed"] + one["elsewhere"] == one["saves"]
+    figures.hold("drafts race", f"{one['lost']:.0f} updates lost of {one['saves']:,.0f} saves", good)
+    one = alternate({"all": [program, "durable", "1000"]})["all"]
+    figures.note(", ".join(f"{name} {1e6 / one[name + '_us']:,.0f}/s" for name in ("bare", "ours", "qt", "store")))
+    ratio = one["bare_us"] / one["ours_us"]
+    figures.hold("drafts durable", f"{ratio:.2f} x the bare system calls (at least 0.9)", ratio >= 0.9)
+    one = alternate({"all": [program, "typing", "1500"]}, 3)["all"]
+    figures.note(f"a key {one['key_p99_us']:.0f} us (p99), {one['key_max_us']:.0f} us at most, {one['saves']:.0f} reports")
+    held = one["held_p99_us"]
+    figures.hold("drafts typing", f"the thread of the window held for {held:.0f} us (p99, at most 1,000)", held <= 1000)
+
+
 def version(figures):
     """lumenpair --version, from exec to exit"""
     medians = alternate(
@@ -247,7 +280,8 @@ def children(figures):
     child_figures.rounds(figures)
 
 
-RUN = (close, chunk, latency, memory, records, chat, markdown, version, child_lines, children, window, window_chat)
+RUN = (close, chunk, latency, memory, records, chat, markdown, drafts, version, child_lines, children, window,
+       window_chat)
 ALL = {one.__name__: one for one in RUN}
 
 

@@ -62,7 +62,7 @@ void openSwitcher(WindowDriver &driver) {
         driver.untilQuiet();
         driver.forgetFrames();
         const auto asked = Clock::now();
-        driver.scene().commands()->run(WindowCommands::Command::Switcher);
+        driver.scene().commands()->run(AppCommands::Command::Switcher);
         driver.until("the switcher", [&] { return driver.item(u"QuickSwitcher"_s) || driver.item(u"LMPRow"_s); });
         driver.until("a frame with it", [&] { return !driver.frames().empty(); });
         std::printf("%s=%.1f ", name, WindowDriver::milliseconds(driver.frames().front().time - asked));
@@ -143,7 +143,7 @@ void stream(WindowDriver &driver) {
 /// Letters typed while a reply grows, each from when it is there to be handled until the frame that shows it.
 void keys(WindowDriver &driver) {
     beginReply(driver, u"10"_s);
-    driver.scene().commands()->run(WindowCommands::Command::TabNow);
+    driver.scene().commands()->run(AppCommands::Command::TabNow);
     std::vector<double> times;
     auto *window = &driver.window();
     std::thread typist([&] {

@@ -67,7 +67,8 @@ bool WatchedWindow::takeEvents() {
 }
 
 WatchedWindow::Frame WatchedWindow::grab() const {
-    Frame frame = {.time = Clock::now()};
+    Frame frame;
+    frame.time = Clock::now();
     XWindowAttributes attributes;
     if (!XGetWindowAttributes(m_display, m_window, &attributes) || attributes.map_state != IsViewable)
         return frame;

@@ -72,7 +72,7 @@ void Application::makeStores() {
                                                                     .tokenProvider = m_auth->tokenProvider()},
                                               *m_settings, m_clock);
     Telemetry::install(m_telemetry.get());
-    m_telemetry->startLifecycle(m_options.processStart);
+    m_telemetry->startLifecycle(m_options.processStartAt);
     if (m_options.token)
         m_auth->startWith(*m_options.token);
     else

@@ -3,6 +3,7 @@
 #include "app/LocalInputRegistry.h"
 #include "app/SandboxProcess.h"
 #include "conversation/ChatWithTwinView.h"
+#include "conversation/ConversationInputDraftStore.h"
 #include "core/AuthStore.h"
 #include "core/CapabilityStore.h"
 #include "core/LoginModel.h"
@@ -38,7 +39,7 @@ public:
         QString viewport;             ///< what the person looks at, for telemetry
         /// Neither token nor telemetry: nothing is read, recorded or sent but what is asked for.
         bool withoutTrace = false;
-        std::chrono::nanoseconds processStart{0}; ///< on the monotonic clock
+        std::chrono::nanoseconds processStartAt{0}; ///< on the monotonic clock
     };
 
     explicit Application(Options options);
@@ -70,6 +71,7 @@ public:
     /// Where this profile's files live.
     const ApplicationSupport &support() const { return m_support; }
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
+    ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
     WebAuthPresenter &webAuth() { return m_webAuth; }

@@ -241,11 +241,11 @@ void Telemetry::append(const QString &name, const EventSubject &subject, const P
         flush();
 }
 
-void Telemetry::startLifecycle(std::chrono::nanoseconds processStart) {
+void Telemetry::startLifecycle(std::chrono::nanoseconds processStartAt) {
     if (std::exchange(m_didStartLifecycle, true))
         return;
     const bool fresh = touchSession();
-    const std::chrono::duration<double, std::milli> duration = m_clock.monotonic() - processStart;
+    const std::chrono::duration<double, std::milli> duration = m_clock.monotonic() - processStartAt;
     append(u"stability.app.cold_start"_s, installation(), {{u"appVersion"_s, m_deployment.appVersion}},
            {{u"duration"_s, duration.count()}});
     if (fresh)

@@ -45,8 +45,8 @@ public:
     /// dropped.
     void record(const QString &name, const EventSubject &subject, const Props &props = {}, const Metrics &metrics = {});
     /// The events of a program's start, once; the flush of every minute begins here.
-    /// @param processStart when the process started, on `Clock::monotonic`
-    void startLifecycle(std::chrono::nanoseconds processStart);
+    /// @param processStartAt when the process started, on `Clock::monotonic`
+    void startLifecycle(std::chrono::nanoseconds processStartAt);
     /// The program is no longer looked at: what is queued is kept and sent.
     void enteredBackground();
     /// Sends one batch, unless one is on its way.

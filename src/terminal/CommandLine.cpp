@@ -18,7 +18,7 @@ namespace {
 
 /// The parser's strings beside the options they become.
 struct Words {
-    std::string site, profile, conversation, email, phone, dialCode = "+86", region, shownId;
+    std::string site, profile, conversation, email, phone, dialCode = "+86", region, shownId, draftId;
     std::vector<std::string> text;
 };
 
@@ -86,6 +86,22 @@ void addConversations(CLI::App &app, CommandLine &line, Words &words) {
     show->callback([&line] { line.command = CommandLine::Command::ConversationShow; });
 }
 
+void addDrafts(CLI::App &app, CommandLine &line, Words &words) {
+    auto *all = app.add_subcommand("drafts", "看本机的草稿：未同步的对话和未发送的输入")->group("命令");
+    all->require_subcommand(1);
+    auto *list = all->add_subcommand("list", "列出草稿")->group("命令");
+    auto *show = all->add_subcommand("show", "显示一份草稿")->group("命令");
+    auto *discard = all->add_subcommand("discard", "丢弃一份草稿，先问过再丢")->group("命令");
+    for (auto *one : {show, discard})
+        one->add_option("ID", words.draftId, "对话编号")->type_name("")->required();
+    for (auto *one : {list, show})
+        one->add_flag("--json", line.draftJson, "标准输出一行一个 JSON 记录");
+    discard->add_flag("--yes", line.discardSurely, "不再问");
+    list->callback([&line] { line.command = CommandLine::Command::DraftList; });
+    show->callback([&line] { line.command = CommandLine::Command::DraftShow; });
+    discard->callback([&line] { line.command = CommandLine::Command::DraftDiscard; });
+}
+
 void addCrisis(CLI::App &app, CommandLine &line, Words &words) {
     auto *crisis = app.add_subcommand("crisis", "现在很难受？先看这个（不用登录，不记录你来过）")->group("命令");
     crisis->add_option("REGION", words.region, "地区代码，例如 CN、HK、US")->type_name("");
@@ -130,6 +146,7 @@ void takeOver(CommandLine &line, const Words &words) {
     line.profile = fromUtf8(words.profile);
     line.conversationId =
         fromUtf8(line.command == CommandLine::Command::ConversationShow ? words.shownId : words.conversation);
+    line.draftId = fromUtf8(words.draftId);
     line.email = fromUtf8(words.email);
     line.phone = fromUtf8(words.phone);
     line.dialCode = fromUtf8(words.dialCode);
@@ -158,6 +175,7 @@ std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, cons
     addChat(app, line, words);
     addSession(app, line, words);
     addConversations(app, line, words);
+    addDrafts(app, line, words);
     addCrisis(app, line, words);
     DevCommandLine dev(app, line, argc, argv);
     try {

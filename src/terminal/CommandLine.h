@@ -21,6 +21,9 @@ struct CommandLine {
         WhoAmI,
         ConversationList,
         ConversationShow,
+        DraftList,
+        DraftShow,
+        DraftDiscard,
         Crisis,
         Dev,
         DevGit,
@@ -67,6 +70,11 @@ struct CommandLine {
     bool password = false;
     bool guest = false;
     bool google = false;
+
+    // drafts
+    QString draftId;
+    bool draftJson = false;
+    bool discardSurely = false;
 
     // crisis
     QString region;

@@ -7,6 +7,7 @@
 #include "terminal/DevCommand.h"
 #include "terminal/DevGitCommand.h"
 #include "terminal/DoctorCommand.h"
+#include "terminal/DraftCommands.h"
 #include "terminal/GuestCommand.h"
 
 #include <csignal>
@@ -15,16 +16,16 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
-TerminalApplication::TerminalApplication(CommandLine line, std::chrono::nanoseconds processStart)
+TerminalApplication::TerminalApplication(CommandLine line, std::chrono::nanoseconds processStartAt)
     : m_line(std::move(line))
     , m_input(m_console)
-    , m_application(options(m_line, processStart)) {
+    , m_application(options(m_line, processStartAt)) {
     connect(&m_signals, &SignalWatcher::caught, this, &TerminalApplication::onSignal);
 }
 
 TerminalApplication::~TerminalApplication() = default;
 
-Application::Options TerminalApplication::options(const CommandLine &line, std::chrono::nanoseconds processStart) {
+Application::Options TerminalApplication::options(const CommandLine &line, std::chrono::nanoseconds processStartAt) {
     const QString site = line.site.isEmpty() && !line.sandbox ? qEnvironmentVariable("LMP_SITE") : line.site;
     const QString token = qEnvironmentVariable("LMP_TOKEN");
     const bool crisis = line.command == CommandLine::Command::Crisis;
@@ -33,7 +34,7 @@ Application::Options TerminalApplication::options(const CommandLine &line, std::
             .token = token.isEmpty() || crisis ? std::nullopt : std::optional(token),
             .viewport = u"terminal"_s,
             .withoutTrace = crisis,
-            .processStart = processStart};
+            .processStartAt = processStartAt};
 }
 
 int TerminalApplication::run() {
@@ -92,6 +93,12 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         return ConversationCommands::list(&m_application, &m_console);
     case CommandLine::Command::ConversationShow:
         return ConversationCommands::show(&m_application, &m_console, m_line.conversationId);
+    case CommandLine::Command::DraftList:
+        return DraftCommands::list(&m_application, &m_console, m_line.draftJson);
+    case CommandLine::Command::DraftShow:
+        return DraftCommands::show(&m_application, &m_console, m_line.draftId, m_line.draftJson);
+    case CommandLine::Command::DraftDiscard:
+        return DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
     case CommandLine::Command::Crisis:
         return CrisisCommand::run(&m_application, &m_console, m_line.region);
     default:

@@ -20,7 +20,7 @@ class DevCommand;
 class TerminalApplication : public QObject {
     Q_OBJECT
 public:
-    TerminalApplication(CommandLine line, std::chrono::nanoseconds processStart);
+    TerminalApplication(CommandLine line, std::chrono::nanoseconds processStartAt);
     ~TerminalApplication() override;
 
     /// Runs the event loop until the command is done.
@@ -33,7 +33,7 @@ private:
     QCoro::Task<ExitCode> localCommand();
     void followNotices();
     void onSignal(int signal);
-    static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStart);
+    static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStartAt);
 
     CommandLine m_line;
     Console m_console;

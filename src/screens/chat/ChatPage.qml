@@ -44,6 +44,7 @@ FocusScope {
         id: page
 
         anchors.fill: parent
+        focus: true
         title: root.chat.open ? root.chat.title : "对话"
 
         actions: LMPText {
@@ -108,9 +109,24 @@ FocusScope {
             LMPComposer {
                 id: composer
 
-                attachmentsArea: RetryTarget {
-                    chat: root.chat
+                attachmentsArea: Column {
+                    spacing: Theme.space4
                     width: parent.width
+
+                    InputNotice {
+                        chat: root.chat
+                        width: parent.width
+                    }
+                    InputConflict {
+                        chat: root.chat
+                        width: parent.width
+
+                        onChosen: root.focusInput()
+                    }
+                    RetryTarget {
+                        chat: root.chat
+                        width: parent.width
+                    }
                 }
                 busy: root.chat.sending
                 canSend: root.chat.canSend

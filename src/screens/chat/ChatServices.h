@@ -1,8 +1,8 @@
 #pragma once
 
 #include "conversation/ChatWithTwinView.h"
+#include "conversation/ConversationInputDraftStore.h"
 #include "platform/ExternalOpener.h"
-#include "screens/chat/ComposerInputFile.h"
 
 namespace lmp {
 
@@ -16,7 +16,7 @@ struct ChatServices {
     SSEClient events;
     ConversationAccount account;
     ConversationDraftCache drafts;
-    ComposerInputFile inputs;
+    ConversationInputDraftStore inputs;
     Clock *clock = nullptr;
     SafetyGateStore *safety = nullptr;
     ChatWithTwinView::Recorder recorder;

@@ -59,7 +59,7 @@ void switcher(GalleryStage &stage, const QString &query) {
     with(50)(stage);
     stage.until(u"what is read after the first frame"_s,
                 [&stage] { return stage.visibleItem(u"WindowExtras"_s) != nullptr; });
-    stage.then([&stage] { stage.scene().commands()->run(WindowCommands::Command::Switcher); });
+    stage.then([&stage] { stage.scene().commands()->run(AppCommands::Command::Switcher); });
     if (query.isEmpty())
         return;
     stage.then([&stage, query] { stage.scene().switcher()->setQuery(query); });

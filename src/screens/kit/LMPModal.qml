@@ -9,14 +9,36 @@ T.Popup {
     /// What a screen reader calls it, and what it reads with that.
     property string accessibleDescription
     property string accessibleName
-    /// What had the keyboard before; null when it went away in the meantime.
+    /// What had the keyboard before, or asked for it since; null when it went away in the meantime.
     property Item before: null
+    /// From when it is asked to open until it is asked to close.
+    property bool held: false
+    readonly property Timer keeper: Timer {
+        id: keeper
+
+        interval: 0
+
+        onTriggered: root.keepKeyboard()
+    }
     /// Gets the keys that nothing else took, so that long words can be read with the keyboard on a button.
     property Item scroller: null
     readonly property real windowHeight: root.parent ? root.parent.height : 0
     readonly property real windowWidth: root.parent ? root.parent.width : 0
 
     signal escaped
+
+    /// Takes the keyboard back from what is behind: a screen that comes up there may ask for it.
+    function keepKeyboard(): void {
+        const taker = root.held && root.parent ? root.parent.Window.activeFocusItem : null;
+        for (let item = taker; item; item = item.parent) {
+            if (item === root.parent)
+                return;
+        }
+        if (!taker)
+            return;
+        root.before = taker;
+        root.forceActiveFocus(Qt.PopupFocusReason);
+    }
 
     T.Overlay.modal: Rectangle {
         color: Theme.scrim
@@ -62,7 +84,15 @@ T.Popup {
         }
     }
 
-    onAboutToShow: root.before = root.parent ? root.parent.Window.activeFocusItem : null
+    onActiveFocusChanged: {
+        if (root.held && !root.activeFocus)
+            keeper.start();
+    }
+    onAboutToHide: root.held = false
+    onAboutToShow: {
+        root.held = true;
+        root.before = root.parent ? root.parent.Window.activeFocusItem : null;
+    }
     onClosed: {
         if (root.before)
             root.before.forceActiveFocus(Qt.PopupFocusReason);

@@ -6,7 +6,7 @@ import Lumenpair.Shell
 SettingsPart {
     id: root
 
-    required property WindowCommands commands
+    required property AppCommands commands
 
     title: "快捷键"
 

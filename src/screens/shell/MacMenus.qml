@@ -23,20 +23,20 @@ MenuBar {
             role: MenuItem.PreferencesRole
             shortcut: "Ctrl+,"
             text: "设置…"
-            onTriggered: root.scene.commands.run(WindowCommands.Settings)
+            onTriggered: root.scene.commands.run(AppCommands.Settings)
         }
 
         MenuItem {
             role: MenuItem.ApplicationSpecificRole
             text: "检查更新…"
-            onTriggered: root.scene.commands.run(WindowCommands.CheckUpdates)
+            onTriggered: root.scene.commands.run(AppCommands.CheckUpdates)
         }
 
         MenuItem {
             role: MenuItem.QuitRole
             shortcut: "Ctrl+Q"
             text: "退出 Lumenpair"
-            onTriggered: root.scene.commands.run(WindowCommands.Quit)
+            onTriggered: root.scene.commands.run(AppCommands.Quit)
         }
     }
 
@@ -46,18 +46,18 @@ MenuBar {
         MenuItem {
             shortcut: "Ctrl+N"
             text: "新对话"
-            onTriggered: root.scene.commands.run(WindowCommands.NewConversation)
+            onTriggered: root.scene.commands.run(AppCommands.NewConversation)
         }
 
         MenuItem {
             text: "新的无痕对话"
-            onTriggered: root.scene.commands.run(WindowCommands.NewIncognito)
+            onTriggered: root.scene.commands.run(AppCommands.NewIncognito)
         }
 
         MenuItem {
             shortcut: "Ctrl+Shift+N"
             text: "新窗口"
-            onTriggered: root.scene.commands.run(WindowCommands.NewWindow)
+            onTriggered: root.scene.commands.run(AppCommands.NewWindow)
         }
 
         MenuSeparator {
@@ -66,7 +66,7 @@ MenuBar {
         MenuItem {
             shortcut: "Ctrl+W"
             text: "关闭窗口"
-            onTriggered: root.scene.commands.run(WindowCommands.CloseWindow)
+            onTriggered: root.scene.commands.run(AppCommands.CloseWindow)
         }
     }
 
@@ -118,7 +118,7 @@ MenuBar {
         MenuItem {
             shortcut: "Ctrl+F"
             text: "在对话列表里查找"
-            onTriggered: root.scene.commands.run(WindowCommands.Find)
+            onTriggered: root.scene.commands.run(AppCommands.Find)
         }
     }
 
@@ -128,19 +128,19 @@ MenuBar {
         MenuItem {
             shortcut: "Ctrl++"
             text: "放大"
-            onTriggered: root.scene.commands.run(WindowCommands.Larger)
+            onTriggered: root.scene.commands.run(AppCommands.Larger)
         }
 
         MenuItem {
             shortcut: "Ctrl+-"
             text: "缩小"
-            onTriggered: root.scene.commands.run(WindowCommands.Smaller)
+            onTriggered: root.scene.commands.run(AppCommands.Smaller)
         }
 
         MenuItem {
             shortcut: "Ctrl+0"
             text: "恢复原来的大小"
-            onTriggered: root.scene.commands.run(WindowCommands.ResetScale)
+            onTriggered: root.scene.commands.run(AppCommands.ResetScale)
         }
 
         MenuSeparator {
@@ -149,7 +149,7 @@ MenuBar {
         MenuItem {
             shortcut: "Ctrl+B"
             text: "收起或展开侧栏"
-            onTriggered: root.scene.commands.run(WindowCommands.ToggleSidebar)
+            onTriggered: root.scene.commands.run(AppCommands.ToggleSidebar)
         }
     }
 
@@ -159,19 +159,19 @@ MenuBar {
         MenuItem {
             shortcut: "Ctrl+K"
             text: "快速切换…"
-            onTriggered: root.scene.commands.run(WindowCommands.Switcher)
+            onTriggered: root.scene.commands.run(AppCommands.Switcher)
         }
 
         MenuItem {
             shortcut: "Alt+Up"
             text: "上一段对话"
-            onTriggered: root.scene.commands.run(WindowCommands.PreviousConversation)
+            onTriggered: root.scene.commands.run(AppCommands.PreviousConversation)
         }
 
         MenuItem {
             shortcut: "Alt+Down"
             text: "下一段对话"
-            onTriggered: root.scene.commands.run(WindowCommands.NextConversation)
+            onTriggered: root.scene.commands.run(AppCommands.NextConversation)
         }
     }
 
@@ -190,7 +190,7 @@ MenuBar {
 
         MenuItem {
             text: "求助热线"
-            onTriggered: root.scene.commands.run(WindowCommands.Crisis)
+            onTriggered: root.scene.commands.run(AppCommands.Crisis)
         }
     }
 }

@@ -109,13 +109,13 @@ FocusScope {
     Connections {
         function onTriggered(command: int): void {
             switch (command) {
-            case WindowCommands.Find:
+            case AppCommands.Find:
                 root.find();
                 break;
-            case WindowCommands.NextPane:
+            case AppCommands.NextPane:
                 root.movePane(1);
                 break;
-            case WindowCommands.PreviousPane:
+            case AppCommands.PreviousPane:
                 root.movePane(-1);
                 break;
             }

@@ -11,6 +11,8 @@ LMPModal {
     accessibleName: "快速切换"
     height: Math.min(implicitContentHeight, root.windowHeight - 2 * Theme.dp(40))
     width: Math.min(Theme.dp(560), root.windowWidth - 2 * Theme.dp(16))
+    // Who has chosen goes on typing at once.
+    exit: null
     y: Math.max(Theme.dp(16), Math.round(root.windowHeight * 0.14))
 
     contentItem: SwitcherPanel {

@@ -61,13 +61,13 @@ FocusScope {
                 iconName: "search"
                 text: "快速切换"
                 visible: !root.collapsed
-                onClicked: root.scene.commands.run(WindowCommands.Switcher)
+                onClicked: root.scene.commands.run(AppCommands.Switcher)
             }
 
             LMPIconButton {
                 iconName: "sidebar"
                 text: root.collapsed ? "展开侧栏" : "收起侧栏"
-                onClicked: root.overlaid ? root.chosen() : root.scene.commands.run(WindowCommands.ToggleSidebar)
+                onClicked: root.overlaid ? root.chosen() : root.scene.commands.run(AppCommands.ToggleSidebar)
             }
         }
     }

@@ -21,17 +21,17 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using State = MacQuitCoordinator::State;
 
-WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanoseconds processStart)
+WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanoseconds processStartAt)
     : m_options(std::move(options))
-    , m_processStart(processStart)
+    , m_processStartAt(processStartAt)
     , m_settings(makeUserDefaults(ApplicationSupport(m_options.profile)))
     , m_appearance(*m_settings)
-    , m_application(WindowApplication::options(m_options, processStart))
+    , m_application(WindowApplication::options(m_options, processStartAt))
     , m_quitting([this] { return m_application.localInput().saveAll(); }, m_application.clock())
-    , m_lifecycle(m_quitting) {
+    , m_macLifecycle(m_quitting) {
     QmlModules::provide(m_engine);
     qGuiApp->installEventFilter(this);
-    connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_lifecycle, &MacAppLifecycle::endSession);
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::endSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
     connect(&m_quitting, &MacQuitCoordinator::raiseRequested, this, [this] { raise(); });
     connect(&m_quitting, &MacQuitCoordinator::terminationAllowed, this, [this] { detach(leave(), "leaving"); });
@@ -44,16 +44,18 @@ WindowApplication::~WindowApplication() {
     m_windows.clear();
 }
 
-Application::Options WindowApplication::options(const WindowOptions &options, std::chrono::nanoseconds processStart) {
+Application::Options WindowApplication::options(const WindowOptions &options, std::chrono::nanoseconds processStartAt) {
     const QString token = qEnvironmentVariable("LMP_TOKEN");
     return {.site = options.site,
             .profile = options.profile,
             .token = token.isEmpty() ? std::nullopt : std::optional(token),
             .viewport = u"window"_s,
-            .processStart = processStart};
+            .processStartAt = processStartAt};
 }
 
 bool WindowApplication::start() {
+    // The keychain answers from another thread: it is asked while the window is still being made.
+    detach(open(), "opening the service");
     WindowScene *scene = openWindow();
     if (scene && !m_options.link.isEmpty())
         scene->navigation()->openLink(m_options.link);
@@ -78,12 +80,9 @@ WindowScene *WindowApplication::openWindow() {
         delete object;
         return nullptr;
     }
-    if (m_windows.empty() && !m_shared) {
+    if (m_windows.empty())
         connect(window, &QQuickWindow::frameSwapped, this, &WindowApplication::onFirstFrame,
                 Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
-        // A window that starts minimised draws nothing.
-        QTimer::singleShot(1s, this, &WindowApplication::onFirstFrame);
-    }
     m_windows.push_back({std::move(made), std::unique_ptr<QQuickWindow>(window)});
     window->show();
     return scene;
@@ -96,25 +95,24 @@ void WindowApplication::join(WindowScene *scene) {
     });
     connect(scene, &WindowScene::closeRequested, this, [this, scene] { onCloseRequested(scene); });
     connect(scene, &WindowScene::readyToClose, this, [this, scene] { close(scene); }, Qt::QueuedConnection);
-    connect(scene->commands(), &WindowCommands::triggered, this, [this, scene](WindowCommands::Command command) {
-        if (command == WindowCommands::Command::NewWindow)
+    connect(scene->commands(), &AppCommands::triggered, this, [this, scene](AppCommands::Command command) {
+        if (command == AppCommands::Command::NewWindow)
             openWindow();
-        else if (command == WindowCommands::Command::CloseWindow)
+        else if (command == AppCommands::Command::CloseWindow)
             onCloseRequested(scene);
-        else if (command == WindowCommands::Command::Quit)
-            m_lifecycle.quit();
+        else if (command == AppCommands::Command::Quit)
+            m_macLifecycle.quit();
     });
     if (m_shared)
         scene->adopt(*m_shared);
+    else if (!m_openError.isEmpty())
+        scene->setOpenError(m_openError);
 }
 
 void WindowApplication::onFirstFrame() {
-    if (m_opening || m_shared)
-        return;
-    const auto taken = SystemClock().monotonic() - m_processStart;
+    const auto taken = SystemClock().monotonic() - m_processStartAt;
     qCDebug(logApplication) << "first frame after"
                             << std::chrono::duration_cast<std::chrono::milliseconds>(taken).count() << "ms";
-    detach(open(), "opening the service");
     m_appearance.follow();
 }
 
@@ -125,6 +123,7 @@ QCoro::Task<> WindowApplication::open() {
     if (!self)
         co_return;
     m_opening = false;
+    m_openError = opened ? QString() : opened.error();
     if (opened) {
         m_shared = std::make_unique<SharedModels>(m_application);
         detach(m_application.capabilities().refresh(), "asking for the capabilities");
@@ -135,7 +134,7 @@ QCoro::Task<> WindowApplication::open() {
         if (opened)
             shown.scene->adopt(*m_shared);
         else
-            shown.scene->setOpenError(opened.error());
+            shown.scene->setOpenError(m_openError);
     }
 }
 
@@ -144,7 +143,7 @@ QCoro::Task<> WindowApplication::open() {
 void WindowApplication::onCloseRequested(WindowScene *scene) {
     if (m_windows.size() > 1)
         scene->saveAndClose();
-    else if (m_lifecycle.mayCloseLastWindow())
+    else if (m_macLifecycle.mayCloseLastWindow())
         close(scene);
 }
 

@@ -23,7 +23,7 @@ struct SharedModels;
 class WindowApplication : public QObject {
     Q_OBJECT
 public:
-    WindowApplication(WindowOptions options, std::chrono::nanoseconds processStart);
+    WindowApplication(WindowOptions options, std::chrono::nanoseconds processStartAt);
     ~WindowApplication() override;
 
     /// Shows the first window, and the link that the program was started with.
@@ -63,17 +63,18 @@ private:
     void raise(const QString &activationToken = {});
     const Shown *front() const;
     void openLink(const QString &link);
-    static Application::Options options(const WindowOptions &options, std::chrono::nanoseconds processStart);
+    static Application::Options options(const WindowOptions &options, std::chrono::nanoseconds processStartAt);
 
     WindowOptions m_options;
-    std::chrono::nanoseconds m_processStart;
+    std::chrono::nanoseconds m_processStartAt;
     std::unique_ptr<Settings> m_settings;
     AppearanceModel m_appearance;
     Application m_application;
     MacQuitCoordinator m_quitting;
-    MacAppLifecycle m_lifecycle;
+    MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
+    QString m_openError; ///< why the service was not found; for windows that open after that
     QQmlEngine m_engine;
     std::unique_ptr<QQmlComponent> m_windowType;
     std::vector<Shown> m_windows;

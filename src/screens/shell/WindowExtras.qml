@@ -70,7 +70,7 @@ Item {
 
     Connections {
         function onTriggered(command: int): void {
-            if (command === WindowCommands.Switcher)
+            if (command === AppCommands.Switcher)
                 root.openSwitcher();
         }
 

@@ -6,7 +6,7 @@
 namespace lmp {
 
 using namespace Qt::StringLiterals;
-using Command = WindowCommands::Command;
+using Command = AppCommands::Command;
 
 WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting, QObject *parent)
     : QObject(parent)
@@ -15,7 +15,7 @@ WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQui
     , m_layout(settings)
     , m_switcher([this] { return destinations(); }) {
     connect(&m_navigation, &WindowNavigation::conversationRequested, this, &WindowScene::openConversation);
-    connect(&m_commands, &WindowCommands::triggered, this, &WindowScene::onCommand);
+    connect(&m_commands, &AppCommands::triggered, this, &WindowScene::onCommand);
     connect(&m_switcher, &QuickSwitcherModel::chosen, this, &WindowScene::goTo);
 }
 
@@ -205,7 +205,7 @@ QList<SwitcherEntry> WindowScene::destinations() const {
                                   .draft = value(ConversationListModel::DraftRole).toBool()};
         (entry.unread > 0 ? unread : others) << entry;
     }
-    for (const auto &entry : WindowCommands::table()) {
+    for (const auto &entry : AppCommands::table()) {
         const bool page = entry.command >= Command::TabNow && entry.command <= Command::Settings;
         if (!entry.iconName.isEmpty() && m_commands.enabled(entry))
             (page ? pages : commands) << SwitcherEntry{.kind = page ? SwitcherEntry::Kind::Page
@@ -213,7 +213,7 @@ QList<SwitcherEntry> WindowScene::destinations() const {
                                                        .key = QString::number(int(entry.command)),
                                                        .title = entry.title,
                                                        .iconName = entry.iconName,
-                                                       .shortcutText = WindowCommands::keysText(entry.keys)};
+                                                       .shortcutText = AppCommands::keysText(entry.keys)};
     }
     return unread + others + pages + commands;
 }

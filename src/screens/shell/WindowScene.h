@@ -2,10 +2,10 @@
 
 #include "app/LocalInputRegistry.h"
 #include "app/MacQuitCoordinator.h"
+#include "screens/shell/AppCommands.h"
 #include "screens/shell/AppearanceModel.h"
 #include "screens/shell/QuickSwitcherModel.h"
 #include "screens/shell/SharedModels.h"
-#include "screens/shell/WindowCommands.h"
 #include "screens/shell/WindowLayout.h"
 #include "screens/shell/WindowNavigation.h"
 
@@ -29,7 +29,7 @@ class WindowScene : public QObject {
     Q_PROPERTY(lmp::AppearanceModel *appearance READ appearance CONSTANT)
     Q_PROPERTY(lmp::WindowLayout *layout READ layout CONSTANT)
     Q_PROPERTY(lmp::WindowNavigation *navigation READ navigation CONSTANT)
-    Q_PROPERTY(lmp::WindowCommands *commands READ commands CONSTANT)
+    Q_PROPERTY(lmp::AppCommands *commands READ commands CONSTANT)
     Q_PROPERTY(lmp::QuickSwitcherModel *switcher READ switcher CONSTANT)
     Q_PROPERTY(lmp::WindowScene::Stage stage READ stage NOTIFY stageChanged)
     /// Why there is no service; empty while it is being looked for.
@@ -70,7 +70,7 @@ public:
     AppearanceModel *appearance() { return &m_appearance; }
     WindowLayout *layout() { return &m_layout; }
     WindowNavigation *navigation() { return &m_navigation; }
-    WindowCommands *commands() { return &m_commands; }
+    AppCommands *commands() { return &m_commands; }
     QuickSwitcherModel *switcher() { return &m_switcher; }
     Stage stage() const { return m_stage; }
     const QString &openError() const { return m_openError; }
@@ -115,7 +115,7 @@ Q_SIGNALS:
 private:
     void settleStage();
     void enterShell();
-    void onCommand(WindowCommands::Command command);
+    void onCommand(AppCommands::Command command);
     void goTo(const SwitcherEntry &entry);
     QList<SwitcherEntry> destinations() const;
     QCoro::Task<> save();
@@ -128,7 +128,7 @@ private:
     MacQuitCoordinator &m_quitting;
     WindowLayout m_layout;
     WindowNavigation m_navigation;
-    WindowCommands m_commands;
+    AppCommands m_commands;
     QuickSwitcherModel m_switcher;
     SharedModels *m_shared = nullptr;
     std::unique_ptr<CrisisResourcesModel> m_crisis;

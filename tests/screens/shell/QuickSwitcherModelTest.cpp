@@ -1,5 +1,5 @@
 #include "screens/shell/QuickSwitcherModel.h"
-#include "screens/shell/WindowCommands.h"
+#include "screens/shell/AppCommands.h"
 #include "support/Await.h"
 
 #include <QAbstractItemModelTester>
@@ -84,23 +84,23 @@ TEST(QuickSwitcherModelTest, OffersTheLikeliestFirst) {
     EXPECT_EQ(model.count(), 0);
 }
 
-TEST(WindowCommandsTest, TheTableIsWhole) {
-    WindowCommands commands;
+TEST(AppCommandsTest, TheTableIsWhole) {
+    AppCommands commands;
     const QAbstractItemModelTester tester(&commands, QAbstractItemModelTester::FailureReportingMode::Fatal);
     QStringList keys;
-    for (qsizetype at = 0; at < WindowCommands::table().size(); ++at) {
-        EXPECT_EQ(int(WindowCommands::table()[at].command), at);
-        keys << WindowCommands::table()[at].keys;
+    for (qsizetype at = 0; at < AppCommands::table().size(); ++at) {
+        EXPECT_EQ(int(AppCommands::table()[at].command), at);
+        keys << AppCommands::table()[at].keys;
     }
     EXPECT_EQ(keys.removeDuplicates(), 0);
-    std::vector<WindowCommands::Command> run;
-    QObject::connect(&commands, &WindowCommands::triggered,
-                     [&](WindowCommands::Command command) { run.push_back(command); });
-    commands.run(WindowCommands::Command::NewConversation);
-    commands.run(WindowCommands::Command::Quit);
+    std::vector<AppCommands::Command> run;
+    QObject::connect(&commands, &AppCommands::triggered,
+                     [&](AppCommands::Command command) { run.push_back(command); });
+    commands.run(AppCommands::Command::NewConversation);
+    commands.run(AppCommands::Command::Quit);
     commands.setShellShown(true);
-    commands.run(WindowCommands::Command::NewConversation);
-    EXPECT_EQ(run, (std::vector{WindowCommands::Command::Quit, WindowCommands::Command::NewConversation}));
+    commands.run(AppCommands::Command::NewConversation);
+    EXPECT_EQ(run, (std::vector{AppCommands::Command::Quit, AppCommands::Command::NewConversation}));
 }
 
 } // namespace lmp

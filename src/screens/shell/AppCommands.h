@@ -8,7 +8,7 @@ namespace lmp {
 /// Everything that a key, a menu or the quick switcher can be asked to do in a window: one table for all of them.
 ///
 /// One for each window, owned by its scene, UI thread. A command that makes no sense where the window is does nothing.
-class WindowCommands : public QAbstractListModel {
+class AppCommands : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made with its window")
@@ -56,7 +56,7 @@ public:
         bool needsShell = true;
     };
 
-    explicit WindowCommands(QObject *parent = nullptr);
+    explicit AppCommands(QObject *parent = nullptr);
 
     static const QList<Entry> &table();
     static QString keysText(const QStringList &keys);
@@ -69,12 +69,12 @@ public:
     void setShellShown(bool shown);
     bool enabled(const Entry &entry) const { return m_shellShown || !entry.needsShell; }
 
-    Q_INVOKABLE void run(lmp::WindowCommands::Command command);
+    Q_INVOKABLE void run(lmp::AppCommands::Command command);
 
 Q_SIGNALS:
     void shellShownChanged();
     /// To be done by whoever can: the scene, the window's QML or the program.
-    void triggered(lmp::WindowCommands::Command command);
+    void triggered(lmp::AppCommands::Command command);
 
 private:
     bool m_shellShown = false;

@@ -1,4 +1,4 @@
-#include "screens/shell/WindowCommands.h"
+#include "screens/shell/AppCommands.h"
 
 #include <QKeySequence>
 
@@ -6,7 +6,7 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
-const QList<WindowCommands::Entry> &WindowCommands::table() {
+const QList<AppCommands::Entry> &AppCommands::table() {
     static const QList<Entry> entries{
         {Command::NewConversation, u"新对话"_s, u"plus"_s, {u"Ctrl+N"_s}},
         {Command::NewIncognito, u"新的无痕对话"_s, u"incognito"_s, {}},
@@ -35,18 +35,18 @@ const QList<WindowCommands::Entry> &WindowCommands::table() {
     return entries;
 }
 
-QString WindowCommands::keysText(const QStringList &keys) {
+QString AppCommands::keysText(const QStringList &keys) {
     return keys.isEmpty() ? QString() : QKeySequence(keys.first()).toString(QKeySequence::NativeText);
 }
 
-WindowCommands::WindowCommands(QObject *parent)
+AppCommands::AppCommands(QObject *parent)
     : QAbstractListModel(parent) {}
 
-int WindowCommands::rowCount(const QModelIndex &parent) const {
+int AppCommands::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : int(table().size());
 }
 
-QVariant WindowCommands::data(const QModelIndex &index, int role) const {
+QVariant AppCommands::data(const QModelIndex &index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
     const Entry &entry = table()[index.row()];
@@ -67,7 +67,7 @@ QVariant WindowCommands::data(const QModelIndex &index, int role) const {
     }
 }
 
-QHash<int, QByteArray> WindowCommands::roleNames() const {
+QHash<int, QByteArray> AppCommands::roleNames() const {
     return {{CommandRole, "command"},
             {TitleRole, "title"},
             {KeysRole, "keys"},
@@ -75,7 +75,7 @@ QHash<int, QByteArray> WindowCommands::roleNames() const {
             {AvailableRole, "available"}};
 }
 
-void WindowCommands::setShellShown(bool shown) {
+void AppCommands::setShellShown(bool shown) {
     if (shown == m_shellShown)
         return;
     m_shellShown = shown;
@@ -83,7 +83,7 @@ void WindowCommands::setShellShown(bool shown) {
     Q_EMIT dataChanged(index(0), index(rowCount() - 1), {AvailableRole});
 }
 
-void WindowCommands::run(Command command) {
+void AppCommands::run(Command command) {
     if (enabled(table().at(qsizetype(command))))
         Q_EMIT triggered(command);
 }
