@@ -17,6 +17,7 @@ import sys
 import time
 from pathlib import Path
 
+import agent_figures
 import child_figures
 import window_figures
 
@@ -274,14 +275,23 @@ def child_lines(figures):
     child_figures.stalled(figures, alternate)
 
 
+def agents(figures):
+    """500,000 lines of an agent into events, the start of an engine, permission verdicts"""
+    agent_figures.events(figures, alternate)
+    agent_figures.start(figures, alternate)
+    agent_figures.verdict(figures, alternate)
+
+
 def children(figures):
     """Stopping and killing the program: nothing that its children have started is left"""
     child_figures.quitting(figures)
     child_figures.rounds(figures)
 
 
-RUN = (close, chunk, latency, memory, records, chat, markdown, drafts, version, child_lines, children, window,
-       window_chat)
+RUN = (
+    *(close, chunk, latency, memory, records, chat, markdown, drafts, version),
+    *(child_lines, children, agents, window, window_chat),
+)
 ALL = {one.__name__: one for one in RUN}
 
 

@@ -1,6 +1,7 @@
-// A child that writes as fast as it can: bench_line_producer LINES LENGTH, the line feed included, 64 KiB a write.
+// A child that writes as fast as it can: bench_line_producer LINES LENGTH [says], the line feed included, 64 KiB a
+// write.
 //
-// LINES 0: without end.
+// LINES 0: without end. says: lines in which an agent says something.
 
 #include <algorithm>
 #include <cstdlib>
@@ -23,12 +24,14 @@ bool writeAll(const char *bytes, size_t size) {
 } // namespace
 
 int main(int argc, char **argv) {
-    if (argc != 3)
+    if (argc < 3)
         return 2;
     const long count = std::atol(argv[1]);
     const size_t length = std::strtoul(argv[2], nullptr, 10);
-    const std::string head = R"({"type":"assistant","seq":1,"text":")";
-    const std::string tail = "\"}\n";
+    const bool says = argc > 3;
+    const std::string head = says ? R"({"type":"assistant","message":{"content":[{"type":"text","text":")"
+                                  : R"({"type":"assistant","seq":1,"text":")";
+    const std::string tail = says ? "\"}]}}\n" : "\"}\n";
     if (length < head.size() + tail.size())
         return 2;
     const std::string line = head + std::string(length - head.size() - tail.size(), 'x') + tail;

@@ -109,10 +109,10 @@ void Forms::read(std::string_view text, int depth) {
     if (!m_bearable)
         return;
     const auto taken = DevShellText::read(text);
-    for (const auto &part : taken.parts)
-        readPart(part, depth);
-    for (const auto &nested : taken.nested)
-        read(nested, depth + 1);
+    for (auto part = taken.parts.begin(); part != taken.parts.end() && m_bearable; ++part)
+        readPart(*part, depth);
+    for (auto nested = taken.nested.begin(); nested != taken.nested.end() && m_bearable; ++nested)
+        read(*nested, depth + 1);
 }
 
 void Forms::readPart(const DevShellText::Part &part, int depth) {
