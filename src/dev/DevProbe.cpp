@@ -3,6 +3,7 @@
 #include "core/Json.h"
 #include "core/PoolAwaiter.h"
 #include "dev/DevExecutable.h"
+#include "dev/codex/CodexLogin.h"
 
 #include <QDir>
 
@@ -29,8 +30,13 @@ QCoro::Task<std::optional<bool>> askClaude(QString path) {
 
 QCoro::Task<std::optional<bool>> askCodex(QString path) {
     const auto ran = co_await DevProbe::ask(path, {u"login"_s, u"status"_s});
-    co_return ran && !ran->timedOut ? DevProbe::codexLogin(QString::fromUtf8(ran->output) + ran->errorText)
-                                    : std::nullopt;
+    const auto said =
+        ran && !ran->timedOut ? DevProbe::codexLogin(QString::fromUtf8(ran->output) + ran->errorText) : std::nullopt;
+    if (said == true)
+        co_return said;
+    // It may need no account of Codex's own, which is more than that command knows.
+    const auto usable = co_await CodexLogin::ask(path);
+    co_return usable ? usable : said;
 }
 
 } // namespace

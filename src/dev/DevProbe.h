@@ -25,8 +25,8 @@ public:
         Login login = {};
     };
     static Tool claude();
-    /// Asks `codex login status`, which knows nothing of model providers with a key of their own; give it another
-    /// `login` where the application server can be asked.
+    /// Asks `codex login status` and, since that knows nothing of model providers with a key of their own, the
+    /// application server.
     static Tool codex();
 
     static QCoro::Task<DevReadiness> run(Tool tool);

@@ -1,6 +1,7 @@
 #include "terminal/CommandLine.h"
 
 #include "platform/ApplicationSupport.h"
+#include "terminal/DevCommandLine.h"
 
 #include <CLI/CLI.hpp>
 
@@ -234,6 +235,7 @@ std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, cons
     addDrafts(app, line, words);
     addMemory(app, line, words);
     addCrisis(app, line, words);
+    DevCommandLine dev(app, line, argc, argv);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
@@ -242,6 +244,8 @@ std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, cons
         return std::unexpected(Leave{usage ? complaint(error) : fromUtf8(out.str()), usage});
     }
     takeOver(line, words);
+    if (const auto wrong = dev.takeOver(line))
+        return std::unexpected(Leave{*wrong + u'\n', true});
     if (!line.profile.isEmpty() && !ApplicationSupport::isProfileName(line.profile))
         return std::unexpected(Leave{u"--profile 只能用字母、数字、- 和 _。\n"_s, true});
     return line;

@@ -1,9 +1,14 @@
 #pragma once
 
+#include "dev/DevEngineKind.h"
+#include "dev/DevMode.h"
+#include "dev/DevPermissionDecision.h"
+
 #include <QString>
 #include <QStringList>
 
 #include <expected>
+#include <optional>
 
 namespace lmp {
 
@@ -20,7 +25,23 @@ struct CommandLine {
         DraftShow,
         DraftDiscard,
         Memory,
-        Crisis
+        Crisis,
+        Dev,
+        DevGit,
+        DevWorktree,
+        Doctor
+    };
+
+    /// A session with a coding agent.
+    struct Dev {
+        DevEngineKind engine = DevEngineKind::claude;
+        QString repo = QStringLiteral("."); ///< of the other dev commands too
+        DevMode mode = DevMode::acceptEdits;
+        std::optional<QString> model = {};
+        std::optional<QString> resume = {};
+        std::optional<DevPermissionDecision::Kind> allow = {}; ///< the answer to every question
+        bool jsonl = false;
+        QStringList text = {};
     };
 
     /// What is to be done with the ledger of memories.
@@ -85,6 +106,14 @@ struct CommandLine {
 
     // crisis
     QString region;
+
+    // dev, dev git, dev worktree, doctor
+    Dev dev;
+    QString gitView; ///< status, diff or log
+    QString worktree;
+    bool json = false;
+    /// Whether the command has nothing to do with the service.
+    bool isLocal() const { return command >= Command::Dev; }
 
     /// @param argc,argv as main() has them; arguments are UTF-8
     static std::expected<CommandLine, Leave> parse(int argc, const char *const *argv);

@@ -4,6 +4,9 @@
 #include "terminal/AccountCommands.h"
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
+#include "terminal/DevCommand.h"
+#include "terminal/DevGitCommand.h"
+#include "terminal/DoctorCommand.h"
 #include "terminal/DraftCommands.h"
 #include "terminal/GuestCommand.h"
 #include "terminal/MemoryCommands.h"
@@ -42,6 +45,12 @@ int TerminalApplication::run() {
 }
 
 QCoro::Task<> TerminalApplication::main() {
+    if (m_line.isLocal()) {
+        const ExitCode code = co_await localCommand();
+        m_dev.reset();
+        QCoreApplication::exit(int(code));
+        co_return;
+    }
     const auto opened = co_await m_application.open();
     ExitCode code = ExitCode::Failed;
     if (opened) {
@@ -95,12 +104,26 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         return MemoryCommands::run(&m_application, &m_console, &m_input, m_line.memory);
     case CommandLine::Command::Crisis:
         return CrisisCommand::run(&m_application, &m_console, m_line.region);
+    default:
+        Q_UNREACHABLE();
     }
-    Q_UNREACHABLE();
+}
+
+QCoro::Task<ExitCode> TerminalApplication::localCommand() {
+    if (m_line.command == CommandLine::Command::Doctor)
+        return DoctorCommand::run(&m_console, m_line.json);
+    if (m_line.command == CommandLine::Command::DevGit)
+        return DevGitCommand::show(&m_console, m_line);
+    if (m_line.command == CommandLine::Command::DevWorktree)
+        return DevGitCommand::newWorktree(&m_console, m_line);
+    m_dev = std::make_unique<DevCommand>(m_console, m_input, m_line.dev);
+    return m_dev->run();
 }
 
 void TerminalApplication::onSignal(int signal) {
     if (m_chat && m_chat->interrupt(signal != SIGINT))
+        return;
+    if (m_dev && m_dev->interrupt(signal != SIGINT))
         return;
     // Nothing is under way that could be lost, so nobody needs to wait for it.
     m_input.cancel();

@@ -12,6 +12,8 @@
 
 namespace lmp {
 
+class DevCommand;
+
 /// One run of the program from a terminal: a command line in, an exit code out.
 ///
 /// Owned by main, UI thread.
@@ -27,6 +29,8 @@ public:
 private:
     QCoro::Task<> main();
     QCoro::Task<ExitCode> command();
+    /// A command that is about this machine only: the service is not looked for.
+    QCoro::Task<ExitCode> localCommand();
     void followNotices();
     void onSignal(int signal);
     static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStartAt);
@@ -38,6 +42,7 @@ private:
     Application m_application;
     std::unique_ptr<ChatCommand> m_chat;     ///< while it runs
     std::unique_ptr<SignInCommand> m_signIn; ///< while it runs
+    std::unique_ptr<DevCommand> m_dev;       ///< while it runs
 };
 
 } // namespace lmp

@@ -344,6 +344,7 @@ QList<GalleryScene> MemoryScenes::extraction() {
             Fixtures::toChat(stage, Fixtures::conversation({Fixtures::question(u"q"_s, u"我下个月要搬家了。"_s),
                                                             Fixtures::answer(u"a"_s, u"搬到哪里？"_s, u"q"_s)}));
             serve(stage.service());
+            stage.until(u"its messages"_s, [&stage] { return stage.scene().chat()->isOpen(); });
             stage.then([&stage, start] {
                 if (start)
                     return stage.scene().chat()->extraction()->extract();

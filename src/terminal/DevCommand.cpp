@@ -1,0 +1,217 @@
+#include "terminal/DevCommand.h"
+
+#include "core/Detach.h"
+#include "dev/DevEngineRegistry.h"
+#include "dev/DevProcessRegistry.h"
+#include "dev/claude/ClaudeCodeEngine.h"
+#include "dev/codex/CodexEngine.h"
+
+#include <QFileInfo>
+#include <QPointer>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+QCoro::Task<> dropped(QCoro::Task<DevEngine::Done> task) {
+    co_await task;
+}
+
+DevEngine::Handle makeEngine(DevEngineKind kind) {
+    if (kind == DevEngineKind::claude)
+        return DevEngine::make<ClaudeCodeEngine>();
+    return DevEngine::make<CodexEngine>();
+}
+
+} // namespace
+
+DevCommand::DevCommand(Console &console, StandardInput &input, CommandLine::Dev line)
+    : m_console(console)
+    , m_input(input)
+    , m_line(std::move(line))
+    , m_output(console, m_line.engine, m_line.jsonl) {}
+
+DevCommand::~DevCommand() = default;
+
+QCoro::Task<ExitCode> DevCommand::run() {
+    m_once = !m_line.text.isEmpty() || (!m_line.jsonl && !m_console.inputIsTerminal());
+    if (!QFileInfo(m_line.repo).isDir()) {
+        m_output.error(u"没有这个文件夹："_s + m_line.repo);
+        co_return ExitCode::Usage;
+    }
+    QString text;
+    if (m_once) {
+        const auto asked = co_await question();
+        if (!asked)
+            co_return m_leaving ? ExitCode::Stopped : ExitCode::Usage;
+        text = *asked;
+    }
+    if (const auto refused = co_await refusal())
+        co_return m_leaving ? ExitCode::Stopped : *refused;
+    m_engine = makeEngine(m_line.engine);
+    auto failed = co_await start();
+    if (!failed)
+        failed = co_await talk(text);
+    co_await leave();
+    co_return *failed;
+}
+
+QCoro::Task<std::optional<QString>> DevCommand::question() {
+    std::optional<QString> text = m_line.text.join(u' ');
+    if (m_line.text.isEmpty())
+        text = co_await m_input.everything();
+    while (text && (text->endsWith(u'\n') || text->endsWith(u'\r')))
+        text->chop(1);
+    if (text && !text->trimmed().isEmpty())
+        co_return text;
+    if (!m_leaving)
+        m_output.error(text ? u"没有要说的话。"_s : u"输入太长了，没有发出。"_s);
+    co_return std::nullopt;
+}
+
+QCoro::Task<std::optional<ExitCode>> DevCommand::start() {
+    auto started = co_await m_engine->start({.cwd = QUrl::fromLocalFile(QFileInfo(m_line.repo).absoluteFilePath()),
+                                             .resume = m_line.resume,
+                                             .mode = m_line.mode,
+                                             .model = m_line.model});
+    if (m_leaving)
+        co_return ExitCode::Stopped;
+    if (!started) {
+        using Kind = DevEngineError::Kind;
+        m_output.error(started.error().message);
+        const auto &error = started.error().error;
+        const bool unready = error && (error->kind == Kind::notInstalled || error->kind == Kind::notLoggedIn);
+        co_return unready ? ExitCode::NotSignedIn : ExitCode::Failed;
+    }
+    m_following = true;
+    detach(follow(std::move(started->events)), "DevCommand::follow");
+    co_return std::nullopt;
+}
+
+QCoro::Task<std::optional<ExitCode>> DevCommand::refusal() {
+    using State = DevReadiness::State;
+    const auto probe = DevEngineRegistry::localProbes().at(m_line.engine);
+    const auto readiness = co_await probe();
+    // What could not be found out is tried: the start says it better.
+    if (readiness.state != State::missing && readiness.state != State::loggedOut)
+        co_return std::nullopt;
+    m_output.error(readiness.detail.value_or(QString()));
+    co_return ExitCode::NotSignedIn;
+}
+
+QCoro::Task<ExitCode> DevCommand::talk(QString text) {
+    if (m_line.jsonl) {
+        m_listening = true;
+        detach(listen(), "DevCommand::listen");
+    }
+    if (m_once) {
+        submit(text);
+        co_await until([this] { return m_turns == 0 || isOver(); });
+    } else if (m_line.jsonl) {
+        co_await until([this] { return (m_inputEnded && m_turns == 0) || isOver(); });
+    } else {
+        co_await converse();
+    }
+    if (m_leaving || (m_stopped && m_turns > 0))
+        co_return ExitCode::Stopped;
+    co_return m_ended && !m_once ? ExitCode::Failed : m_outcome;
+}
+
+QCoro::Task<> DevCommand::converse() {
+    m_output.note(u"%1 · %2 · %3\n回车发送 · Ctrl-C 停下这一回合 · Ctrl-D 离开"_s.arg(
+        DevOutput::name(m_line.engine), devModeName(m_line.mode), QFileInfo(m_line.repo).absoluteFilePath()));
+    while (!isOver()) {
+        const auto text = co_await m_input.line(u"你："_s);
+        if (isOver())
+            co_return;
+        // The prompt was taken away; the end of input is another matter, whatever came before it.
+        if (!text && std::exchange(m_promptCancelled, false))
+            continue;
+        if (!text)
+            break;
+        m_interrupted = false;
+        if (text->trimmed().isEmpty())
+            continue;
+        submit(*text);
+        co_await until([this] { return m_turns == 0 || isOver(); });
+    }
+    // Whoever leaves has seen how the last turn went.
+    if (!isOver())
+        m_outcome = ExitCode::Submitted;
+}
+
+void DevCommand::submit(const QString &text) {
+    // Codex takes what is said during a turn into that turn, Claude Code makes a turn of its own of it.
+    m_turns = m_line.engine == DevEngineKind::claude ? m_turns + 1 : 1;
+    detach(send(text), "DevCommand::send");
+}
+
+QCoro::Task<> DevCommand::send(QString text) {
+    const QPointer<QObject> self(this);
+    const auto sent = co_await m_engine->send(std::move(text));
+    if (!self || sent || isOver())
+        co_return;
+    m_output.error(sent.error().message);
+    endTurn(ExitCode::Failed);
+}
+
+QCoro::Task<> DevCommand::until(std::function<bool()> isSo) {
+    while (!isSo()) {
+        const Later<bool> change;
+        m_change = change;
+        co_await change;
+    }
+    m_change.reset();
+}
+
+void DevCommand::changed() {
+    if (m_change)
+        m_change->resolve(true);
+}
+
+QCoro::Task<> DevCommand::leave() {
+    dropQuestions();
+    m_input.cancel();
+    const bool stopping = !m_leaving;
+    co_await m_engine->stop();
+    co_await until([this] { return !m_asking; });
+    if (m_following)
+        co_await m_followed;
+    if (m_listening)
+        co_await m_listened;
+    // A tool that is asked to end may still write down what it has to.
+    auto &children = DevProcessRegistry::shared();
+    for (int step = 0; stopping && !m_leaving && step < 165 && children.liveCount() > 0; ++step)
+        co_await m_clock.sleep(20ms, {});
+    co_await children.quit();
+}
+
+bool DevCommand::interrupt(bool leave) {
+    const bool again = std::exchange(m_interrupted, true);
+    m_leaving = m_leaving || leave || again;
+    if (!m_engine)
+        return false;
+    if (!m_following) {
+        m_leaving = true;
+        m_engine->shutdown();
+    } else if (m_leaving || m_stopped) {
+        m_leaving = true;
+        m_input.cancel();
+    } else if (m_turns > 0) {
+        dropQuestions();
+        detach(dropped(m_engine->interrupt()), "DevCommand::interrupt");
+    } else if (m_line.jsonl || m_once) {
+        m_leaving = true;
+    } else {
+        m_promptCancelled = true;
+        m_input.cancel();
+        m_output.note(u"再按一次 Ctrl-C 离开。"_s);
+    }
+    changed();
+    return true;
+}
+
+} // namespace lmp

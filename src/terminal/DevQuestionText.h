@@ -1,0 +1,21 @@
+#pragma once
+
+#include "dev/DevPermissionRequest.h"
+
+#include <QString>
+
+namespace lmp {
+
+/// A permission question as a person reads it on a terminal: the exact command, or the change as a diff. Free of state;
+/// any thread.
+class DevQuestionText {
+public:
+    /// @param engine the agent's name
+    static QString of(const DevPermissionRequest &request, const QString &engine);
+
+    /// `text` with everything visible that a terminal would act on or swallow, so that what is shown is what is asked
+    /// for: control characters as their pictures, those that change the direction of writing by their numbers.
+    static QString visible(const QString &text);
+};
+
+} // namespace lmp
