@@ -32,14 +32,16 @@ public:
         m_wait->handle = handle;
         m_pool->start([work = std::move(m_work), wait = m_wait]() mutable {
             auto value = std::make_shared<Value>(work());
-            // Handed over whole: a thread that waits may end as soon as it has what it waited for, and would then no
-            // longer delete the receiver for us.
+            // Handed over whole, and let go of over there: the thread that waits may end as soon as it has what it
+            // waited for, and would then no longer delete the receiver for this one. A posted call may outlive its
+            // delivery.
             QObject *receiver = wait->receiver;
             QMetaObject::invokeMethod(
                 receiver,
-                [wait = std::move(wait), value = std::move(value)] {
-                    wait->value = std::move(*value);
-                    if (const auto waiting = std::exchange(wait->handle, nullptr))
+                [posted = std::move(wait), value = std::move(value)]() mutable {
+                    const auto arrived = std::move(posted);
+                    arrived->value = std::move(*value);
+                    if (const auto waiting = std::exchange(arrived->handle, nullptr))
                         waiting.resume();
                 },
                 Qt::QueuedConnection);

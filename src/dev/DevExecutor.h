@@ -105,11 +105,14 @@ private:
 template <class F, class Wait>
 QCoro::Task<> DevExecutor::drive(F work, std::shared_ptr<Wait> wait) {
     auto value = std::make_shared<decltype(wait->value)>(co_await work());
+    QObject *receiver = wait->receiver;
+    // Let go of over there, see PoolAwaiter.
     QMetaObject::invokeMethod(
-        wait->receiver,
-        [wait, value] {
-            wait->value = std::move(*value);
-            if (const auto waiting = std::exchange(wait->handle, nullptr))
+        receiver,
+        [posted = std::move(wait), value]() mutable {
+            const auto arrived = std::move(posted);
+            arrived->value = std::move(*value);
+            if (const auto waiting = std::exchange(arrived->handle, nullptr))
                 waiting.resume();
         },
         Qt::QueuedConnection);

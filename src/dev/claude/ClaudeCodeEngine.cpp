@@ -1,7 +1,5 @@
 #include "dev/claude/ClaudeCodeEngine.h"
 
-#include "core/PoolAwaiter.h"
-
 #include <algorithm>
 
 namespace lmp {
@@ -22,17 +20,13 @@ ClaudeCodeEngine::ClaudeCodeEngine(QString program)
 QCoro::Task<DevEngine::Outcome<DevEngine::Session>> ClaudeCodeEngine::onStart(Start request) {
     const QString directory = request.cwd.toLocalFile();
     m_conversation = ClaudeConversation(directory, request.mode);
-    // Looking for the program may take seconds, the first time; a stop need not wait for it here.
-    auto launched = co_await PoolAwaiter([program = m_program, request, directory] {
-        return ClaudeTransport::launch(program,
-                                       {.directory = directory, .resume = request.resume, .model = request.model});
-    });
+    if (m_stopped)
+        co_return std::unexpected(DevEngineError::server(u"会话已经停下了"_s));
+    // Looking for the program may take seconds, the first time in the life of the application.
+    auto launched =
+        ClaudeTransport::launch(m_program, {.directory = directory, .resume = request.resume, .model = request.model});
     if (!launched)
         co_return std::unexpected(launched.error());
-    if (m_stopped) {
-        (*launched)->terminate(stopGrace);
-        co_return std::unexpected(DevEngineError::server(u"会话已经停下了"_s));
-    }
     m_process = *launched;
     m_executor.spawn(read(m_process), "ClaudeCodeEngine::read");
     co_return Session{m_events};
