@@ -1,8 +1,12 @@
 import QtQuick
+import QtQuick.Templates as T
 import Lumenpair.Shell
 
 /// What every window has besides its screen: keys, menus, the quick switcher and the questions that are asked anywhere.
-Item {
+///
+/// A control, though it shows nothing: keys that are claimed before the templates are loaded would not be held back by
+/// what lies over the window.
+T.Control {
     id: root
 
     required property WindowScene scene
