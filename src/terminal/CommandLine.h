@@ -9,7 +9,7 @@ namespace lmp {
 
 /// What was typed after the program's name. A value.
 struct CommandLine {
-    enum class Command { Chat, SignIn, SignOut, WhoAmI, ConversationList, ConversationShow, Crisis };
+    enum class Command { Chat, SignIn, SignOut, WhoAmI, ConversationList, ConversationShow, Search, Crisis };
 
     /// Why nothing is run: the text, and whether it is an answer (help, version) or a complaint.
     struct Leave {
@@ -29,6 +29,9 @@ struct CommandLine {
     bool cheaper = false;
     bool jsonl = false;
     QStringList text;
+
+    // search, with `jsonl` and `text`
+    int most = 50;
 
     // sign-in
     QString email;

@@ -5,6 +5,7 @@
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
 #include "terminal/GuestCommand.h"
+#include "terminal/SearchCommand.h"
 
 #include <csignal>
 
@@ -83,6 +84,8 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         return ConversationCommands::list(&m_application, &m_console);
     case CommandLine::Command::ConversationShow:
         return ConversationCommands::show(&m_application, &m_console, m_line.conversationId);
+    case CommandLine::Command::Search:
+        return SearchCommand::run(&m_application, &m_console, m_line);
     case CommandLine::Command::Crisis:
         return CrisisCommand::run(&m_application, &m_console, m_line.region);
     }
