@@ -54,12 +54,33 @@ FocusScope {
             text: root.purse()
             wrapMode: Text.NoWrap
         }
-        banners: ChatBanners {
-            chat: root.chat
-            width: parent.width
+        banners: [
+            Loader {
+                id: findBar
 
-            onServiceCopyWanted: replacing.open()
-        }
+                readonly property bool wanted: root.chat.find.open
+
+                // An emptied loader keeps its height.
+                visible: findBar.wanted
+                width: parent.width
+
+                onLoaded: (findBar.item as ChatFindBar).closed.connect(root.focusInput)
+                onWantedChanged: {
+                    if (findBar.wanted)
+                        findBar.setSource("ChatFindBar.qml", {
+                            find: root.chat.find
+                        });
+                    else
+                        findBar.source = "";
+                }
+            },
+            ChatBanners {
+                chat: root.chat
+                width: parent.width
+
+                onServiceCopyWanted: replacing.open()
+            }
+        ]
 
         Transcript {
             id: transcript
@@ -142,6 +163,13 @@ FocusScope {
         ReplyAnnouncer {
             id: announcer
         }
+    }
+    Connections {
+        function onFocusAsked() {
+            (findBar.item as ChatFindBar).begin();
+        }
+
+        target: root.chat.find
     }
     Connections {
         function onInputChanged() {

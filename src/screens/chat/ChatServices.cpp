@@ -13,7 +13,8 @@ ChatServices ChatServices::of(Application &application) {
             .clock = &application.clock(),
             .safety = &application.safety(),
             .recorder = application.recorder(),
-            .opener = &application.opener()};
+            .opener = &application.opener(),
+            .search = &application.search()};
 }
 
 } // namespace lmp

@@ -7,10 +7,11 @@
 namespace lmp {
 
 class Application;
+class ConversationSearch;
 
 /// What a chat's screen needs of the program.
 ///
-/// A value; clock, safety and opener outlive whoever holds it.
+/// A value; clock, safety, opener and search outlive whoever holds it.
 struct ChatServices {
     APIClient api;
     SSEClient events;
@@ -21,6 +22,7 @@ struct ChatServices {
     SafetyGateStore *safety = nullptr;
     ChatWithTwinView::Recorder recorder;
     ExternalOpener *opener = nullptr;
+    ConversationSearch *search = nullptr; ///< null where nothing is indexed
 
     static ChatServices of(Application &application);
 };

@@ -1,4 +1,5 @@
 import QtQuick
+import Lumenpair.Chat
 import Lumenpair.Shell
 
 /// What every window has besides its screen: keys, menus, the quick switcher and the questions that are asked anywhere.
@@ -13,6 +14,16 @@ Item {
                 model: root.scene.switcher
             });
         (switcher.item as QuickSwitcher).open();
+    }
+
+    function openSearch(): void {
+        if (root.scene.search === null)
+            return;
+        if (search.status === Loader.Null)
+            search.setSource("qrc:/qt/qml/Lumenpair/Chat/SearchSheet.qml", {
+                model: root.scene.search
+            });
+        (search.item as SearchSheet).open();
     }
 
     function tie(key: WindowKey): void {
@@ -38,6 +49,10 @@ Item {
 
     Loader {
         id: switcher
+    }
+
+    Loader {
+        id: search
     }
 
     Loader {
@@ -72,6 +87,8 @@ Item {
         function onTriggered(command: int): void {
             if (command === AppCommands.Switcher)
                 root.openSwitcher();
+            else if (command === AppCommands.FindEverywhere)
+                root.openSearch();
         }
 
         target: root.scene.commands

@@ -12,6 +12,7 @@
 #include "screens/account/CrisisResourcesModel.h"
 #include "screens/chat/ChatModel.h"
 #include "screens/chat/ConversationListModel.h"
+#include "screens/chat/ConversationSearchModel.h"
 
 namespace lmp {
 
@@ -51,6 +52,7 @@ class WindowScene : public QObject {
     Q_PROPERTY(lmp::CrisisResourcesModel *crisis READ crisis NOTIFY adopted)
     Q_PROPERTY(lmp::ChatModel *chat READ chat NOTIFY adopted)
     Q_PROPERTY(lmp::ConversationListModel *conversations READ conversations NOTIFY adopted)
+    Q_PROPERTY(lmp::ConversationSearchModel *search READ search NOTIFY adopted)
 public:
     enum class Stage { Opening, Launch, SignedOut, Migration, Onboarding, HandleSetup, Shell };
     Q_ENUM(Stage)
@@ -87,6 +89,7 @@ public:
     CrisisResourcesModel *crisis() { return m_crisis.get(); }
     ChatModel *chat() { return m_chat.get(); }
     ConversationListModel *conversations() { return m_conversations.get(); }
+    ConversationSearchModel *search() { return m_search.get(); }
 
     /// Tries again to find the service.
     Q_INVOKABLE void reopen();
@@ -123,6 +126,8 @@ private:
     /// Goes to another conversation, after asking where the one that is open would be lost.
     void replaceConversation(std::function<void()> how);
     void stepConversation(int step);
+    void openMessage(const QString &conversationId, const QString &messageId, const QString &query);
+    void indexWhenIdle();
 
     AppearanceModel &m_appearance;
     MacQuitCoordinator &m_quitting;
@@ -134,6 +139,7 @@ private:
     std::unique_ptr<CrisisResourcesModel> m_crisis;
     std::unique_ptr<ChatModel> m_chat;
     std::unique_ptr<ConversationListModel> m_conversations;
+    std::unique_ptr<ConversationSearchModel> m_search;
     LocalInputRegistry::Registration m_localInput;
     Stage m_stage = Stage::Opening;
     QString m_openError;
