@@ -42,6 +42,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_view(m_session, *m_services.safety, m_services.api, m_services.events, m_services.recorder)
     , m_messages(m_session, m_view, *m_services.clock)
     , m_find(m_session)
+    , m_speech(m_session, m_services.api, m_services.makeAudio)
     , m_inputs(m_services.inputs, *m_services.clock)
     , m_owner(ownerOf(m_services.account)) {
     m_view.surface = u"chat"_s;

@@ -5,6 +5,7 @@
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
 #include "screens/chat/MessageListModel.h"
+#include "screens/chat/SpeechModel.h"
 #include "screens/chat/UsedMemoryModel.h"
 
 #include <QUrl>
@@ -23,6 +24,7 @@ class ChatModel : public QObject {
     Q_PROPERTY(lmp::MessageListModel *messages READ messages CONSTANT)
     Q_PROPERTY(lmp::UsedMemoryModel *usedMemories READ usedMemories CONSTANT)
     Q_PROPERTY(lmp::ChatFind *find READ find CONSTANT)
+    Q_PROPERTY(lmp::SpeechModel *speech READ speech CONSTANT)
 
     // The conversation.
     Q_PROPERTY(QString conversationId READ conversationId NOTIFY conversationChanged)
@@ -76,6 +78,7 @@ public:
     MessageListModel *messages() { return &m_messages; }
     UsedMemoryModel *usedMemories() { return &m_used; }
     ChatFind *find() { return &m_find; }
+    SpeechModel *speech() { return &m_speech; }
     QString conversationId() const;
     QString title() const;
     bool isOpen() const { return m_session.isActive(); }
@@ -191,6 +194,7 @@ private:
     MessageListModel m_messages;
     UsedMemoryModel m_used;
     ChatFind m_find;
+    SpeechModel m_speech;
     ComposerInputs m_inputs;
     LocalInputRegistry::Registration m_localInput;
     QString m_owner;                    ///< the account and sign-in that what is open is of

@@ -124,11 +124,32 @@ FocusScope {
 
             anchors.bottom: parent.bottom
             anchors.horizontalCenter: parent.horizontalCenter
-            height: composer.height + Theme.space12
+            height: composer.height + Theme.space12 + (speechBar.visible ? speechBar.height + Theme.space8 : 0)
             width: transcript.columnWidth
 
+            Loader {
+                id: speechBar
+
+                readonly property bool wanted: root.chat.speech.shown
+
+                // An emptied loader keeps its height.
+                visible: speechBar.wanted
+                width: parent.width
+
+                onWantedChanged: {
+                    if (speechBar.wanted)
+                        speechBar.setSource("SpeechBar.qml", {
+                            speech: root.chat.speech
+                        });
+                    else
+                        speechBar.source = "";
+                }
+            }
             LMPComposer {
                 id: composer
+
+                anchors.bottom: parent.bottom
+                anchors.bottomMargin: Theme.space12
 
                 attachmentsArea: RetryTarget {
                     chat: root.chat

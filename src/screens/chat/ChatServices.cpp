@@ -1,6 +1,7 @@
 #include "screens/chat/ChatServices.h"
 
 #include "app/Application.h"
+#include "platform/SystemAudioOutput.h"
 
 namespace lmp {
 
@@ -14,6 +15,7 @@ ChatServices ChatServices::of(Application &application) {
             .safety = &application.safety(),
             .recorder = application.recorder(),
             .opener = &application.opener(),
+            .makeAudio = [] { return std::make_unique<SystemAudioOutput>(); },
             .search = &application.search()};
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "conversation/ChatWithTwinView.h"
+#include "conversation/TTSPlayer.h"
 #include "platform/ExternalOpener.h"
 #include "screens/chat/ComposerInputFile.h"
 
@@ -22,6 +23,7 @@ struct ChatServices {
     SafetyGateStore *safety = nullptr;
     ChatWithTwinView::Recorder recorder;
     ExternalOpener *opener = nullptr;
+    TTSPlayer::MakeOutput makeAudio = {};
     ConversationSearch *search = nullptr; ///< null where nothing is indexed
 
     static ChatServices of(Application &application);

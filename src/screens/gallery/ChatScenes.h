@@ -14,6 +14,8 @@ private:
     static QList<GalleryScene> turns();
     static QList<GalleryScene> states();
     static QList<GalleryScene> ways();
+    static QList<GalleryScene> finding();
+    static QList<GalleryScene> speaking();
 };
 
 } // namespace lmp
