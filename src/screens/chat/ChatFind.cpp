@@ -89,8 +89,10 @@ void ChatFind::onOpened() {
     m_folded.clear();
     const auto *conversation = m_session.conversation();
     const QString id = conversation ? conversation->id : QString();
-    // What was looked for in one conversation is nobody's question in the next.
-    if (id != std::exchange(m_conversationId, id)) {
+    const QString before = std::exchange(m_conversationId, id);
+    // What was looked for in one conversation is nobody's question in the next; what is asked while one is being opened
+    // is about that one.
+    if (!before.isEmpty() && id != before) {
         m_open = false;
         m_text.clear();
         m_terms = {};

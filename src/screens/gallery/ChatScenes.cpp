@@ -252,6 +252,7 @@ QList<GalleryScene> ChatScenes::finding() {
     }
     const auto find = [talk](const QString &text) {
         return of(talk, [text](GalleryStage &stage) {
+            stage.until(u"the messages"_s, [&stage] { return chat(stage).messages()->rowCount() > 0; });
             stage.then([&stage, text] {
                 chat(stage).find()->begin();
                 chat(stage).find()->setText(text);
@@ -289,6 +290,7 @@ QList<GalleryScene> ChatScenes::speaking() {
     const auto speak = [](std::function<void(GalleryService &)> serve, bool ends) {
         return of(withMemories(), [serve = std::move(serve), ends](GalleryStage &stage) {
             serve(stage.service());
+            stage.until(u"the messages"_s, [&stage] { return chat(stage).messages()->rowCount() > 0; });
             stage.then([&stage] { chat(stage).speech()->toggle(u"a"_s); });
             stage.until(u"the reading"_s, [&stage, ends] {
                 return ends ? !chat(stage).speech()->note().isEmpty() : chat(stage).speech()->speaking();
