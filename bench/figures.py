@@ -18,6 +18,8 @@ import tempfile
 import time
 from pathlib import Path
 
+import agent_figures
+import child_figures
 import window_figures
 
 HERE = Path(__file__).resolve().parent
@@ -199,6 +201,15 @@ def chat(figures):
     figures.hold("chat growing", f"a piece at 100 KB {growing:.2f} x one at 10 KB (at most 1.3)", growing <= 1.3)
 
 
+def memories(figures):
+    """A key in the field that finds memories, in a ledger of 10,000"""
+    us = {name: one["real_time"] for name, one in benchmarks(figures, "bench_memories").items()}
+    figures.note(", ".join(f"{name} {time:,.0f} us" for name, time in us.items()))
+    ratio = us["proxy"] / us["ours"]
+    figures.hold("memories", f"{ratio:.2f} x a QSortFilterProxyModel that knows no widths (at least 1.0)", ratio >= 1.0)
+    figures.hold("memories key", f"{us['ours'] / 1e3:.2f} ms (under 16)", us["ours"] < 16_000)
+
+
 def markdown(figures):
     """An update of a growing reply of 100 KB beside one of 10 KB, as rows and as painted lines"""
     program = figures.program("bench_markdown")
@@ -233,6 +244,39 @@ def search(figures):
             raise SystemExit(f"{name}: the index finds other messages than LIKE does")
 
 
+def drafts(figures):
+    """What becomes of drafts when programs are killed, systems refuse and many write at once"""
+    program = figures.program("bench_drafts")
+    kills = int(os.environ.get("LMP_BENCH_KILLS", "20000"))
+    saves = int(os.environ.get("LMP_BENCH_SAVES", "10000"))
+    one = run([program, "kill", str(kills)])
+    figures.note(
+        f"{one['mid_save']:,.0f} of {one['kills']:,.0f} kills in the middle of a save, {one['acknowledged']:,.0f} saves "
+        f"acknowledged, {one['wall_ms'] / 1e3:.0f} s"
+    )
+    good = one["lost"] == 0 and one["torn"] == 0
+    figures.hold("drafts killed", f"{one['lost']:.0f} acknowledged saves lost, {one['torn']:.0f} files torn", good)
+    figures.hold("drafts left", f"{one['left']:.0f} files of killed writers left after a listing", one["left"] == 0)
+    good = one["open"] == 0 and one["looks"] > 0
+    figures.hold("drafts private", f"{one['open']:.0f} of {one['looks']:,.0f} looks found a file open to others", good)
+    one = run([program, "grid"])
+    figures.note(f"{one['reported']:.0f} reported with the old content, {one['survived']:.0f} saved whole all the same")
+    good = one["wrong"] == 0 and one["widest"] == 0 and one["reported"] > 0
+    figures.hold("drafts grid", f"{one['wrong']:.0f} of {one['cells']:.0f} cells wrong", good)
+    one = run([program, "race", "8", str(saves)])
+    figures.note(f"{one['landed']:,.0f} landed, {one['elsewhere']:,.0f} changed elsewhere, {one['seconds']:.0f} s")
+    good = one["lost"] == 0 and one["failed"] == 0 and one["landed"] + one["elsewhere"] == one["saves"]
+    figures.hold("drafts race", f"{one['lost']:.0f} updates lost of {one['saves']:,.0f} saves", good)
+    one = alternate({"all": [program, "durable", "1000"]})["all"]
+    figures.note(", ".join(f"{name} {1e6 / one[name + '_us']:,.0f}/s" for name in ("bare", "ours", "qt", "store")))
+    ratio = one["bare_us"] / one["ours_us"]
+    figures.hold("drafts durable", f"{ratio:.2f} x the bare system calls (at least 0.9)", ratio >= 0.9)
+    one = alternate({"all": [program, "typing", "1500"]}, 3)["all"]
+    figures.note(f"a key {one['key_p99_us']:.0f} us (p99), {one['key_max_us']:.0f} us at most, {one['saves']:.0f} reports")
+    held = one["held_p99_us"]
+    figures.hold("drafts typing", f"the thread of the window held for {held:.0f} us (p99, at most 1,000)", held <= 1000)
+
+
 def version(figures):
     """lumenpair --version, from exec to exit"""
     medians = alternate(
@@ -253,10 +297,31 @@ def window_chat(figures):
     window_figures.chat(figures, alternate, ROUNDS)
 
 
-ALL = {
-    one.__name__: one
-    for one in (close, chunk, latency, memory, records, chat, markdown, search, version, window, window_chat)
-}
+def child_lines(figures):
+    """1,000,000 lines of 200 bytes out of a child, a line of 10 MB and more, and a flood that nobody takes"""
+    child_figures.lines(figures, alternate)
+    child_figures.long_line(figures, alternate)
+    child_figures.stalled(figures, alternate)
+
+
+def agents(figures):
+    """500,000 lines of an agent into events, the start of an engine, permission verdicts"""
+    agent_figures.events(figures, alternate)
+    agent_figures.start(figures, alternate)
+    agent_figures.verdict(figures, alternate)
+
+
+def children(figures):
+    """Stopping and killing the program: nothing that its children have started is left"""
+    child_figures.quitting(figures)
+    child_figures.rounds(figures)
+
+
+RUN = (
+    *(close, chunk, latency, memory, records, chat, memories, markdown, search, drafts, version),
+    *(child_lines, children, agents, window, window_chat),
+)
+ALL = {one.__name__: one for one in RUN}
 
 
 def main():

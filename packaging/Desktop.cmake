@@ -2,7 +2,7 @@
 # beside itself; what people type is a link to the launcher.
 include(GNUInstallDirs)
 
-set(programs lumenpair lumenpair-terminal lumenpair-sandbox)
+set(programs lumenpair lumenpair-guardian lumenpair-terminal lumenpair-sandbox)
 if(TARGET lumenpair-window)
   list(APPEND programs lumenpair-window)
 endif()

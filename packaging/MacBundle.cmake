@@ -23,7 +23,7 @@ add_executable(Lumenpair-app MACOSX_BUNDLE ${PROJECT_SOURCE_DIR}/src/main.cpp ${
 target_link_libraries(Lumenpair-app PRIVATE lmp_settings)
 set_target_properties(Lumenpair-app PROPERTIES AUTOMOC OFF OUTPUT_NAME Lumenpair
   MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/macos/Info.plist.in)
-foreach(program lumenpair-window lumenpair-terminal lumenpair-sandbox lumenpair-audio)
+foreach(program lumenpair-guardian lumenpair-window lumenpair-terminal lumenpair-sandbox lumenpair-audio)
   add_custom_command(TARGET Lumenpair-app POST_BUILD COMMAND ${CMAKE_COMMAND} -E copy_if_different
     $<TARGET_FILE:${program}> $<TARGET_BUNDLE_CONTENT_DIR:Lumenpair-app>/MacOS VERBATIM)
   add_dependencies(Lumenpair-app ${program})

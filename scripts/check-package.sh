@@ -45,7 +45,8 @@ for module in json.loads(out(scanner, "-rootPath", "src/screens", "-importPath",
 listed = out("dpkg-deb", "-c", deb)
 programs = "usr/libexec/lumenpair/"
 for path in (
-    *(programs + name for name in ("lumenpair", "lumenpair-window", "lumenpair-terminal", "lumenpair-sandbox")),
+    programs + "lumenpair",
+    *(programs + "lumenpair-" + name for name in ("guardian", "sandbox", "terminal", "window")),
     "usr/bin/lumenpair -> ../libexec/lumenpair/lumenpair",
     "usr/share/applications/com.tolvey.lumenpair.desktop",
     "usr/share/metainfo/com.tolvey.lumenpair.metainfo.xml",

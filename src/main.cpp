@@ -12,6 +12,7 @@
 #include <poll.h>
 #include <string>
 #include <string_view>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,8 +67,10 @@ bool somethingWasPipedIn() {
     return ::poll(&input, 1, 100) == 1 && (input.revents & POLLIN);
 }
 
-bool isLink(std::string_view argument) {
-    return argument.starts_with("lumenpair:");
+/// Schemes are of no case, and whoever hands a link over may not have tidied it.
+bool isLink(const char *argument) {
+    constexpr std::string_view scheme = "lumenpair:";
+    return ::strncasecmp(argument, scheme.data(), scheme.size()) == 0;
 }
 
 /// What the arguments are for: the window knows --site, --sandbox, --profile and a link; --gallery draws its
@@ -80,7 +83,7 @@ Program meant(int argc, char **argv) {
             return Program::Gallery;
         if (argument == "--site" || argument == "--profile")
             ++at;
-        else if (isLink(argument))
+        else if (isLink(argv[at]))
             link = true;
         else if (argument != "--sandbox" && !argument.starts_with("--site=") && !argument.starts_with("--profile="))
             return Program::Terminal;

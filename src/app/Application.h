@@ -3,6 +3,7 @@
 #include "app/LocalInputRegistry.h"
 #include "app/SandboxProcess.h"
 #include "conversation/ChatWithTwinView.h"
+#include "conversation/ConversationInputDraftStore.h"
 #include "conversation/ConversationSearch.h"
 #include "core/AuthStore.h"
 #include "core/CapabilityStore.h"
@@ -73,6 +74,7 @@ public:
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
     /// The search over conversations, made when it is first asked for.
     ConversationSearch &search();
+    ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
     WebAuthPresenter &webAuth() { return m_webAuth; }

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "conversation/ConversationDTO.h"
-#include "platform/ApplicationSupport.h"
-#include "platform/AtomicFile.h"
+#include "conversation/DraftFolder.h"
 
 #include <QDateTime>
 
@@ -10,8 +9,8 @@ namespace lmp {
 
 /// Whole conversations that the service does not have yet, one file each, so that nothing is lost with the network.
 ///
-/// A value that holds the folder and nothing else. Blocks on the disk; any thread, one at a time for one conversation.
-/// What cannot be read is never deleted and never overwritten.
+/// A value that holds the folder and nothing else. Blocks on the disk; any thread, any number of windows and processes:
+/// a save that would replace what somebody else wrote fails instead. On every failure the file stays as it was.
 class ConversationDraftCache {
 public:
     struct Entry {
@@ -23,6 +22,7 @@ public:
         enum class Kind {
             missingAccount,      ///< nobody is signed in
             invalidConversation, ///< the conversation has no id
+            changedElsewhere,    ///< another window or process has written since
             unreadable,          ///< there is a file, and it is no draft
             storage,             ///< the system refused: full, read-only, not allowed
         };
@@ -39,22 +39,23 @@ public:
 
     explicit ConversationDraftCache(const ApplicationSupport &support);
 
-    /// Replaces the conversation's file. A file there that is no draft is moved beside it first.
+    /// Replaces the conversation's file, stamped with a fresh write id and the time. A file there that is no draft is
+    /// moved beside it first.
     /// @param account the signed-in user's id, or none
-    Outcome<void> save(const std::optional<QString> &account, const Entry &entry) const;
+    /// @param known the write id that the caller last read or wrote; none when it knows of no file
+    /// @return the write id from now on
+    Outcome<QString> save(const std::optional<QString> &account, const ConversationDTO &snapshot,
+                          const std::optional<QString> &known, const QDateTime &now) const;
     /// The conversation's draft, or none when there is no file.
     Outcome<std::optional<Entry>> read(const std::optional<QString> &account, const QString &id) const;
-    /// Removes the file if it still is the write `writeId`; any other is left alone.
-    Outcome<void> remove(const std::optional<QString> &account, const QString &id, const QString &writeId) const;
+    /// Removes the file if it still is the write `known`; any other is left alone and reported.
+    Outcome<void> remove(const std::optional<QString> &account, const QString &id, const QString &known) const;
     Outcome<Listing> list(const std::optional<QString> &account) const;
 
-    /// An entry of `snapshot` with a fresh write id.
-    static Entry entry(ConversationDTO snapshot, const QDateTime &now);
-
 private:
-    Outcome<QString> path(const std::optional<QString> &account, const QString &id) const;
+    static Outcome<void> check(const std::optional<QString> &account, const QString &id);
 
-    ApplicationSupport m_support;
+    DraftFolder m_folder;
 };
 BOOST_DESCRIBE_STRUCT(ConversationDraftCache::Entry, (), (writeId, updatedAt, snapshot))
 

@@ -15,6 +15,9 @@ struct ConversationInput {
     std::optional<ConversationSelectionDTO> selection;
     std::optional<QString> retryMessageId; ///< the failed message that is tried again
     bool operator==(const ConversationInput &) const = default;
+
+    /// No text, no attachments and no target: nothing to keep.
+    bool isEmpty() const { return text.isEmpty() && parts.isEmpty() && !selection; }
 };
 BOOST_DESCRIBE_STRUCT(ConversationInput, (), (text, parts, intent, selection, retryMessageId))
 

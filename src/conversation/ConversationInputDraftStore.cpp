@@ -12,6 +12,9 @@ namespace {
 
 using StoreError = ConversationInputDraftStore::StoreError;
 
+/// No id of the service's ends like this: it would not be one word in an address.
+const QString copyMark = QStringLiteral(" copy");
+
 StoreError storeError(DraftFolder::Failure failure) {
     switch (failure) {
     case DraftFolder::Failure::unreadable:
@@ -75,6 +78,14 @@ ConversationInputDraftStore::list(const QString &account) const {
         return std::unexpected(storeError(listing.error()));
     std::ranges::sort(listing->records, std::greater(), &Entry::updatedAt);
     return Listing{std::move(listing->records), listing->unreadable};
+}
+
+QString ConversationInputDraftStore::copyId(const QString &id) {
+    return id + copyMark;
+}
+
+QString ConversationInputDraftStore::originalId(const QString &id) {
+    return id.endsWith(copyMark) ? id.chopped(copyMark.size()) : id;
 }
 
 QString ConversationInputDraftStore::describe(StoreError error) {

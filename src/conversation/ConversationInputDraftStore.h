@@ -1,7 +1,6 @@
 #pragma once
 
-#include "conversation/ConversationPartDTO.h"
-#include "conversation/ConversationSelectionDTO.h"
+#include "conversation/ConversationInput.h"
 #include "conversation/DraftFolder.h"
 
 #include <QDateTime>
@@ -15,17 +14,7 @@ namespace lmp {
 /// a save that would replace what somebody else wrote fails instead. On every failure the file stays as it was.
 class ConversationInputDraftStore {
 public:
-    struct Input {
-        QString text;
-        QList<ConversationPartDTO> parts; ///< attachments
-        QString intent;                   ///< the chosen ConversationIntent
-        std::optional<ConversationSelectionDTO> selection;
-        std::optional<QString> retryMessageId; ///< the failed message that is being tried again
-        bool operator==(const Input &) const = default;
-
-        /// No text, no attachments and no target: nothing to keep.
-        bool isEmpty() const { return text.isEmpty() && parts.isEmpty() && !selection; }
-    };
+    using Input = ConversationInput;
     struct Entry {
         QString id; ///< of the conversation
         std::optional<QString> writeId;
@@ -65,13 +54,17 @@ public:
     Outcome<std::optional<Entry>> read(const QString &account, const QString &id) const;
     Outcome<Listing> list(const QString &account) const;
 
+    /// Under which id a window keeps its own input of `id` while another window's stands in its place.
+    static QString copyId(const QString &id);
+    /// The conversation that an entry is of, whether it is such a copy or not.
+    static QString originalId(const QString &id);
+
     /// The sentence shown.
     static QString describe(StoreError error);
 
 private:
     DraftFolder m_folder;
 };
-BOOST_DESCRIBE_STRUCT(ConversationInputDraftStore::Input, (), (text, parts, intent, selection, retryMessageId))
 BOOST_DESCRIBE_STRUCT(ConversationInputDraftStore::Entry, (), (id, writeId, title, cloudRevision, updatedAt, input))
 
 } // namespace lmp

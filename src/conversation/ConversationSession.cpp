@@ -33,6 +33,10 @@ bool holdsAll(const ConversationDTO &copy, const ConversationDTO &draft) {
     return messages && (!draft.workspace || draft.workspace == copy.workspace);
 }
 
+bool isElsewhere(const ConversationDraftCache::Outcome<QString> &kept) {
+    return !kept && kept.error().kind == ConversationDraftCache::CacheError::Kind::changedElsewhere;
+}
+
 } // namespace
 
 ConversationSession::ConversationSession(ConversationService service, ConversationDraftCache drafts,
@@ -54,8 +58,8 @@ void ConversationSession::leave() {
     keep();
     ++m_generation;
     m_conversation.reset();
-    m_draftWriteId.clear();
-    m_incognito = m_conflicted = m_known = m_saving = m_saveAgain = false;
+    m_draft = std::make_shared<std::optional<QString>>();
+    m_incognito = m_conflicted = m_draftElsewhere = m_known = m_saving = m_saveAgain = false;
     m_edits = m_savedEdits = 0;
     m_userId = m_account.current();
     m_accountKey = m_account.key();
@@ -83,7 +87,12 @@ QCoro::Task<Result<void>> ConversationSession::load(QString id, Copy copy) {
     if (!self || m_generation != generation)
         co_return notOpened(ConversationTexts::switchedAway());
     const auto draft = co_await PoolAwaiter(
-        [drafts = m_drafts, user = m_userId, id] { return drafts.read(user, id).value_or(std::nullopt); }, &m_files);
+        [drafts = m_drafts, user = m_userId, id, ours = m_draft] {
+            auto read = drafts.read(user, id).value_or(std::nullopt);
+            *ours = read ? std::optional(read->writeId) : std::nullopt;
+            return read;
+        },
+        &m_files);
     if (!self || m_generation != generation)
         co_return notOpened(ConversationTexts::switchedAway());
     const auto answer = co_await m_service.load(id);
@@ -106,8 +115,6 @@ void ConversationSession::adopt(const std::optional<ConversationDTO> &copy,
     m_conversation = local ? draft->snapshot : *copy;
     m_conflicted = local && copy && copy->revision != draft->snapshot.revision;
     m_edits += local;
-    if (draft)
-        m_draftWriteId = draft->writeId;
     if (draft && !local && wanted == Copy::Local)
         forgetDraft();
     m_edits += ConversationMessageDelivery::recover(*m_conversation);
@@ -139,36 +146,67 @@ void ConversationSession::appendText(const QString &messageId, const QString &te
     ++m_edits;
 }
 
-void ConversationSession::keep() {
-    if (!m_conversation || m_incognito || !unsaved())
-        return;
-    auto entry = ConversationDraftCache::entry(*m_conversation, m_clock.now());
-    m_draftWriteId = entry.writeId;
-    m_files.start([drafts = m_drafts, user = m_userId, entry = std::move(entry)] {
-        const auto kept = drafts.save(user, entry);
-        if (!kept && kept.error().kind != ConversationDraftCache::CacheError::Kind::missingAccount)
+std::function<ConversationSession::Kept()> ConversationSession::keeping() const {
+    return [drafts = m_drafts, user = m_userId, snapshot = *m_conversation, now = m_clock.now(), ours = m_draft] {
+        auto kept = drafts.save(user, snapshot, *ours, now);
+        if (kept)
+            *ours = *kept;
+        else if (kept.error().kind != ConversationDraftCache::CacheError::Kind::missingAccount)
             qCWarning(logConversation) << "a draft could not be kept";
-    });
+        return kept;
+    };
+}
+
+void ConversationSession::keep() {
+    if (m_conversation && !m_incognito && unsaved())
+        m_files.start([keep = keeping()] { (void)keep(); });
 }
 
 QCoro::Task<bool> ConversationSession::preserve() {
     if (!m_conversation || m_incognito || !unsaved())
         co_return true;
-    const auto entry = ConversationDraftCache::entry(*m_conversation, m_clock.now());
-    m_draftWriteId = entry.writeId;
+    const QPointer self(this);
+    const auto generation = m_generation;
     // Behind what is being written already, so that the newest is what remains.
-    co_return co_await PoolAwaiter(
-        [drafts = m_drafts, user = m_userId, entry] { return drafts.save(user, entry).has_value(); }, &m_files);
+    const auto kept = co_await PoolAwaiter(keeping(), &m_files);
+    if (self && m_generation == generation)
+        m_draftElsewhere = isElsewhere(kept);
+    co_return kept.has_value();
 }
 
 void ConversationSession::forgetDraft() {
-    if (m_draftWriteId.isEmpty() || !m_conversation)
+    if (!m_conversation)
         return;
-    m_files.start(
-        [drafts = m_drafts, user = m_userId, id = m_conversation->id, writeId = std::exchange(m_draftWriteId, {})] {
-            if (!drafts.remove(user, id, writeId))
-                qCWarning(logConversation) << "a draft that is not needed any more could not be removed";
-        });
+    m_files.start([drafts = m_drafts, user = m_userId, id = m_conversation->id, ours = m_draft] {
+        if (!*ours)
+            return;
+        if (drafts.remove(user, id, **ours))
+            ours->reset();
+        else
+            qCWarning(logConversation) << "a draft that is not needed any more could not be removed";
+    });
+}
+
+void ConversationSession::saveAsNew() {
+    if (!m_conversation || m_incognito)
+        return;
+    ++m_generation;
+    const QString before = m_conversation->id;
+    const auto old = std::exchange(m_draft, std::make_shared<std::optional<QString>>());
+    m_conversation->id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    m_conversation->title += ConversationTexts::copyMark();
+    m_conversation->revision.reset();
+    m_conflicted = m_draftElsewhere = m_known = m_saving = m_saveAgain = false;
+    ++m_edits;
+    // What it was kept as before goes only once it is kept anew.
+    m_files.start([keep = keeping(), drafts = m_drafts, user = m_userId, before, old] {
+        if (keep() && *old)
+            (void)drafts.remove(user, before, **old);
+    });
+    const QPointer self(this);
+    Q_EMIT opened();
+    if (self)
+        save();
 }
 
 void ConversationSession::save() {
@@ -201,14 +239,14 @@ QCoro::Task<> ConversationSession::saveOnce() {
         }
         m_conflicted = !answer && answer.error().status == 409;
     }
-    const auto entry = ConversationDraftCache::entry(*m_conversation, m_clock.now());
-    m_draftWriteId = entry.writeId;
-    const bool kept = co_await PoolAwaiter(
-        [drafts = m_drafts, user = m_userId, entry] { return drafts.save(user, entry).has_value(); }, &m_files);
+    const auto kept = co_await PoolAwaiter(keeping(), &m_files);
     if (!self || m_generation != generation)
         co_return;
-    const auto text = m_conflicted ? (kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept())
-                                   : (kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept());
+    m_draftElsewhere = isElsewhere(kept);
+    auto text = m_conflicted ? (kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept())
+                             : (kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept());
+    if (m_draftElsewhere)
+        text = kept.error().reason;
     endSave({kept ? Saved::Where::Local : Saved::Where::Lost, m_conflicted, text});
 }
 
@@ -217,6 +255,7 @@ void ConversationSession::settle(quint64 edits, std::optional<qint64> revision) 
         m_conversation->revision = revision;
     m_known = true;
     m_savedEdits = edits;
+    m_draftElsewhere = false;
     // What has changed since is kept on top of the new revision, not of the old one.
     if (unsaved())
         keep();

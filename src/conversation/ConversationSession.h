@@ -59,6 +59,8 @@ public:
     /// The service holds a newer revision: nothing more is sent to it until the conversation is opened again.
     bool conflicted() const { return m_conflicted; }
     bool unsaved() const { return m_edits != m_savedEdits; }
+    /// Another window or process has written this conversation's draft, and nothing here goes over it.
+    bool draftChangedElsewhere() const { return m_draftElsewhere; }
     /// Whether the service has ever had this conversation.
     bool known() const { return m_known; }
     bool isSaving() const { return m_saving; }
@@ -87,6 +89,9 @@ public:
     /// nothing more is to be saved, always through the event loop; it does not when another conversation is opened
     /// first.
     void save();
+    /// Goes on with what is open as a conversation of its own, so that neither the service's copy nor another window's
+    /// draft is in its way, and none of them is lost. Not while a turn or a retry is under way.
+    void saveAsNew();
 
 Q_SIGNALS:
     /// Another conversation is open, or none.
@@ -95,6 +100,13 @@ Q_SIGNALS:
     void saveEnded(const lmp::ConversationSession::Saved &saved);
 
 private:
+    /// The write id of our draft of one conversation, if there is one. Touched on the file thread alone, where what was
+    /// written last is known.
+    using DraftId = std::shared_ptr<std::optional<QString>>;
+    using Kept = ConversationDraftCache::Outcome<QString>;
+
+    /// How what is open now is kept, to be run on the file thread.
+    std::function<Kept()> keeping() const;
     /// Puts away what is open.
     void leave();
     /// Opens what the service has, or what this machine kept; one of them is there.
@@ -113,7 +125,8 @@ private:
     std::optional<ConversationDTO> m_conversation;
     std::optional<QString> m_userId; ///< the account the conversation was opened for
     QString m_accountKey;
-    QString m_draftWriteId; ///< of the draft that is ours
+    DraftId m_draft = std::make_shared<std::optional<QString>>();
+    bool m_draftElsewhere = false;
     bool m_incognito = false;
     bool m_conflicted = false;
     bool m_known = false;

@@ -80,12 +80,21 @@ QString ConversationTexts::conflictNotKept() {
     return u"这段对话在别处有更新，尚未同步，草稿也未能保存在本机。关闭前请先复制需要保留的内容。"_s;
 }
 
+QString ConversationTexts::copyMark() {
+    return u"（另存）"_s;
+}
+
 QString ConversationTexts::switchedAway() {
     return u"已切换对话，这次读取没有使用。"_s;
 }
 
 QString ConversationTexts::anotherConversation() {
     return u"读到的不是这段对话，没有打开。"_s;
+}
+
+QString ConversationTexts::recentUnreadable(const QString &reason) {
+    const QString text = u"近期项目读取失败，请刷新重试。"_s;
+    return reason.isEmpty() ? text : text + u'（' + reason + u'）';
 }
 
 QString ConversationTexts::draftWithoutAccount() {
@@ -102,6 +111,10 @@ QString ConversationTexts::draftsUnreadable() {
 
 QString ConversationTexts::draftNotWritten() {
     return u"草稿未能保存在本机。"_s;
+}
+
+QString ConversationTexts::draftChangedElsewhere() {
+    return u"这段对话的本机草稿已在另一个窗口改动，没有覆盖。可以把这里的内容另存为新对话。"_s;
 }
 
 QString ConversationTexts::inputWithoutScope() {

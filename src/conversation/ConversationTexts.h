@@ -31,12 +31,17 @@ public:
     static QString notKept();
     static QString conflict();
     static QString conflictNotKept();
+    /// After the title of a conversation that was saved as one of its own.
+    static QString copyMark();
     static QString switchedAway();
     static QString anotherConversation();
+    /// @param reason why the list of conversations could not be had
+    static QString recentUnreadable(const QString &reason);
     static QString draftWithoutAccount();
     static QString draftWithoutConversation();
     static QString draftsUnreadable();
     static QString draftNotWritten();
+    static QString draftChangedElsewhere();
 
     // What stands in the input box.
     static QString inputWithoutScope();

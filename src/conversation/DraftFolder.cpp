@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QUuid>
 
+#include <sys/stat.h>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -15,6 +17,8 @@ namespace {
 
 const QString suffix = u".json"_s;
 const QString asideSuffix = u".unreadable"_s;
+/// With what QDir calls system files: links that lead nowhere, pipes. All of them count as drafts that cannot be read.
+constexpr QDir::Filters allFiles = QDir::Files | QDir::Dirs | QDir::System | QDir::NoDotAndDotDot;
 /// Holders keep the lock for one small write; longer means that one of them hangs.
 constexpr std::chrono::milliseconds lockLimit(2000);
 
@@ -26,15 +30,42 @@ QString DraftFolder::fileName(const QString &account, const QString &id) {
     return QString::fromLatin1(QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex()) + suffix;
 }
 
-DraftFolder::Outcome<QString> DraftFolder::path(const QString &account, const QString &id) const {
+DraftFolder::Failure DraftFolder::failureOf(const AtomicFile::Error &error) {
+    switch (error.code) {
+    case EFBIG:
+    case ELOOP: // a symbolic link
+    case EPERM: // somebody else's
+    case EISDIR:
+    case EINVAL: // a pipe, a device
+        return Failure::unreadable;
+    default:
+        return Failure::storage;
+    }
+}
+
+DraftFolder::Outcome<QString> DraftFolder::folder() const {
     const auto folder = m_support.folder(m_name);
     if (!folder)
         return std::unexpected(Failure::storage);
+    const QByteArray path = QFile::encodeName(*folder);
+    struct stat status = {};
+    if (::stat(path.constData(), &status) == 0 && (status.st_mode & (S_IRWXG | S_IRWXO)))
+        (void)::chmod(path.constData(), S_IRWXU);
+    return *folder;
+}
+
+DraftFolder::Outcome<QString> DraftFolder::path(const QString &account, const QString &id) const {
+    const auto folder = this->folder();
+    if (!folder)
+        return std::unexpected(folder.error());
     return *folder + u'/' + fileName(account, id);
 }
 
 DraftFolder::Outcome<FileLock> DraftFolder::hold() const {
-    auto lock = FileLock::hold(m_support.folder(m_name).value_or(QString()) + u"/.lock"_s, lockLimit);
+    const auto folder = this->folder();
+    if (!folder)
+        return std::unexpected(folder.error());
+    auto lock = FileLock::hold(*folder + u"/.lock"_s, lockLimit);
     if (lock)
         return *std::move(lock);
     qCWarning(logConversation) << "the drafts cannot be locked:" << lock.error().step << lock.error().reason;
@@ -42,12 +73,15 @@ DraftFolder::Outcome<FileLock> DraftFolder::hold() const {
 }
 
 DraftFolder::Outcome<DraftFolder::Files> DraftFolder::files() const {
-    const auto folder = m_support.folder(m_name);
+    const auto folder = this->folder();
     if (!folder || !QDir(*folder).isReadable())
         return std::unexpected(Failure::storage);
+    // Whoever holds the lock is the only writer: what lies beside was left by one that was killed.
+    if (const auto lock = FileLock::hold(*folder + u"/.lock"_s, {}))
+        AtomicFile::sweep(*folder);
     const QDir dir(*folder);
-    Files files{.records = {}, .aside = dir.entryList({u'*' + asideSuffix}, QDir::Files).size()};
-    for (const QString &name : dir.entryList({u'*' + suffix}, QDir::Files))
+    Files files{.records = {}, .aside = dir.entryList({u'*' + asideSuffix}, allFiles).size()};
+    for (const QString &name : dir.entryList({u'*' + suffix}, allFiles))
         files.records.push_back(dir.filePath(name));
     return files;
 }

@@ -13,13 +13,14 @@ namespace lmp {
 /// made it, so that two windows or processes cannot overwrite each other unseen.
 ///
 /// A value that holds the place and nothing else. Blocks on the disk; any thread. What cannot be read is never deleted
-/// and never overwritten: it is moved beside its place before anything new is written there.
+/// and never overwritten: it is moved beside its place before anything new is written there. A file that is a symbolic
+/// link, or that somebody else owns or may write to, is none of ours and counts as that.
 class DraftFolder {
 public:
     enum class Failure {
         unreadable,       ///< there is a file, and it is no record of ours
         changedElsewhere, ///< the file is not the write that the caller knows
-        storage,          ///< the system refused: full, read-only, not allowed, locked for too long
+        storage,          ///< the system refused: full, read-only, not allowed, too large, locked for too long
     };
     template <class T>
     using Outcome = std::expected<T, Failure>;
@@ -54,6 +55,8 @@ public:
         if (!lock)
             return std::unexpected(lock.error());
         const auto there = readFile<Record>(*path);
+        if (bytes && bytes->size() > AtomicFile::maxRead)
+            return std::unexpected(Failure::storage);
         if (!there && (there.error() != Failure::unreadable || !bytes || !moveAside(*path)))
             return std::unexpected(there.error());
         if (there && *there && std::optional<QString>((*there)->writeId) != known)
@@ -86,7 +89,11 @@ private:
         qsizetype aside = 0;
     };
 
+    /// What a file is that could not be read: none of ours, or one of ours that the system did not give.
+    static Failure failureOf(const AtomicFile::Error &error);
     static QString fileName(const QString &account, const QString &id);
+    /// The folder, closed to everybody else.
+    Outcome<QString> folder() const;
     Outcome<QString> path(const QString &account, const QString &id) const;
     Outcome<FileLock> hold() const;
     Outcome<Files> files() const;
@@ -95,11 +102,11 @@ private:
 
     template <class Record>
     static Outcome<std::optional<Record>> readFile(const QString &path) {
-        const auto bytes = AtomicFile::read(path);
+        const auto bytes = AtomicFile::read(path, AtomicFile::maxRead, AtomicFile::Trust::OwnerOnly);
         if (!bytes && bytes.error().code == ENOENT)
             return std::nullopt;
         if (!bytes)
-            return std::unexpected(bytes.error().code == EFBIG ? Failure::unreadable : Failure::storage);
+            return std::unexpected(failureOf(bytes.error()));
         auto record = Json::decode<Record>(*bytes);
         if (!record)
             return std::unexpected(Failure::unreadable);

@@ -32,6 +32,15 @@ public:
         return text.first(size);
     }
 
+    /// The last `count` of `text`, or all of it.
+    static QString last(const QString &text, int count) {
+        QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+        finder.toEnd();
+        while (count-- > 0 && finder.position() > 0)
+            finder.toPreviousBoundary();
+        return text.sliced(finder.position());
+    }
+
 private:
     QString m_text;
     QTextBoundaryFinder m_finder;

@@ -32,9 +32,12 @@ public:
         m_wait->handle = handle;
         m_pool->start([work = std::move(m_work), wait = m_wait]() mutable {
             auto value = std::make_shared<Value>(work());
+            // Handed over whole: a thread that waits may end as soon as it has what it waited for, and would then no
+            // longer delete the receiver for us.
+            QObject *receiver = wait->receiver;
             QMetaObject::invokeMethod(
-                wait->receiver,
-                [wait, value] {
+                receiver,
+                [wait = std::move(wait), value = std::move(value)] {
                     wait->value = std::move(*value);
                     if (const auto waiting = std::exchange(wait->handle, nullptr))
                         waiting.resume();

@@ -15,6 +15,10 @@ struct MemoryHistoryResp {
     QString current; ///< wording
     QList<MemoryHistoryEntryDTO> entries;
     bool canRevert = false;
+
+    /// The entries from the oldest to the newest, whichever way the service tells them: the newest leads to `current`.
+    QList<MemoryHistoryEntryDTO> oldestFirst() const;
+
     bool operator==(const MemoryHistoryResp &) const = default;
 };
 BOOST_DESCRIBE_STRUCT(MemoryHistoryResp, (), (revision, memoryId, current, entries, canRevert))

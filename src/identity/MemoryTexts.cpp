@@ -47,6 +47,27 @@ QString MemoryTexts::forgetNote() {
     return u"忘记后不再用于长期理解。原对话的内容由对话管理单独处理。"_s;
 }
 
+QString MemoryTexts::forgotten(const QString &content) {
+    return u"已忘记「"_s + Graphemes::first(content, 14) +
+           (Graphemes::first(content, 14) == content ? u"」。"_s : u"…」。"_s) + forgetNote();
+}
+
+QString MemoryTexts::restored() {
+    return u"已恢复，这条记忆又在账本里了。"_s;
+}
+
+QString MemoryTexts::notDone(const QString &what, const QString &reason) {
+    return u"没能"_s + what + u"："_s + reason;
+}
+
+QString MemoryTexts::candidateNotConfirmed() {
+    return u"没记下来，稍后再试——这条仍在「等你确认」里。"_s;
+}
+
+QString MemoryTexts::candidateConfirmed() {
+    return u"已收下，记进账本了。"_s;
+}
+
 QString MemoryTexts::noRevision() {
     return u"当前服务尚未提供可核对的版本，暂不能安全保存。"_s;
 }
@@ -106,7 +127,9 @@ QString MemoryTexts::historyLoading() {
 }
 
 QString MemoryTexts::historyUnreadable(const QString &reason) {
-    return u"没读到版本历史："_s + reason + u"。这不代表「这条没改过」。"_s;
+    // What the service says may be a whole sentence.
+    const QString said = reason.endsWith(u'。') ? reason.chopped(1) : reason;
+    return u"没读到版本历史："_s + said + u"。这不代表「这条没改过」。"_s;
 }
 
 QString MemoryTexts::importReadsOnly() {
@@ -147,6 +170,62 @@ QString MemoryTexts::importFailedItems(qsizetype count) {
 
 QString MemoryTexts::importSupersededItems(qsizetype count) {
     return QString::number(count) + u" 条取代了你更早的记忆——旧的仍留在账本里，标着「已被取代」。"_s;
+}
+
+QString MemoryTexts::importWritten(qsizetype count) {
+    return u"写进了 "_s + QString::number(count) + u" 条。"_s;
+}
+
+QString MemoryTexts::importCut(qsizetype taken, qsizetype all) {
+    return u"这段文本有 "_s + QString::number(all) + u" 段，一次只读前 "_s + QString::number(taken) + u" 段。"_s;
+}
+
+QString MemoryTexts::extractNote() {
+    return u"整理会调用 AI，并按实际消耗结算 Pip。候选记忆需你确认后保存。"_s;
+}
+
+QString MemoryTexts::extractNothingNew() {
+    return u"还没有新的内容需要整理。"_s;
+}
+
+QString MemoryTexts::extractNoCandidates() {
+    return u"这次没有新的记忆候选。"_s;
+}
+
+QString MemoryTexts::extractFailed() {
+    return u"整理未完成，请稍后重试。"_s;
+}
+
+QString MemoryTexts::extractIncognito() {
+    return u"无痕对话不记记忆，不能整理。"_s;
+}
+
+QString MemoryTexts::extractCost(qint64 amount) {
+    return u"整理这一次花了 "_s + QString::number(amount) + u" Pip"_s;
+}
+
+QString MemoryTexts::candidatesNote() {
+    return u"一条都还没生效。你说「是这样」它才进记忆，说「不对」我就丢掉。"_s;
+}
+
+QString MemoryTexts::candidatesLater() {
+    return u"先这样，回头再看"_s;
+}
+
+QString MemoryTexts::candidatesLaterNote() {
+    return u"没处理的会留在「分身 → 记忆账本」的待确认里，不会丢。"_s;
+}
+
+QString MemoryTexts::candidateTookPlaceOf(const QString &content) {
+    return u"已收下，并取代了更早的「"_s + content + u"…」——旧的仍留在记忆账本里，标着有效期。"_s;
+}
+
+QString MemoryTexts::candidateNotTaken() {
+    return u"没记下来，稍后再试——这条仍在「分身 → 记忆账本」的待确认里。"_s;
+}
+
+QString MemoryTexts::candidateNotDropped() {
+    return u"没丢掉，稍后再试。"_s;
 }
 
 } // namespace lmp

@@ -22,6 +22,14 @@ public:
     /// @param content wording of the older memory
     static QString confirmedInPlaceOf(const QString &content);
 
+    // What one does in it, and what becomes of that.
+    static QString forgotten(const QString &content);
+    static QString restored();
+    /// @param what was tried: "冻结", "忘记"; @param reason of the service
+    static QString notDone(const QString &what, const QString &reason);
+    static QString candidateNotConfirmed();
+    static QString candidateConfirmed();
+
     // Correcting.
     static QString noRevision();
     static QString becomesFact();
@@ -55,6 +63,25 @@ public:
     static QString importNothingWritten();
     static QString importFailedItems(qsizetype count);
     static QString importSupersededItems(qsizetype count);
+    static QString importWritten(qsizetype count);
+    /// @param taken, all pieces of a text that has more than are read at once
+    static QString importCut(qsizetype taken, qsizetype all);
+
+    // Candidates from a chat.
+    static QString extractNote();
+    static QString extractNothingNew();
+    static QString extractNoCandidates();
+    static QString extractFailed();
+    static QString extractIncognito();
+    /// @param amount Pip
+    static QString extractCost(qint64 amount);
+    static QString candidatesNote();
+    static QString candidatesLater();
+    static QString candidatesLaterNote();
+    /// @param content wording of the older memory
+    static QString candidateTookPlaceOf(const QString &content);
+    static QString candidateNotTaken();
+    static QString candidateNotDropped();
 };
 
 } // namespace lmp

@@ -15,6 +15,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// An interruption that never ends is a failure.
+constexpr int maxInterruptions = 100;
+
 std::unexpected<AtomicFile::Error> failed(const QString &path, const QString &step, int code) {
     return std::unexpected(AtomicFile::Error{path, step, code, QString::fromLocal8Bit(std::strerror(code))});
 }
@@ -22,21 +25,24 @@ std::unexpected<AtomicFile::Error> failed(const QString &path, const QString &st
 } // namespace
 
 std::expected<FileLock, AtomicFile::Error> FileLock::hold(const QString &path, std::chrono::milliseconds limit) {
-    int fd = -1;
+    int fd = -1, interruptions = 0;
     do
         fd = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    while (fd < 0 && errno == EINTR);
+    while (fd < 0 && errno == EINTR && ++interruptions < maxInterruptions);
     if (fd < 0)
         return failed(path, u"open"_s, errno);
     FileLock lock(fd);
     // The system's own lock belongs to the open file, so two threads exclude each other as two processes do.
     const auto deadline = std::chrono::steady_clock::now() + limit;
     while (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK && errno != EINTR)
+        if (errno == EINTR && ++interruptions < maxInterruptions)
+            continue;
+        if (errno != EWOULDBLOCK)
             return failed(path, u"flock"_s, errno);
         if (std::chrono::steady_clock::now() >= deadline)
             return failed(path, u"flock"_s, EWOULDBLOCK);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        // Short, since whoever lets go may be back at once, and nobody stands in a queue.
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
     return lock;
 }

@@ -17,8 +17,9 @@ namespace {
 
 /// The parser's strings beside the options they become.
 struct Words {
-    std::string site, profile, conversation, email, phone, dialCode = "+86", region, shownId;
-    std::vector<std::string> text;
+    std::string site, profile, conversation, email, phone, dialCode = "+86", region, shownId, draftId, memoryId,
+                                                           memoryFile;
+    std::vector<std::string> text, memoryWords;
 };
 
 class ChineseFormatter : public CLI::Formatter {
@@ -93,6 +94,72 @@ void addSearch(CLI::App &app, CommandLine &line, Words &words) {
     search->callback([&line] { line.command = CommandLine::Command::Search; });
 }
 
+void addDrafts(CLI::App &app, CommandLine &line, Words &words) {
+    auto *all = app.add_subcommand("drafts", "看本机的草稿：未同步的对话和未发送的输入")->group("命令");
+    all->require_subcommand(1);
+    auto *list = all->add_subcommand("list", "列出草稿")->group("命令");
+    auto *show = all->add_subcommand("show", "显示一份草稿")->group("命令");
+    auto *discard = all->add_subcommand("discard", "丢弃一份草稿，先问过再丢")->group("命令");
+    for (auto *one : {show, discard})
+        one->add_option("ID", words.draftId, "对话编号")->type_name("")->required();
+    for (auto *one : {list, show})
+        one->add_flag("--json", line.draftJson, "标准输出一行一个 JSON 记录");
+    discard->add_flag("--yes", line.discardSurely, "不再问");
+    list->callback([&line] { line.command = CommandLine::Command::DraftList; });
+    show->callback([&line] { line.command = CommandLine::Command::DraftShow; });
+    discard->callback([&line] { line.command = CommandLine::Command::DraftDiscard; });
+}
+
+void addMemory(CLI::App &app, CommandLine &line, Words &words) {
+    using What = CommandLine::Memory::What;
+    auto *all = app.add_subcommand("memory", "看分身记住了什么：确认、纠正、忘记")->group("命令");
+    all->require_subcommand(1);
+    const auto add = [&](const char *name, const char *text, What what) {
+        auto *one = all->add_subcommand(name, text)->group("命令");
+        one->callback([&line, what] {
+            line.command = CommandLine::Command::Memory;
+            line.memory.what = what;
+        });
+        return one;
+    };
+    const auto addById = [&](const char *name, const char *text, What what) {
+        auto *one = add(name, text, what);
+        one->add_option("ID", words.memoryId, "编号")->type_name("")->required();
+        return one;
+    };
+    const auto withJson = [&](CLI::App *one) {
+        one->add_flag("--jsonl", line.memory.jsonl, "标准输出一行一个 JSON 记录");
+        return one;
+    };
+    withJson(add("list", "列出记住的", What::List));
+    withJson(add("search", "查找记忆，一个字也可以", What::List))
+        ->add_option("TEXT", words.memoryWords, "每个词都要出现")
+        ->type_name("")
+        ->required();
+    withJson(add("candidates", "列出等你确认的", What::Candidates));
+    withJson(add("chapters", "列出章节", What::Chapters));
+    withJson(addById("confirm", "收下一条候选", What::Confirm));
+    addById("dismiss", "丢掉一条候选", What::Dismiss);
+    addById("correct", "换一种说法", What::Correct)
+        ->add_option("TEXT", words.memoryWords, "新的说法")
+        ->type_name("")
+        ->required();
+    addById("revert", "改回上一版", What::Revert);
+    addById("freeze", "冻结：留着，但不再用", What::Freeze);
+    addById("unfreeze", "解冻", What::Unfreeze);
+    addById("forget", "忘记；标准输出给出撤销要用的一行", What::Forget);
+    add("restore", "撤销忘记", What::Restore)
+        ->add_option("FILE", words.memoryFile, "放着那一行的文件；不给就读标准输入")
+        ->type_name("");
+    withJson(addById("history", "看一条记忆改过什么", What::History));
+    withJson(add("import", "从文本里找出可以记住的", What::Import))
+        ->add_option("FILE", words.memoryFile, "文本文件，一行算一段；- 是标准输入")
+        ->type_name("")
+        ->required();
+    addById("accept", "收下一章", What::Accept);
+    addById("reject", "不要一章", What::Reject);
+}
+
 void addCrisis(CLI::App &app, CommandLine &line, Words &words) {
     auto *crisis = app.add_subcommand("crisis", "现在很难受？先看这个（不用登录，不记录你来过）")->group("命令");
     crisis->add_option("REGION", words.region, "地区代码，例如 CN、HK、US")->type_name("");
@@ -137,10 +204,17 @@ void takeOver(CommandLine &line, const Words &words) {
     line.profile = fromUtf8(words.profile);
     line.conversationId =
         fromUtf8(line.command == CommandLine::Command::ConversationShow ? words.shownId : words.conversation);
+    line.draftId = fromUtf8(words.draftId);
     line.email = fromUtf8(words.email);
     line.phone = fromUtf8(words.phone);
     line.dialCode = fromUtf8(words.dialCode);
     line.region = fromUtf8(words.region);
+    line.memory.id = fromUtf8(words.memoryId);
+    line.memory.file = fromUtf8(words.memoryFile);
+    QStringList memoryWords;
+    for (const std::string &piece : words.memoryWords)
+        memoryWords << fromUtf8(piece);
+    line.memory.text = memoryWords.join(u' ');
     for (const std::string &piece : words.text)
         line.text << fromUtf8(piece);
 }
@@ -166,6 +240,8 @@ std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, cons
     addSession(app, line, words);
     addConversations(app, line, words);
     addSearch(app, line, words);
+    addDrafts(app, line, words);
+    addMemory(app, line, words);
     addCrisis(app, line, words);
     try {
         app.parse(argc, argv);

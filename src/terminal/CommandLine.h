@@ -9,7 +9,46 @@ namespace lmp {
 
 /// What was typed after the program's name. A value.
 struct CommandLine {
-    enum class Command { Chat, SignIn, SignOut, WhoAmI, ConversationList, ConversationShow, Search, Crisis };
+    enum class Command {
+        Chat,
+        SignIn,
+        SignOut,
+        WhoAmI,
+        ConversationList,
+        ConversationShow,
+        DraftList,
+        DraftShow,
+        DraftDiscard,
+        Memory,
+        Search,
+        Crisis
+    };
+
+    /// What is to be done with the ledger of memories.
+    struct Memory {
+        enum class What {
+            List,
+            Candidates,
+            Chapters,
+            Confirm,
+            Dismiss,
+            Correct,
+            Revert,
+            Freeze,
+            Unfreeze,
+            Forget,
+            Restore,
+            History,
+            Import,
+            Accept,
+            Reject
+        };
+        What what = What::List;
+        QString id = {};
+        QString text = {}; ///< what is looked for, or the new wording
+        QString file = {}; ///< empty or "-" is standard input
+        bool jsonl = false;
+    };
 
     /// Why nothing is run: the text, and whether it is an answer (help, version) or a complaint.
     struct Leave {
@@ -41,6 +80,12 @@ struct CommandLine {
     bool password = false;
     bool guest = false;
     bool google = false;
+
+    // drafts
+    QString draftId;
+    bool draftJson = false;
+    bool discardSurely = false;
+    Memory memory;
 
     // crisis
     QString region;

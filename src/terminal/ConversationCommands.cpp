@@ -48,7 +48,7 @@ QCoro::Task<ExitCode> ConversationCommands::list(Application *application, Conso
     const auto all = co_await ConversationService(application->api()).list();
     const bool local = showDrafts(application, console);
     if (!all) {
-        console->error(u"近期项目读取失败，请刷新重试。（"_s + all.error().reason + u"）"_s);
+        console->error(ConversationTexts::recentUnreadable(all.error().reason));
         co_return all.error().status == 401 ? ExitCode::NotSignedIn : ExitCode::Failed;
     }
     for (const auto &summary : all->conversations)

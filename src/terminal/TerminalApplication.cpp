@@ -4,7 +4,9 @@
 #include "terminal/AccountCommands.h"
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
+#include "terminal/DraftCommands.h"
 #include "terminal/GuestCommand.h"
+#include "terminal/MemoryCommands.h"
 #include "terminal/SearchCommand.h"
 
 #include <csignal>
@@ -86,6 +88,14 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         return ConversationCommands::show(&m_application, &m_console, m_line.conversationId);
     case CommandLine::Command::Search:
         return SearchCommand::run(&m_application, &m_console, m_line);
+    case CommandLine::Command::DraftList:
+        return DraftCommands::list(&m_application, &m_console, m_line.draftJson);
+    case CommandLine::Command::DraftShow:
+        return DraftCommands::show(&m_application, &m_console, m_line.draftId, m_line.draftJson);
+    case CommandLine::Command::DraftDiscard:
+        return DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
+    case CommandLine::Command::Memory:
+        return MemoryCommands::run(&m_application, &m_console, &m_input, m_line.memory);
     case CommandLine::Command::Crisis:
         return CrisisCommand::run(&m_application, &m_console, m_line.region);
     }

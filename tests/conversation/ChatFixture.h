@@ -71,7 +71,7 @@ protected:
     }
     QStringList draftFiles() const {
         using namespace Qt::StringLiterals;
-        return QDir(folder.filePath(u"ConversationDrafts/v1"_s)).entryList(QDir::Files | QDir::Hidden);
+        return QDir(folder.filePath(u"ConversationDrafts/v1"_s)).entryList(QDir::Files); // the lock is a hidden one
     }
     static QByteArray frames(std::initializer_list<QByteArray> data) {
         QByteArray bytes;

@@ -8,7 +8,10 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <functional>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace lmp {
 
@@ -111,6 +114,82 @@ TEST_F(ConversationInputDraftStoreTest, WhatCannotBeReadStays) {
     EXPECT_EQ(files().size(), 2) << "the old one lies beside";
     EXPECT_EQ(store.list(user)->unreadable, 1);
     EXPECT_EQ((*store.read(user, u"c"_s))->input.text, u"新"_s);
+}
+
+TEST_F(ConversationInputDraftStoreTest, WhatIsNoneOfOursIsNeitherReadNorReplaced) {
+    ASSERT_TRUE(save(entry(u"c"_s, u"我的"_s), {}));
+    const QString path = folder.filePath(u"UnsentInput/v1/"_s + files().value(0));
+    const QByteArray name = QFile::encodeName(path), beside = QFile::encodeName(folder.filePath(u"beside"_s));
+    const QByteArray mine = *AtomicFile::read(path);
+    struct Case {
+        const char *what;
+        std::function<bool()> make;
+        bool read; ///< whether it counts as ours
+    };
+    const bool root = ::geteuid() == 0;
+    for (const Case &c : std::initializer_list<Case>{
+             {"others may read it", [&] { return ::chmod(name.constData(), 0644) == 0; }, true},
+             {"others may write it", [&] { return ::chmod(name.constData(), 0666) == 0; }, false},
+             {"somebody else's", [&] { return !root || ::chown(name.constData(), 65534, 65534) == 0; }, !root},
+             {"a symbolic link",
+              [&] {
+                  return ::rename(name.constData(), beside.constData()) == 0 &&
+                         ::symlink(beside.constData(), name.constData()) == 0;
+              },
+              false},
+             {"a folder", [&] { return ::unlink(name.constData()) == 0 && ::mkdir(name.constData(), 0700) == 0; },
+              false},
+         }) {
+        SCOPED_TRACE(c.what);
+        QDir(folder.filePath(u"UnsentInput"_s)).removeRecursively();
+        ASSERT_TRUE(save(entry(u"c"_s, u"我的"_s), {}));
+        ASSERT_TRUE(c.make());
+        const auto read = store.read(user, u"c"_s);
+        EXPECT_EQ(read.has_value(), c.read);
+        EXPECT_EQ(store.list(user)->unreadable, c.read ? 0 : 1);
+        if (c.read) {
+            EXPECT_EQ(QFile(path).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+            continue;
+        }
+        EXPECT_EQ(read.error(), Error::unreadable);
+        ASSERT_TRUE(save(entry(u"c"_s, u"新"_s), {}));
+        EXPECT_EQ((*store.read(user, u"c"_s))->input.text, u"新"_s);
+        EXPECT_EQ(store.list(user)->unreadable, 1) << "what was there is still there, beside";
+    }
+    // What the link led to was not touched.
+    EXPECT_EQ(AtomicFile::read(QFile::decodeName(beside))->size(), mine.size());
+}
+
+TEST_F(ConversationInputDraftStoreTest, FoldersThatRefuse) {
+    const QString path = folder.filePath(u"UnsentInput/v1"_s);
+    const auto saved = save(entry(u"c"_s, u"旧"_s), {});
+    ASSERT_TRUE(saved);
+    // Open to others, it is closed to them.
+    QFile::setPermissions(path, QFile::Permissions(0x7755));
+    EXPECT_TRUE(store.read(user, u"c"_s));
+    EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ExeOther), QFile::Permissions());
+    // Root may write anywhere, so it becomes somebody else for a moment, whose folder this is.
+    const bool root = ::geteuid() == 0;
+    const QByteArray name = QFile::encodeName(path), file = name + '/' + files().value(0).toUtf8();
+    const uid_t owner = root ? 65534 : ::geteuid();
+    ASSERT_TRUE(::chown(file.constData(), owner, gid_t(-1)) == 0 && ::chown(name.constData(), owner, gid_t(-1)) == 0);
+    ASSERT_TRUE(::chmod(name.constData(), 0500) == 0 &&
+                ::chmod(QFile::encodeName(folder.path()).constData(), 0755) == 0);
+    ASSERT_TRUE(!root || ::seteuid(owner) == 0);
+    const auto refused = save(entry(u"c"_s, u"新"_s), *saved);
+    ASSERT_TRUE(!root || ::seteuid(0) == 0);
+    EXPECT_EQ(refused, std::unexpected(Error::storage));
+    EXPECT_TRUE(AtomicFile::read(QFile::decodeName(file))->contains("旧"));
+    EXPECT_EQ(Store::describe(Error::storage), u"这段输入未能保存在本机，请不要关闭窗口。"_s);
+
+    // A folder that went away is made again; a clock that jumps back costs nothing.
+    ASSERT_TRUE(QDir(path).removeRecursively());
+    const auto later = store.save(user, entry(u"c"_s, u"后"_s), *saved, QDateTime::currentDateTimeUtc());
+    ASSERT_TRUE(later);
+    const auto before = store.save(user, entry(u"c"_s, u"更后"_s), *later, QDateTime::fromSecsSinceEpoch(0));
+    ASSERT_TRUE(before);
+    EXPECT_EQ((*store.read(user, u"c"_s))->input.text, u"更后"_s);
+    EXPECT_EQ((*store.read(user, u"c"_s))->writeId, *before);
 }
 
 TEST_F(ConversationInputDraftStoreTest, ManyWritersLoseNothing) {

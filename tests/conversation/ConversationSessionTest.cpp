@@ -50,7 +50,9 @@ protected:
             message.deliveryState = State::pending;
             snapshot.messages.push_back(message);
         }
-        ASSERT_TRUE(drafts.save(u"u1"_s, ConversationDraftCache::entry(snapshot, clock.now())));
+        const auto before = draft(u"c"_s);
+        const auto known = before ? std::optional(before->writeId) : std::nullopt;
+        ASSERT_TRUE(drafts.save(u"u1"_s, snapshot, known, clock.now()));
     }
     static QByteArray stored(const char *id, const char *state = "submitted") {
         return QByteArray(R"({"id":")") + id + R"(","role":"user","text":"x","deliveryState":")" + state + "\"}";
@@ -278,6 +280,47 @@ TEST_F(ConversationSessionTest, WhatThisMachineKeptIsOpenedAgain) {
         EXPECT_EQ(session.conflicted(), c.conflict);
         EXPECT_TRUE(eventually([&] { return draft(u"c"_s).has_value() == c.fileStays; }));
     }
+}
+
+TEST_F(ConversationSessionTest, AnotherWindowsDraftIsNeverOverwritten) {
+    server.on(sync, StubServer::reply(503, "{}"));
+    session.begin();
+    say(u"1"_s);
+    ASSERT_EQ(save().where, Where::Local);
+    const QString id = session.conversation()->id;
+    auto theirs = draft(id)->snapshot;
+    theirs.title = u"那边"_s;
+    ASSERT_TRUE(drafts.save(user, theirs, draft(id)->writeId, clock.now()));
+    say(u"2"_s);
+    const auto refused = save();
+    EXPECT_EQ(refused.where, Where::Lost);
+    EXPECT_EQ(refused.text, ConversationTexts::draftChangedElsewhere());
+    EXPECT_TRUE(session.draftChangedElsewhere());
+    EXPECT_FALSE(await(session.preserve())) << "it would be lost, and is not said to be kept";
+
+    // As a conversation of its own it is in nobody's way.
+    session.saveAsNew();
+    EXPECT_TRUE(await(session.preserve()));
+    EXPECT_NE(session.conversation()->id, id);
+    EXPECT_EQ(draft(session.conversation()->id)->snapshot.messages.size(), 2);
+    EXPECT_EQ(draft(id)->snapshot.title, u"那边"_s);
+    EXPECT_EQ(draftFiles().size(), 2);
+}
+
+TEST_F(ConversationSessionTest, SavedAsNewItIsOutOfAConflict) {
+    server.on(sync, StubServer::reply(409, "{}"));
+    session.begin();
+    say(u"1"_s);
+    ASSERT_TRUE(save().conflict);
+    const QString id = session.conversation()->id;
+    server.on(sync, StubServer::reply(200, R"({"ok":true,"revision":1})"));
+    session.saveAsNew();
+    EXPECT_FALSE(session.conflicted());
+    ASSERT_TRUE(eventually([&] { return saves.size() > 1; }));
+    EXPECT_EQ(saves.back().where, Where::Service);
+    EXPECT_EQ(synced().back().revision, std::nullopt);
+    EXPECT_EQ(synced().back().messages.size(), 1);
+    EXPECT_TRUE(eventually([&] { return draftFiles().isEmpty(); })) << "the draft of before goes with it";
 }
 
 TEST_F(ConversationSessionTest, TheServicesCopyAtThePersonsWord) {

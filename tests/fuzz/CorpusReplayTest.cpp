@@ -14,8 +14,9 @@ TEST(CorpusReplayTest, EveryInputKeepsItsPromise) {
         void (*run)(QByteArrayView);
     };
     for (const auto &[folder, run] :
-         {Target{QStringLiteral("events"), fuzzEvents}, Target{QStringLiteral("markdown"), fuzzMarkdown},
-          Target{QStringLiteral("records"), fuzzRecords}}) {
+         {Target{QStringLiteral("child_output"), fuzzChildOutput}, Target{QStringLiteral("claude"), fuzzClaude},
+          Target{QStringLiteral("commands"), fuzzCommands}, Target{QStringLiteral("events"), fuzzEvents},
+          Target{QStringLiteral("markdown"), fuzzMarkdown}, Target{QStringLiteral("records"), fuzzRecords}}) {
         int seen = 0;
         QDirIterator files(QStringLiteral(LMP_FUZZ_CORPUS "/") + folder, QDir::Files);
         while (files.hasNext()) {

@@ -2,6 +2,8 @@
 #include "support/SandboxFixture.h"
 #include "support/StubServer.h"
 
+#include <QCryptographicHash>
+#include <QDir>
 #include <QDirIterator>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -206,6 +208,53 @@ TEST_F(TerminalTest, FailedSaveIsANoteAndADraft) {
     EXPECT_EQ(run({u"chat"_s, u"--conversation"_s, id, u"现在呢"_s}).code, 0);
     EXPECT_EQ(look(u"/api/app/conversations"_s, m_token).at("conversations").as_array().size(), 1u);
     EXPECT_FALSE(run({u"conversations"_s, u"list"_s}).out.contains(u"草稿"_s));
+}
+
+TEST_F(TerminalTest, DraftsAreListedAndDiscardedWhenAsked) {
+    EXPECT_TRUE(run({u"drafts"_s, u"list"_s}).err.contains(u"本机没有草稿。"_s));
+    fault(R"({"route":"/app/conversation/sync","times":-1,"status":500})");
+    const auto turn = run({u"chat"_s, u"--jsonl"_s, u"没同步的话"_s});
+    const auto id = QString::fromStdString(std::string(turn.events().front().at("conversationId").as_string()));
+    // What a window left in that conversation's input box.
+    const QString user = run({u"whoami"_s}).out.section(u'\n', 0, 0).section(u'：', 1);
+    const QString folder = m_home.filePath(u"data/Lumenpair/UnsentInput/v1/"_s);
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QByteArray key = Json::encode(QList<QString>{user, id});
+    const auto name = QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex();
+    QFile box(folder + QString::fromLatin1(name) + u".json"_s);
+    ASSERT_TRUE(box.open(QIODevice::WriteOnly));
+    box.write(
+        R"({"id":")" + id.toUtf8() +
+        R"(","writeId":"w","title":"","cloudRevision":0,"updatedAt":"","input":{"text":"半句","parts":[],"intent":""}})");
+    box.close();
+
+    const auto listed = run({u"drafts"_s, u"list"_s});
+    EXPECT_TRUE(listed.out.contains(id + u"\t没同步的话（对话草稿，尚未同步）\n"_s)) << listed.out.toStdString();
+    EXPECT_TRUE(listed.out.contains(id + u"\t半句（未发送输入）\n"_s));
+    const auto shown = run({u"drafts"_s, u"show"_s, id});
+    EXPECT_TRUE(shown.out.contains(u"你：没同步的话"_s) && shown.out.endsWith(u"半句\n"_s)) << shown.out.toStdString();
+    const auto records = run({u"drafts"_s, u"show"_s, id, u"--json"_s}).events();
+    ASSERT_EQ(records.size(), 2);
+    EXPECT_EQ(records[0].at("conversation").at("messages").at(0).at("text"), "没同步的话");
+    EXPECT_EQ(records[1].at("input").at("text"), "半句");
+    EXPECT_EQ(run({u"drafts"_s, u"list"_s}, {}, signIn(u"13900000009"_s)).out, QString()) << "somebody else's";
+
+    for (const QByteArray answer : {"", "\n", "n\n"})
+        EXPECT_NE(run({u"drafts"_s, u"discard"_s, id}, answer).code, 0);
+    EXPECT_EQ(run({u"drafts"_s, u"list"_s}).out, listed.out) << "all of it is still there";
+    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"nobody"_s, u"--yes"_s}).code, 1);
+    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, id}, u"丢弃\n"_s.toUtf8()).code, 0);
+    EXPECT_EQ(run({u"drafts"_s, u"list"_s}).out, QString());
+    EXPECT_FALSE(box.exists());
+
+    ASSERT_TRUE(box.open(QIODevice::WriteOnly));
+    box.write("{");
+    box.close();
+    const auto broken = run({u"drafts"_s, u"list"_s});
+    EXPECT_EQ(broken.code, 1);
+    EXPECT_TRUE(broken.err.contains(u"有未发送输入暂时无法读取，原文件已保留。"_s)) << broken.err.toStdString();
+    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, id, u"--yes"_s}).code, 1);
+    EXPECT_TRUE(box.exists());
 }
 
 TEST_F(TerminalTest, ADraftIsKeptWhileNobodyCanSayWhoIsThere) {

@@ -22,6 +22,7 @@ Column {
     LMPBanner {
         actionText: root.chat.conflicted ? "改用服务上的版本…" : "再试一次"
         closable: true
+        secondActionText: root.chat.blocked ? "另存为新对话" : ""
         text: root.chat.notice
         tone: LMPBanner.Warning
         visible: root.chat.notice !== ""
@@ -33,6 +34,7 @@ Column {
                 root.chat.saveAgain();
         }
         onClosed: root.chat.closeNotice()
+        onSecondAction: root.chat.saveAsNew()
     }
     LMPBanner {
         closable: true

@@ -6,13 +6,17 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
+QString ChatDateText::justNow() {
+    return u"刚刚"_s;
+}
+
 QString ChatDateText::of(const QDateTime &then, const QDateTime &now) {
     if (!then.isValid())
         return {};
     const QDateTime local = then.toTimeZone(now.timeZone());
     const auto seconds = then.secsTo(now);
     if (seconds >= 0 && seconds < 60)
-        return u"刚刚"_s;
+        return justNow();
     const QDate day = local.date();
     const QString time = local.toString(u"HH:mm");
     if (day == now.date())

@@ -43,6 +43,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_messages(m_session, m_view, *m_services.clock)
     , m_find(m_session)
     , m_speech(m_session, m_services.api, m_services.makeAudio)
+    , m_extraction(m_services.api, m_session, [this] { return isIdle(); })
     , m_inputs(m_services.inputs, *m_services.clock)
     , m_owner(ownerOf(m_services.account)) {
     m_view.surface = u"chat"_s;
@@ -53,6 +54,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     connect(&m_view, &ChatWithTwinView::turnFailed, this, &ChatModel::onTurnEnded);
     connect(&m_view, &ChatWithTwinView::retryEnded, this, &ChatModel::onRetryEnded);
     connect(&m_inputs, &ComposerInputs::replaced, this, &ChatModel::inputChanged);
+    connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::inputDraftChanged);
     connect(&m_inputs, &ComposerInputs::kept, this, &ChatModel::draftsChanged);
     m_inputs.open(m_services.account.current());
     if (m_services.search)
@@ -194,6 +196,20 @@ void ChatModel::saveAgain() {
     m_session.save();
 }
 
+void ChatModel::saveAsNew() {
+    if (!isIdle() || !isOpen())
+        return;
+    const QPointer self(this);
+    setNotice({});
+    m_session.saveAsNew();
+    if (!self)
+        return;
+    m_inputs.moveTo(place(), true);
+    Q_EMIT conversationChanged();
+    if (self)
+        Q_EMIT draftsChanged();
+}
+
 void ChatModel::onSaveEnded(const ConversationSession::Saved &saved) {
     const QPointer self(this);
     m_inputs.describe(place());
@@ -325,7 +341,7 @@ bool ChatModel::retryMessage(const QString &userMessageId, const QString &edited
     const auto *message = messageOf(userMessageId);
     if (edited.isEmpty() || (message && message->text == edited))
         return retry(userMessageId);
-    if (retryTarget() != userMessageId && !ComposerInputFile::isEmpty(m_inputs.current())) {
+    if (retryTarget() != userMessageId && !m_inputs.current().isEmpty()) {
         m_messages.setError(userMessageId, ConversationTexts::inputBoxOccupied());
         return false;
     }
@@ -341,7 +357,7 @@ bool ChatModel::restoreMessage(const QString &userMessageId) {
         return false;
     if (retryTarget() == userMessageId)
         return true;
-    if (!ComposerInputFile::isEmpty(m_inputs.current())) {
+    if (!m_inputs.current().isEmpty()) {
         m_messages.setError(userMessageId, ConversationTexts::inputBoxOccupied());
         return false;
     }
@@ -432,6 +448,20 @@ bool ChatModel::canSend() const {
     return isOpen() && !input().trimmed().isEmpty();
 }
 
+QString ChatModel::otherInputText() const {
+    const auto theirs = m_inputs.theirs();
+    if (!theirs)
+        return {};
+    QStringList lines;
+    if (!theirs->input.text.isEmpty())
+        lines << theirs->input.text;
+    if (const auto count = theirs->input.parts.size())
+        lines << u"（附件 %1 个）"_s.arg(count);
+    if (theirs->input.selection)
+        lines << u"（已选目标）"_s;
+    return lines.join(u'\n');
+}
+
 QString ChatModel::retryTarget() const {
     return m_inputs.current().retryMessageId.value_or(QString());
 }
@@ -450,6 +480,13 @@ QCoro::Task<bool> ChatModel::preserve() {
     if (!self)
         co_return false;
     const bool conversation = co_await m_session.preserve();
+    if (!self)
+        co_return false;
+    if (!conversation && !m_session.isSaving()) {
+        setNotice(m_session.draftChangedElsewhere() ? ConversationTexts::draftChangedElsewhere()
+                                                    : ConversationTexts::notKept());
+        Q_EMIT conversationChanged();
+    }
     co_return inputs &&conversation;
 }
 

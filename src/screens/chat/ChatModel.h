@@ -4,6 +4,7 @@
 #include "screens/chat/ChatFind.h"
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
+#include "screens/chat/ExtractionModel.h"
 #include "screens/chat/MessageListModel.h"
 #include "screens/chat/SpeechModel.h"
 #include "screens/chat/UsedMemoryModel.h"
@@ -25,6 +26,7 @@ class ChatModel : public QObject {
     Q_PROPERTY(lmp::UsedMemoryModel *usedMemories READ usedMemories CONSTANT)
     Q_PROPERTY(lmp::ChatFind *find READ find CONSTANT)
     Q_PROPERTY(lmp::SpeechModel *speech READ speech CONSTANT)
+    Q_PROPERTY(lmp::ExtractionModel *extraction READ extraction CONSTANT)
 
     // The conversation.
     Q_PROPERTY(QString conversationId READ conversationId NOTIFY conversationChanged)
@@ -37,6 +39,8 @@ class ChatModel : public QObject {
     Q_PROPERTY(QString incognitoText READ incognitoText CONSTANT)
     /// The service's copy has moved on; `openServiceCopy` gives up the local one.
     Q_PROPERTY(bool conflicted READ conflicted NOTIFY conversationChanged)
+    /// Something newer stands in the way of saving what is open; `saveAsNew` gets around it and loses neither.
+    Q_PROPERTY(bool blocked READ blocked NOTIFY conversationChanged)
     /// What is open is with this machine alone, and nothing is under way that would change that.
     Q_PROPERTY(bool localOnly READ localOnly NOTIFY conversationChanged)
     /// What became of the last save, while it is not with the service; `saveAgain` is the action.
@@ -64,6 +68,15 @@ class ChatModel : public QObject {
     Q_PROPERTY(QString retryTarget READ retryTarget NOTIFY inputChanged)
     Q_PROPERTY(QString retryTargetText READ retryTargetText NOTIFY inputChanged)
 
+    // The input and the disk.
+    /// What the disk had of it is in the box.
+    Q_PROPERTY(bool inputRestored READ inputRestored NOTIFY inputDraftChanged)
+    /// Why it is not on disk, or not from there; empty when all is well.
+    Q_PROPERTY(QString inputDraftError READ inputDraftError NOTIFY inputDraftChanged)
+    /// Another window has written something else; `keepMyInput` or `takeOtherInput` is the person's choice.
+    Q_PROPERTY(bool inputDraftConflicted READ inputDraftConflicted NOTIFY inputDraftChanged)
+    Q_PROPERTY(QString otherInputText READ otherInputText NOTIFY inputDraftChanged)
+
     // The sheets.
     Q_PROPERTY(bool usedOpen READ usedOpen NOTIFY stateChanged)
     Q_PROPERTY(QString reasonsOpenFor READ reasonsOpenFor NOTIFY stateChanged)
@@ -79,6 +92,7 @@ public:
     UsedMemoryModel *usedMemories() { return &m_used; }
     ChatFind *find() { return &m_find; }
     SpeechModel *speech() { return &m_speech; }
+    ExtractionModel *extraction() { return &m_extraction; }
     QString conversationId() const;
     QString title() const;
     bool isOpen() const { return m_session.isActive(); }
@@ -87,6 +101,7 @@ public:
     bool incognito() const { return m_session.incognito(); }
     QString incognitoText() const;
     bool conflicted() const { return m_session.conflicted(); }
+    bool blocked() const { return m_session.conflicted() || m_session.draftChangedElsewhere(); }
     bool localOnly() const { return m_session.unsaved() && !m_session.isSaving() && isIdle(); }
     const QString &notice() const { return m_notice; }
     const QString &linkNotice() const { return m_linkNotice; }
@@ -105,6 +120,14 @@ public:
     const QString &inputHeldReason() const { return m_heldReason; }
     QString retryTarget() const;
     QString retryTargetText() const;
+    bool inputRestored() const { return m_inputs.isRestored(); }
+    QString inputDraftError() const { return m_inputs.error(); }
+    bool inputDraftConflicted() const { return m_inputs.isConflicted(); }
+    QString otherInputText() const;
+    /// The write of the input's file that this window last read or made.
+    std::optional<QString> inputDraftWriteId() const { return m_inputs.draftWriteId(); }
+    /// The account whose input is in the boxes.
+    std::optional<QString> restoredDraftAccount() const { return m_inputs.restoredDraftAccount(); }
     bool usedOpen() const { return m_view.showUsed().has_value(); }
     QString reasonsOpenFor() const { return m_view.reasonsOpenFor().value_or(QString()); }
     QStringList feedbackReasons() const { return ChatWithTwinView::feedbackReasons(); }
@@ -121,6 +144,8 @@ public:
     /// Opens the service's copy; the local changes are given up, so only at the person's own word.
     Q_INVOKABLE void openServiceCopy();
     Q_INVOKABLE void saveAgain();
+    /// Goes on with what is open, and what is typed, as a conversation of its own. Not while a turn is under way.
+    Q_INVOKABLE void saveAsNew();
     Q_INVOKABLE void closeNotice();
     Q_INVOKABLE void closeLinkNotice();
 
@@ -137,6 +162,10 @@ public:
     Q_INVOKABLE bool restoreMessage(const QString &userMessageId);
     /// Sending says something new again; the text stays.
     Q_INVOKABLE void clearRetryTarget();
+    /// Puts the input here in the place of the other window's.
+    Q_INVOKABLE void keepMyInput() { m_inputs.keepMine(); }
+    /// Gives up the input here for the other window's.
+    Q_INVOKABLE void takeOtherInput() { m_inputs.takeTheirs(); }
 
     Q_INVOKABLE void like(const QString &messageId) { m_view.likeReply(messageId); }
     Q_INVOKABLE void openReasons(const QString &messageId) { m_view.openReasons(messageId); }
@@ -162,6 +191,7 @@ Q_SIGNALS:
     void conversationChanged();
     void stateChanged();
     void inputChanged();
+    void inputDraftChanged();
     void noticeChanged();
     /// A turn has begun with what was typed.
     void sent();
@@ -195,6 +225,7 @@ private:
     UsedMemoryModel m_used;
     ChatFind m_find;
     SpeechModel m_speech;
+    ExtractionModel m_extraction;
     ComposerInputs m_inputs;
     LocalInputRegistry::Registration m_localInput;
     QString m_owner;                    ///< the account and sign-in that what is open is of

@@ -18,6 +18,9 @@ FocusScope {
     function focusInput(): void {
         composer.forceActiveFocus();
     }
+    function beginExtraction(): void {
+        extraction.open();
+    }
     /// What stands under the input box: why it was held back before all else, then what is worth knowing.
     function hint(): string {
         if (root.chat.inputHeldReason !== "")
@@ -103,7 +106,8 @@ FocusScope {
             visible: root.chat.open && transcript.count === 0
 
             onChosen: text => {
-                root.chat.input = text;
+                // What is typed already is not the beginning's to replace.
+                root.chat.input = root.chat.input.trim() === "" ? text : root.chat.input + "\n" + text;
                 root.focusInput();
             }
         }
@@ -151,9 +155,24 @@ FocusScope {
                 anchors.bottom: parent.bottom
                 anchors.bottomMargin: Theme.space12
 
-                attachmentsArea: RetryTarget {
-                    chat: root.chat
-                    width: parent.width
+                attachmentsArea: Column {
+                    spacing: Theme.space4
+                    width: composer.width - 2 * Theme.space8
+
+                    InputNotice {
+                        chat: root.chat
+                        width: parent.width
+                    }
+                    InputConflict {
+                        chat: root.chat
+                        width: parent.width
+
+                        onChosen: root.focusInput()
+                    }
+                    RetryTarget {
+                        chat: root.chat
+                        width: parent.width
+                    }
                 }
                 busy: root.chat.sending
                 canSend: root.chat.canSend
@@ -162,12 +181,20 @@ FocusScope {
                 height: implicitHeight
                 hint: root.hint()
                 placeholderText: root.chat.incognito ? "无痕地说点什么" : "说点什么"
-                tools: LMPIconButton {
-                    iconName: "settings"
-                    text: "对话方式"
+                tools: [
+                    LMPIconButton {
+                        iconName: "settings"
+                        text: "对话方式"
 
-                    onClicked: options.open()
-                }
+                        onClicked: options.open()
+                    },
+                    LMPIconButton {
+                        iconName: "memory"
+                        text: "整理记忆"
+
+                        onClicked: root.beginExtraction()
+                    }
+                ]
                 width: parent.width
 
                 // An item that is disabled loses its place in the focus, and does not get it back by itself.
@@ -214,6 +241,14 @@ FocusScope {
     }
     UsedMemoriesSheet {
         chat: root.chat
+    }
+    ExtractionSheet {
+        id: extraction
+
+        extraction: root.chat.extraction
+    }
+    ExtractedCandidatesSheet {
+        extraction: root.chat.extraction
     }
     FeedbackReasonsSheet {
         chat: root.chat

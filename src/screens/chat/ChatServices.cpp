@@ -10,7 +10,7 @@ ChatServices ChatServices::of(Application &application) {
             .events = application.events(),
             .account = application.account(),
             .drafts = application.drafts(),
-            .inputs = ComposerInputFile(application.support()),
+            .inputs = application.inputs(),
             .clock = &application.clock(),
             .safety = &application.safety(),
             .recorder = application.recorder(),

@@ -2,8 +2,8 @@
 
 #include "conversation/ChatWithTwinView.h"
 #include "conversation/TTSPlayer.h"
+#include "conversation/ConversationInputDraftStore.h"
 #include "platform/ExternalOpener.h"
-#include "screens/chat/ComposerInputFile.h"
 
 namespace lmp {
 
@@ -18,7 +18,7 @@ struct ChatServices {
     SSEClient events;
     ConversationAccount account;
     ConversationDraftCache drafts;
-    ComposerInputFile inputs;
+    ConversationInputDraftStore inputs;
     Clock *clock = nullptr;
     SafetyGateStore *safety = nullptr;
     ChatWithTwinView::Recorder recorder;

@@ -64,7 +64,7 @@ FocusScope {
             }
         }
         LMPBanner {
-            actionText: "刷新"
+            actionText: "刷新近期项目"
             text: root.conversations.errorText
             tone: LMPBanner.Warning
             visible: root.conversations.errorText !== ""

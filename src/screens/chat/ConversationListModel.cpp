@@ -4,6 +4,7 @@
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
 #include "core/PoolAwaiter.h"
+#include "screens/chat/ChatDateRefresh.h"
 #include "screens/chat/ChatDateText.h"
 #include "screens/chat/ChatModel.h"
 
@@ -25,6 +26,7 @@ ConversationListModel::ConversationListModel(ChatServices services, QObject *par
     , m_services(std::move(services))
     , m_owner(owner()) {
     m_files.setMaxThreadCount(1);
+    new ChatDateRefresh(*this, TimeTextRole, *m_services.clock);
 }
 
 ConversationListModel::~ConversationListModel() = default;
@@ -93,7 +95,7 @@ QCoro::Task<> ConversationListModel::load() {
     if (!self || m_generation != generation)
         co_return;
     m_loading = false;
-    m_errorText = answer ? QString() : answer.error().reason;
+    m_errorText = answer ? QString() : ConversationTexts::recentUnreadable(answer.error().reason);
     if (answer) {
         m_summaries = answer->conversations;
         m_loaded = true;
@@ -113,27 +115,35 @@ QCoro::Task<> ConversationListModel::readLocal() {
     if (!self || m_generation != generation)
         co_return;
     m_local = std::move(read);
-    m_notice = m_local.unreadable > 0 ? ConversationTexts::draftsKeptUnread(m_local.unreadable) : QString();
+    m_notice = m_local.notices.join(u'\n');
     rebuild();
 }
 
 ConversationListModel::Local ConversationListModel::Local::read(const ConversationDraftCache &drafts,
-                                                                const ComposerInputFile &inputs,
+                                                                const ConversationInputDraftStore &inputs,
                                                                 const std::optional<QString> &account) {
     Local local;
+    if (!account)
+        return local;
     if (const auto kept = drafts.list(account)) {
-        local.unreadable += kept->unreadable;
         for (const auto &entry : kept->entries)
             local.rows.push_back({.id = entry.snapshot.id,
                                   .title = entry.snapshot.title,
                                   .at = QDateTime::fromString(entry.updatedAt, Qt::ISODateWithMs),
                                   .draft = true,
                                   .localOnly = true});
+        if (kept->unreadable > 0)
+            local.notices << ConversationTexts::draftsKeptUnread(kept->unreadable);
+    } else {
+        local.notices << kept.error().reason;
     }
-    if (const auto unsent = inputs.list(account)) {
-        local.unreadable += unsent->unreadable;
+    if (const auto unsent = inputs.list(*account)) {
         for (const auto &entry : unsent->entries)
-            local.unsent.insert(entry.id);
+            local.unsent.insert(ConversationInputDraftStore::originalId(entry.id));
+        if (unsent->unreadable > 0)
+            local.notices << ConversationTexts::inputsKeptUnread();
+    } else {
+        local.notices << ConversationTexts::inputUnreadable();
     }
     return local;
 }

@@ -86,9 +86,9 @@ private:
     struct Local {
         QList<ConversationRow> rows; ///< conversations, newest first
         QSet<QString> unsent;        ///< the conversations with something in their input box
-        qsizetype unreadable = 0;
+        QStringList notices;         ///< what could not be read, a sentence each
 
-        static Local read(const ConversationDraftCache &drafts, const ComposerInputFile &inputs,
+        static Local read(const ConversationDraftCache &drafts, const ConversationInputDraftStore &inputs,
                           const std::optional<QString> &account);
     };
 

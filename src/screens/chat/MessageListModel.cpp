@@ -3,6 +3,7 @@
 #include "conversation/ChatWithTwinView.h"
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
+#include "screens/chat/ChatDateRefresh.h"
 #include "screens/chat/ChatDateText.h"
 
 #include <QPointer>
@@ -33,6 +34,7 @@ MessageListModel::MessageListModel(ConversationSession &session, ChatWithTwinVie
     connect(&view, &ChatWithTwinView::deltaReceived, this, &MessageListModel::flushSoon);
     connect(&view, &ChatWithTwinView::stateChanged, this, &MessageListModel::onStateChanged);
     reset();
+    new ChatDateRefresh(*this, TimeTextRole, m_clock);
 }
 
 MessageListModel::~MessageListModel() {

@@ -5,6 +5,8 @@
 #include "screens/shell/WindowApplication.h"
 #include "screens/shell/WindowScene.h"
 
+#include <QDir>
+#include <QFile>
 #include <QQuickItem>
 
 namespace lmp {
@@ -181,6 +183,51 @@ QList<GalleryScene> ChatScenes::states() {
             {u"chat-conflict"_s, of(withMemories(), conflict)}};
 }
 
+QList<GalleryScene> ChatScenes::drafts() {
+    // What another window has put into the box of the same conversation.
+    const auto conflict = [](GalleryStage &stage) {
+        stage.then([&stage] { chat(stage).setInput(u"我这边写的是：周六上午去，午饭前回来。"_s); });
+        stage.until(u"the save"_s, [&stage] { return chat(stage).inputDraftWriteId().has_value(); });
+        stage.then([&stage] {
+            auto &application = stage.program().application();
+            const QString user = Fixtures::person().id;
+            auto entry = application.inputs().read(user, chat(stage).conversationId())->value();
+            entry.input.text =
+                u"另一个窗口写的：不如周日下午，先看看天气。\n如果下雨就改成去图书馆，记得问一下几点关门。"_s;
+            (void)application.inputs().save(user, entry, entry.writeId, application.clock().now());
+            chat(stage).setInput(u"我这边写的是：周六上午去，午饭前回来，路上买菜。"_s);
+        });
+        stage.until(u"the conflict"_s, [&stage] { return chat(stage).inputDraftConflicted(); });
+    };
+    const auto inTheWay = [](GalleryStage &stage, const QString &name) {
+        QFile file(stage.program().application().support().root() + u'/' + name);
+        if (QDir(file.fileName()).removeRecursively() && !file.open(QIODevice::WriteOnly))
+            qWarning() << "the folder is not out of the way";
+    };
+    const auto notKept = [inTheWay](GalleryStage &stage) {
+        stage.then([&stage, inTheWay] {
+            inTheWay(stage, u"UnsentInput"_s);
+            chat(stage).setInput(u"磁盘满了的时候写的一句话"_s);
+        });
+        stage.until(u"the failure"_s, [&stage] { return !chat(stage).inputDraftError().isEmpty(); });
+    };
+    const auto unreadable = [inTheWay](GalleryStage &stage) {
+        stage.then([&stage, inTheWay] {
+            inTheWay(stage, u"UnsentInput"_s);
+            inTheWay(stage, u"ConversationDrafts"_s);
+            stage.service().refuse(u"/api/app/conversations"_s, 503, u"internal"_s, u"连接超时"_s);
+            stage.scene().conversations()->refresh();
+        });
+        stage.until(u"the notices"_s, [&stage] {
+            return !stage.scene().conversations()->notice().isEmpty() &&
+                   !stage.scene().conversations()->errorText().isEmpty();
+        });
+    };
+    return {{u"chat-input-conflict"_s, of(withMemories(), conflict)},
+            {u"chat-input-not-kept"_s, of(withMemories(), notKept)},
+            {u"chat-drafts-unreadable"_s, of(withMemories(), unreadable)}};
+}
+
 QList<GalleryScene> ChatScenes::ways() {
     const auto begun = [](bool incognito, bool cheaper) {
         return [incognito, cheaper](GalleryStage &stage) {
@@ -309,7 +356,7 @@ QList<GalleryScene> ChatScenes::speaking() {
 }
 
 QList<GalleryScene> ChatScenes::all() {
-    return texts() + turns() + states() + ways() + finding() + speaking();
+    return texts() + turns() + states() + drafts() + ways() + finding() + speaking();
 }
 
 } // namespace lmp

@@ -13,6 +13,7 @@ private:
     static QList<GalleryScene> texts();
     static QList<GalleryScene> turns();
     static QList<GalleryScene> states();
+    static QList<GalleryScene> drafts();
     static QList<GalleryScene> ways();
     static QList<GalleryScene> finding();
     static QList<GalleryScene> speaking();

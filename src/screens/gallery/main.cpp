@@ -5,6 +5,7 @@
 #include "screens/gallery/CareScenes.h"
 #include "screens/gallery/ChatScenes.h"
 #include "screens/gallery/GalleryRun.h"
+#include "screens/gallery/MemoryScenes.h"
 #include "screens/gallery/ShellScenes.h"
 
 #include <QDir>
@@ -20,7 +21,8 @@ namespace {
 using namespace Qt::StringLiterals;
 
 QList<lmp::GalleryScene> everyScene() {
-    return lmp::AccountScenes::all() + lmp::ShellScenes::all() + lmp::ChatScenes::all() + lmp::CareScenes::all();
+    return lmp::AccountScenes::all() + lmp::ShellScenes::all() + lmp::ChatScenes::all() + lmp::MemoryScenes::all() +
+           lmp::CareScenes::all();
 }
 
 int complain(const QString &text) {

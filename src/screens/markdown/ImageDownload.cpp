@@ -25,10 +25,16 @@ public:
     bool setCookiesFromUrl(const QList<QNetworkCookie> &, const QUrl &) override { return false; }
 };
 
+/// Formats that are nothing but pixels. A drawing is more: it can name files of this machine, and refer to itself until
+/// nobody can draw it.
+const QList<QByteArray> pixelFormats{"png", "jpeg", "gif", "webp", "bmp"};
+
 QImage decoded(QByteArray bytes, const ImageDownload::Limits &limits) {
     QBuffer buffer(&bytes);
     QImageReader reader(&buffer);
     reader.setAutoTransform(true);
+    if (!pixelFormats.contains(reader.format()))
+        return {};
     const QSize size = reader.size();
     if (!size.isValid() || qint64(size.width()) * size.height() > limits.pixels)
         return {};

@@ -1,6 +1,8 @@
 #include "InlineWriter.h"
 
 #include <QHash>
+#include <QRegularExpression>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -63,6 +65,27 @@ QStringView bareAddress(QStringView address) {
             address = address.sliced(prefix.size());
     }
     return address.endsWith(u'/') ? address.chopped(1) : address;
+}
+
+/// The host that the words of a link name, where they read like an address.
+QString hostNamed(const QString &words) {
+    static const QRegularExpression named(
+        u"(?:https?://|www\\.)\\S+|^[\\w.-]+\\.(?:com|cn|net|org|gov|edu)(?:[/:?#]\\S*)?$"_s,
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
+    const QString address = named.match(words.trimmed()).captured();
+    const bool whole = address.startsWith(u"http"_s, Qt::CaseInsensitive) && address.contains(u"://"_s);
+    return QUrl((whole ? QString() : u"https://"_s) + address).host(QUrl::FullyEncoded);
+}
+
+QString withoutWww(const QString &host) {
+    return host.startsWith(u"www."_s) ? host.sliced(4) : host;
+}
+
+/// The host of `url` where the words of its link speak of another one, or of one that only looks like it.
+QString hostHidden(const QString &words, const QString &url) {
+    const QString named = hostNamed(words), host = QUrl(url).host(QUrl::FullyEncoded);
+    const bool looksAlike = host.contains(u"xn--"_s) && !words.contains(host);
+    return !named.isEmpty() && (looksAlike || withoutWww(named) != withoutWww(host)) ? host : QString();
 }
 
 bool isBreak(QStringView tag) {
@@ -139,6 +162,8 @@ void InlineWriter::closeLink() {
     m_made.text += u"</a>"_s;
     m_made.links.last().length = m_made.length - m_made.links.last().start;
     m_made.links.last().hidden = !tells;
+    if (const QString host = hostHidden(m_linkText, m_url); !host.isEmpty())
+        write(u"（通往 "_s + host + u"）"_s);
 }
 
 void InlineWriter::openPicture(const QString &address) {
@@ -235,7 +260,7 @@ void InlineWriter::write(QStringView part) {
             safe += QChar::ReplacementCharacter;
         } else if (code == QChar::LineSeparator || code == QChar::ParagraphSeparator) {
             safe += u' ';
-        } else if (code >= u' ' && code != 0x7f && !(code >= 0x202a && code <= 0x202e)) {
+        } else if (code >= u' ' && code != 0x7f && !MarkdownInline::turnsDirection(c)) {
             safe += c;
         } else {
             continue;

@@ -1,7 +1,8 @@
 #include "MarkdownDocument.h"
 
 #include "MarkdownInline.h"
-#include "MarkdownTable.h"
+
+#include <algorithm>
 
 namespace lmp {
 
@@ -22,7 +23,7 @@ constexpr int betweenBlocks = 12;
 constexpr int betweenItems = 4;
 constexpr int insideList = 8;
 
-/// How much more one wish for more shows.
+/// How much more code one wish for more shows.
 constexpr int moreLines = 1000;
 constexpr qsizetype charactersPerLine = MarkdownLimits::code / MarkdownLimits::codeLines;
 
@@ -77,7 +78,8 @@ QString MarkdownDocument::source(qsizetype block) const {
 
 void MarkdownDocument::expand(qsizetype block) {
     const qsizetype source = m_sources.at(block);
-    show(source, m_shown.value(source, 0) + moreLines);
+    const bool table = m_parser.blocks().at(source).kind == Kind::Table;
+    show(source, m_shown.value(source, 0) + (table ? MarkdownTable::rowsMore(m_blocks.at(block).columns) : moreLines));
 }
 
 void MarkdownDocument::collapse(qsizetype block) {
@@ -177,6 +179,8 @@ void MarkdownDocument::makeCode(MarkdownBlock block, const MarkdownSource &sourc
         --end;
     block.language = source.language;
     block.code = source.text.first(end);
+    // What is read here must be what runs: what would make it look like something else stands there to be seen.
+    std::ranges::replace_if(block.code, &MarkdownInline::turnsDirection, QChar(QChar::ReplacementCharacter));
     block.lines = source.lines;
     // A last line that is shown in part is hidden in part.
     block.hidden = end == source.text.size() ? 0 : std::max(1, source.lines - lines);
@@ -185,16 +189,22 @@ void MarkdownDocument::makeCode(MarkdownBlock block, const MarkdownSource &sourc
 
 void MarkdownDocument::makeTable(MarkdownBlock block, const MarkdownSource &source, qsizetype index, int shown) {
     const int most = MarkdownTable::rowsShown(source.columns.size()) + shown;
-    if (m_rows.source != index)
-        m_rows = Rows{index, 0, 0, MarkdownTable::header(source.header, source.columns)};
+    if (m_rows.source != index) {
+        m_rows = Rows{.source = index};
+        MarkdownTable::addHeader(m_rows.made, source.header, source.columns);
+    }
     QStringView rest = QStringView(source.text).sliced(m_rows.end);
     for (qsizetype feed = 0; m_rows.count < most && (feed = rest.indexOf(u'\n')) >= 0; ++m_rows.count) {
-        m_rows.html += MarkdownTable::row(rest.first(feed), source.columns);
+        MarkdownTable::addRow(m_rows.made, rest.first(feed), source.columns);
         m_rows.end += feed + 1;
         rest = rest.sliced(feed + 1);
     }
     const bool last = m_rows.count < most && m_rows.count < source.lines;
-    block.text = MarkdownTable::table(m_rows.html + (last ? MarkdownTable::row(rest, source.columns) : QString()));
+    MarkdownTable::Rows rows = m_rows.made;
+    if (last)
+        MarkdownTable::addRow(rows, rest, source.columns);
+    block.text = MarkdownTable::table(rows.html);
+    block.links = std::move(rows.links);
     block.lines = source.lines;
     block.columns = int(source.columns.size());
     block.hidden = source.lines - m_rows.count - (last ? 1 : 0);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MarkdownBlockParser.h"
+#include "MarkdownTable.h"
 
 #include <QHash>
 
@@ -34,9 +35,9 @@ public:
 private:
     struct Rows {
         qsizetype source = -1;
-        qsizetype end = 0; ///< of the table's text that `html` holds
+        qsizetype end = 0; ///< of the table's text that `made` holds
         int count = 0;
-        QString html;
+        MarkdownTable::Rows made = {};
     };
 
     void update();

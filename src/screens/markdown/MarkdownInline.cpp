@@ -188,6 +188,10 @@ QString MarkdownInline::escaped(QStringView text) {
     return safe;
 }
 
+bool MarkdownInline::turnsDirection(QChar c) {
+    return (c >= QChar(0x202a) && c <= QChar(0x202e)) || (c >= QChar(0x2066) && c <= QChar(0x2069));
+}
+
 QString MarkdownInline::safeUrl(const QString &address) {
     const QUrl url(address, QUrl::StrictMode);
     const bool web = url.scheme() == u"http"_s || url.scheme() == u"https"_s;

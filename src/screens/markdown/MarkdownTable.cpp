@@ -10,6 +10,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype cellsShown = 600;
+constexpr qsizetype cellsMore = 3000;
+constexpr qsizetype mostRowsMore = 1000;
+
+int rowsOf(qsizetype cells, qsizetype columns, qsizetype most) {
+    return int(std::clamp<qsizetype>(cells / std::max<qsizetype>(columns, 1), 1, most));
+}
 
 QString alignment(line::Align align) {
     switch (align) {
@@ -22,30 +28,42 @@ QString alignment(line::Align align) {
     }
 }
 
-QString written(QStringView line, const QList<line::Align> &columns, QLatin1StringView element) {
+void add(Rows &rows, QStringView line, const QList<line::Align> &columns, QLatin1StringView element) {
     const QList<QString> cells = line::cells(line);
-    QString row = u"<tr>"_s;
+    rows.html += u"<tr>"_s;
     for (qsizetype i = 0; i < columns.size(); ++i) {
         QString cell = cells.value(i);
         if (i == columns.size() - 1 && cells.size() > columns.size())
             cell = cells.sliced(i).join(u" | "_s);
-        row += u'<' + element + alignment(columns[i]) + u'>' + MarkdownInline::of(cell).text + u"</"_s + element + u'>';
+        MarkdownInline made = MarkdownInline::of(cell);
+        // The layout has one character of its own before what a cell holds.
+        ++rows.length;
+        for (MarkdownLink &link : made.links) {
+            link.start += rows.length;
+            rows.links += std::move(link);
+        }
+        rows.length += made.length;
+        rows.html += u'<' + element + alignment(columns[i]) + u'>' + made.text + u"</"_s + element + u'>';
     }
-    return row + u"</tr>"_s;
+    rows.html += u"</tr>"_s;
 }
 
 } // namespace
 
 int rowsShown(qsizetype columns) {
-    return int(std::clamp<qsizetype>(cellsShown / std::max<qsizetype>(columns, 1), 1, MarkdownLimits::tableRows));
+    return rowsOf(cellsShown, columns, MarkdownLimits::tableRows);
 }
 
-QString header(QStringView line, const QList<line::Align> &columns) {
-    return written(line, columns, "th"_L1);
+int rowsMore(qsizetype columns) {
+    return rowsOf(cellsMore, columns, mostRowsMore);
 }
 
-QString row(QStringView line, const QList<line::Align> &columns) {
-    return written(line, columns, "td"_L1);
+void addHeader(Rows &rows, QStringView line, const QList<line::Align> &columns) {
+    add(rows, line, columns, "th"_L1);
+}
+
+void addRow(Rows &rows, QStringView line, const QList<line::Align> &columns) {
+    add(rows, line, columns, "td"_L1);
 }
 
 QString table(const QString &rows) {

@@ -21,7 +21,7 @@ const QList<AppCommands::Entry> &AppCommands::table() {
         {Command::TabMe, u"我的"_s, u"me"_s, {u"Ctrl+5"_s}},
         {Command::Settings, u"设置"_s, u"settings"_s, {u"Ctrl+,"_s}},
         {Command::Larger, u"放大界面"_s, u"plus"_s, {u"Ctrl++"_s, u"Ctrl+="_s}, false},
-        {Command::Smaller, u"缩小界面"_s, u"search"_s, {u"Ctrl+-"_s}, false},
+        {Command::Smaller, u"缩小界面"_s, u"minus"_s, {u"Ctrl+-"_s}, false},
         {Command::ResetScale, u"恢复原来的大小"_s, u"retry"_s, {u"Ctrl+0"_s}, false},
         {Command::PreviousConversation, u"上一段对话"_s, {}, {u"Alt+Up"_s}},
         {Command::NextConversation, u"下一段对话"_s, {}, {u"Alt+Down"_s}},

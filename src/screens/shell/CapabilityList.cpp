@@ -6,6 +6,13 @@
 
 namespace lmp {
 
+namespace {
+
+/// All of them are drawn; a table of more features than this is not one that anybody reads.
+constexpr qsizetype mostShown = 200;
+
+} // namespace
+
 CapabilityList::CapabilityList(QObject *parent)
     : QAbstractListModel(parent) {}
 
@@ -63,7 +70,7 @@ void CapabilityList::look() {
     m_texts.clear();
     for (const QString &id : std::as_const(ids)) {
         const auto feature = m_store->lookup(id);
-        if (feature && belongs(*feature))
+        if (feature && belongs(*feature) && m_texts.size() < mostShown)
             m_texts << CapabilityNote::wording(*feature);
     }
     endResetModel();

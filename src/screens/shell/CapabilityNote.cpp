@@ -6,6 +6,17 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr qsizetype longestLabel = 60;
+constexpr qsizetype longestNote = 500;
+
+QString shortened(const QString &text, qsizetype longest) {
+    return text.size() <= longest ? text : text.first(longest) + u'…';
+}
+
+} // namespace
+
 CapabilityNote::CapabilityNote(QObject *parent)
     : QObject(parent) {}
 
@@ -29,9 +40,9 @@ CapabilityNote::Level CapabilityNote::level() const {
 
 QString CapabilityNote::wording(const FeatureCapability &feature) {
     static const std::array levels{u"可用"_s, u"部分可用"_s, u"不可用"_s};
-    QStringList parts{feature.label, levels.at(std::size_t(feature.level))};
+    QStringList parts{shortened(feature.label, longestLabel), levels.at(std::size_t(feature.level))};
     if (feature.note && !feature.note->isEmpty())
-        parts << *feature.note;
+        parts << shortened(*feature.note, longestNote);
     return parts.join(u" · "_s);
 }
 

@@ -6,6 +6,8 @@ Item {
     id: root
 
     required property string text
+    /// More than these are left out; a screen reader hears all of it.
+    property int mostLines: 100
 
     Accessible.name: root.text
     Accessible.role: Accessible.StaticText
@@ -25,7 +27,9 @@ Item {
 
         Accessible.ignored: true
         color: Theme.text2
+        elide: Text.ElideRight
         kind: LMPText.Caption
+        maximumLineCount: root.mostLines
         text: root.text
         width: parent.width - x
         x: icon.width + Theme.dp(8)

@@ -3,13 +3,14 @@ import Lumenpair.Account
 import Lumenpair.Kit
 import Lumenpair.Shell
 
-/// The tab "me": the account, and everything that can be set.
+/// The account, what the twin knows, and everything that can be set.
 TabPage {
     id: root
 
     function show(section: int): void {
         const item = parts.children[section];
-        page.contentY = Math.max(0, Math.min(item.y + Theme.dp(16), page.contentHeight - page.height));
+        const top = item.mapToItem(page.contentItem, 0, 0).y - Theme.space4;
+        page.contentY = Math.max(0, Math.min(top, page.contentHeight - page.height));
         const first = item.nextItemInFocusChain(true);
         if (first)
             first.forceActiveFocus(Qt.OtherFocusReason);
@@ -50,7 +51,28 @@ TabPage {
             bottomPadding: Theme.dp(32)
             focus: true
             horizontalPadding: Math.max(Theme.dp(20), Math.round((width - Theme.dp(640)) / 2))
+            spacing: Theme.dp(28)
             topPadding: Theme.dp(20)
+
+            SettingsPart {
+                title: "分身"
+                width: parent.width
+
+                LMPCard {
+                    accessibleName: "分身"
+                    padding: Theme.space8
+                    width: parent.width
+
+                    LMPRow {
+                        iconName: "memory"
+                        subtitle: "它记住的关于你的事：确认、纠正、忘记"
+                        title: "记忆账本"
+                        twoLine: true
+                        width: parent.width
+                        onClicked: root.scene.navigation.openMemory()
+                    }
+                }
+            }
 
             Column {
                 id: parts

@@ -10,6 +10,7 @@ SharedModels::SharedModels(Application &opened)
     , session(opened)
     , safety(opened.safety(), opened.opener())
     , telemetry(opened.telemetry())
-    , updates(opened.site().downloads, opened.opener()) {}
+    , updates(opened.site().downloads, opened.opener())
+    , memoryInputs(opened.support(), opened.account(), opened.clock()) {}
 
 } // namespace lmp

@@ -4,6 +4,7 @@
 #include "app/UpdateChecker.h"
 #include "screens/account/SafetyModel.h"
 #include "screens/account/SessionModel.h"
+#include "screens/memory/MemoryInputs.h"
 #include "screens/shell/TelemetryModel.h"
 
 namespace lmp {
@@ -22,6 +23,7 @@ struct SharedModels {
     SafetyModel safety;
     TelemetryModel telemetry;
     UpdateChecker updates;
+    MemoryInputs memoryInputs;
 };
 
 } // namespace lmp

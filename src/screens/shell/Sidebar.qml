@@ -134,6 +134,8 @@ FocusScope {
 
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.dp(8)
+        // The list has the room; the whole of it stands in the settings.
+        mostLines: 4
         text: twin.text
         visible: !root.collapsed && list.tab === WindowNavigation.Now && twin.known && twin.level !== CapabilityNote.Full
         width: parent.width - 2 * x

@@ -2,7 +2,7 @@ import QtQuick
 import Lumenpair.Kit
 import Lumenpair.Shell
 
-/// The parts of the settings, below the tab "me".
+/// What there is below the tab "me": what the twin knows, and the parts of the settings.
 SidebarList {
     id: root
 
@@ -11,7 +11,7 @@ SidebarList {
         root.chosen();
     }
 
-    Accessible.name: "设置"
+    Accessible.name: "我的"
     Accessible.role: Accessible.List
 
     Column {
@@ -21,6 +21,16 @@ SidebarList {
 
         SettingsRow {
             focus: true
+            iconName: "memory"
+            selected: root.scene.navigation.page === WindowNavigation.Memory
+            title: "记忆账本"
+            onClicked: {
+                root.scene.navigation.openMemory();
+                root.chosen();
+            }
+        }
+
+        SettingsRow {
             iconName: "user"
             title: "账号"
             onClicked: root.go(WindowNavigation.Account)

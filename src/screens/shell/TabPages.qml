@@ -15,7 +15,7 @@ FocusScope {
 
     function visit(): void {
         const pages = [now, social, market, studio, me];
-        const files = ["NowTab.qml", "ComingTab.qml", "ComingTab.qml", "ComingTab.qml", "SettingsPage.qml"];
+        const files = ["NowTab.qml", "ComingTab.qml", "ComingTab.qml", "ComingTab.qml", "MeTab.qml"];
         const page = pages[root.tab];
         if (page.status === Loader.Null)
             page.setSource(files[root.tab], {
@@ -60,40 +60,40 @@ FocusScope {
         id: now
 
         anchors.fill: parent
-        focus: visible && !root.covered
-        visible: root.tab === WindowNavigation.Now
+        focus: visible
+        visible: root.tab === WindowNavigation.Now && !root.covered
     }
 
     Loader {
         id: social
 
         anchors.fill: parent
-        focus: visible && !root.covered
-        visible: root.tab === WindowNavigation.Social
+        focus: visible
+        visible: root.tab === WindowNavigation.Social && !root.covered
     }
 
     Loader {
         id: market
 
         anchors.fill: parent
-        focus: visible && !root.covered
-        visible: root.tab === WindowNavigation.Market
+        focus: visible
+        visible: root.tab === WindowNavigation.Market && !root.covered
     }
 
     Loader {
         id: studio
 
         anchors.fill: parent
-        focus: visible && !root.covered
-        visible: root.tab === WindowNavigation.Studio
+        focus: visible
+        visible: root.tab === WindowNavigation.Studio && !root.covered
     }
 
     Loader {
         id: me
 
         anchors.fill: parent
-        focus: visible && !root.covered
-        visible: root.tab === WindowNavigation.Me
+        focus: visible
+        visible: root.tab === WindowNavigation.Me && !root.covered
     }
 
     Loader {

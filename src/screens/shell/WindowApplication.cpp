@@ -54,6 +54,8 @@ Application::Options WindowApplication::options(const WindowOptions &options, st
 }
 
 bool WindowApplication::start() {
+    // The keychain answers from another thread: it is asked while the window is still being made.
+    detach(open(), "opening the service");
     WindowScene *scene = openWindow();
     if (scene && !m_options.link.isEmpty())
         scene->navigation()->openLink(m_options.link);
@@ -78,12 +80,9 @@ WindowScene *WindowApplication::openWindow() {
         delete object;
         return nullptr;
     }
-    if (m_windows.empty() && !m_shared) {
+    if (m_windows.empty())
         connect(window, &QQuickWindow::frameSwapped, this, &WindowApplication::onFirstFrame,
                 Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
-        // A window that starts minimised draws nothing.
-        QTimer::singleShot(1s, this, &WindowApplication::onFirstFrame);
-    }
     m_windows.push_back({std::move(made), std::unique_ptr<QQuickWindow>(window)});
     window->show();
     return scene;
@@ -95,7 +94,7 @@ void WindowApplication::join(WindowScene *scene) {
             detach(open(), "opening the service");
     });
     connect(scene, &WindowScene::closeRequested, this, [this, scene] { onCloseRequested(scene); });
-    connect(scene, &WindowScene::readyToClose, this, [this, scene] { close(scene); }, Qt::QueuedConnection);
+    connect(scene, &WindowScene::readyToClose, this, [this, scene] { onReadyToClose(scene); }, Qt::QueuedConnection);
     connect(scene->commands(), &AppCommands::triggered, this, [this, scene](AppCommands::Command command) {
         if (command == AppCommands::Command::NewWindow)
             openWindow();
@@ -106,15 +105,14 @@ void WindowApplication::join(WindowScene *scene) {
     });
     if (m_shared)
         scene->adopt(*m_shared);
+    else if (!m_openError.isEmpty())
+        scene->setOpenError(m_openError);
 }
 
 void WindowApplication::onFirstFrame() {
-    if (m_opening || m_shared)
-        return;
     const auto taken = SystemClock().monotonic() - m_processStartAt;
     qCDebug(logApplication) << "first frame after"
                             << std::chrono::duration_cast<std::chrono::milliseconds>(taken).count() << "ms";
-    detach(open(), "opening the service");
     m_appearance.follow();
 }
 
@@ -125,6 +123,7 @@ QCoro::Task<> WindowApplication::open() {
     if (!self)
         co_return;
     m_opening = false;
+    m_openError = opened ? QString() : opened.error();
     if (opened) {
         m_shared = std::make_unique<SharedModels>(m_application);
         detach(m_application.capabilities().refresh(), "asking for the capabilities");
@@ -135,7 +134,7 @@ QCoro::Task<> WindowApplication::open() {
         if (opened)
             shown.scene->adopt(*m_shared);
         else
-            shown.scene->setOpenError(opened.error());
+            shown.scene->setOpenError(m_openError);
     }
 }
 
@@ -146,6 +145,14 @@ void WindowApplication::onCloseRequested(WindowScene *scene) {
         scene->saveAndClose();
     else if (m_macLifecycle.mayCloseLastWindow())
         close(scene);
+}
+
+void WindowApplication::onReadyToClose(WindowScene *scene) {
+    // While it was saved the others may have gone, and a program without a window could not be seen nor ended.
+    if (m_windows.size() > 1)
+        close(scene);
+    else
+        onCloseRequested(scene);
 }
 
 void WindowApplication::close(WindowScene *scene) {

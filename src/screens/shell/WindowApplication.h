@@ -57,6 +57,7 @@ private:
     QCoro::Task<> leave();
     void onFirstFrame();
     void onCloseRequested(WindowScene *scene);
+    void onReadyToClose(WindowScene *scene);
     void close(WindowScene *scene);
     /// Picks the window that the program's questions are asked in: one of them.
     void ask();
@@ -74,6 +75,7 @@ private:
     MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
+    QString m_openError; ///< why the service was not found; for windows that open after that
     QQmlEngine m_engine;
     std::unique_ptr<QQmlComponent> m_windowType;
     std::vector<Shown> m_windows;

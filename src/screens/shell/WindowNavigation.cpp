@@ -2,10 +2,15 @@
 
 #include "app/DeepLink.h"
 
+#include <utility>
+
 namespace lmp {
+
+using namespace Qt::StringLiterals;
 
 WindowNavigation::WindowNavigation(QObject *parent)
     : QObject(parent) {
+    m_router.setShownKinds({u"memory"_s});
     connect(&m_router, &AppRouter::selectedTabChanged, this, &WindowNavigation::tabChanged);
     connect(&m_router, &AppRouter::pendingChanged, this, &WindowNavigation::takePending);
 }
@@ -17,7 +22,9 @@ void WindowNavigation::openLink(const QString &link) {
 }
 
 void WindowNavigation::setShellShown(bool shown) {
-    m_shellShown = shown;
+    // Whoever signs in next has not been at the settings, where one signs out.
+    if (std::exchange(m_shellShown, shown) && !shown)
+        m_router.setSelectedTab(AppRouter::Tab::now);
     if (!shown)
         setOver(m_crisisOpen, false);
     takePending();
@@ -28,7 +35,18 @@ void WindowNavigation::setTab(Tab tab) {
     m_router.setSelectedTab(AppRouter::Tab(int(tab)));
 }
 
+void WindowNavigation::setPage(Page page) {
+    if (std::exchange(m_page, page) != page)
+        Q_EMIT tabChanged();
+}
+
+void WindowNavigation::openMemory() {
+    setPage(Page::Memory);
+    setTab(Tab::Me);
+}
+
 void WindowNavigation::openSection(Section section) {
+    setPage(Page::Settings);
     setTab(Tab::Me);
     Q_EMIT sectionRequested(section);
 }
@@ -59,6 +77,9 @@ void WindowNavigation::takePending() {
     if (const auto *conversation = std::get_if<AppRouter::Conversation>(&*destination)) {
         setOver(false, false);
         Q_EMIT conversationRequested(conversation->id);
+    } else if (const auto *memory = std::get_if<AppRouter::Memory>(&*destination)) {
+        openMemory();
+        Q_EMIT memoryRequested(memory->id);
     } else
         setOver(false, true);
 }

@@ -21,7 +21,7 @@ std::expected<WindowOptions, QString> WindowOptions::parse(const QStringList &ar
             *value = equals < 0 ? arguments[++at] : argument.mid(equals + 1);
         } else if (argument == u"--sandbox"_s)
             sandbox = true;
-        else if (argument.startsWith(u"lumenpair:"_s))
+        else if (argument.startsWith(u"lumenpair:"_s, Qt::CaseInsensitive))
             options.link = argument;
         else
             return std::unexpected(u"不认识这个参数："_s + argument);

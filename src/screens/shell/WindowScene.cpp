@@ -33,10 +33,21 @@ void WindowScene::adopt(SharedModels &shared) {
     m_conversations->follow(m_chat.get());
     m_search = std::make_unique<ConversationSearchModel>(application.search());
     connect(m_search.get(), &ConversationSearchModel::chosen, this, &WindowScene::openMessage);
-    m_localInput = application.localInput().add([chat = m_chat.get()] { return chat->preserve(); });
+    adoptLedger(application);
     connect(&shared.root, &RootView::stageChanged, this, &WindowScene::settleStage);
     Q_EMIT adopted();
     settleStage();
+}
+
+void WindowScene::adoptLedger(Application &application) {
+    m_ledger = std::make_unique<MemoryLedgerModel>(MemoryServices{.service = MemoryService(application.api()),
+                                                                  .account = application.account(),
+                                                                  .inputs = &m_shared->memoryInputs});
+    for (const auto signal :
+         {&AuthStore::generationChanged, &AuthStore::phaseChanged, &AuthStore::verificationFailedChanged})
+        connect(&application.auth(), signal, m_ledger.get(), &MemoryLedgerModel::recheckAccount);
+    connect(&m_navigation, &WindowNavigation::memoryRequested, m_ledger.get(), &MemoryLedgerModel::reveal);
+    m_memoryInput = application.localInput().add([ledger = m_ledger.get()] { return ledger->preserve(); });
 }
 
 CapabilityStore *WindowScene::capabilities() {
@@ -83,15 +94,20 @@ void WindowScene::saveAndClose() {
 QCoro::Task<> WindowScene::save() {
     const QPointer self(this);
     m_saving = true;
-    const bool saved = m_chat ? co_await m_chat->preserve() : true;
+    const bool saved = m_chat ? co_await preserve() : true;
     if (!self)
         co_return;
     m_saving = false;
     setCloseWarning(!saved);
-    if (!saved)
-        co_return;
-    release();
-    Q_EMIT readyToClose();
+    if (saved)
+        Q_EMIT readyToClose();
+}
+
+QCoro::Task<bool> WindowScene::preserve() {
+    const QPointer self(this);
+    const bool chat = co_await m_chat->preserve();
+    const bool memories = self && co_await m_ledger->preserve();
+    co_return chat &&memories;
 }
 
 void WindowScene::stayOpen() {

@@ -13,6 +13,7 @@
 #include "screens/chat/ChatModel.h"
 #include "screens/chat/ConversationListModel.h"
 #include "screens/chat/ConversationSearchModel.h"
+#include "screens/memory/MemoryLedgerModel.h"
 
 namespace lmp {
 
@@ -53,6 +54,7 @@ class WindowScene : public QObject {
     Q_PROPERTY(lmp::ChatModel *chat READ chat NOTIFY adopted)
     Q_PROPERTY(lmp::ConversationListModel *conversations READ conversations NOTIFY adopted)
     Q_PROPERTY(lmp::ConversationSearchModel *search READ search NOTIFY adopted)
+    Q_PROPERTY(lmp::MemoryLedgerModel *ledger READ ledger NOTIFY adopted)
 public:
     enum class Stage { Opening, Launch, SignedOut, Migration, Onboarding, HandleSetup, Shell };
     Q_ENUM(Stage)
@@ -90,6 +92,7 @@ public:
     ChatModel *chat() { return m_chat.get(); }
     ConversationListModel *conversations() { return m_conversations.get(); }
     ConversationSearchModel *search() { return m_search.get(); }
+    MemoryLedgerModel *ledger() { return m_ledger.get(); }
 
     /// Tries again to find the service.
     Q_INVOKABLE void reopen();
@@ -128,6 +131,9 @@ private:
     void stepConversation(int step);
     void openMessage(const QString &conversationId, const QString &messageId, const QString &query);
     void indexWhenIdle();
+    void adoptLedger(Application &application);
+    /// Keeps everything typed in this window. @return false when something could be lost
+    QCoro::Task<bool> preserve();
 
     AppearanceModel &m_appearance;
     MacQuitCoordinator &m_quitting;
@@ -140,7 +146,8 @@ private:
     std::unique_ptr<ChatModel> m_chat;
     std::unique_ptr<ConversationListModel> m_conversations;
     std::unique_ptr<ConversationSearchModel> m_search;
-    LocalInputRegistry::Registration m_localInput;
+    std::unique_ptr<MemoryLedgerModel> m_ledger;
+    LocalInputRegistry::Registration m_memoryInput;
     Stage m_stage = Stage::Opening;
     QString m_openError;
     bool m_asking = false;

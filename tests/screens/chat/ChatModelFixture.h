@@ -57,7 +57,7 @@ protected:
                                 return signIn;
                             }},
                 .drafts = ConversationDraftCache(support),
-                .inputs = ComposerInputFile(support),
+                .inputs = ConversationInputDraftStore(support),
                 .clock = &clock,
                 .safety = &safety,
                 .recorder = {},

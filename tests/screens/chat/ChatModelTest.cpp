@@ -152,10 +152,10 @@ TEST_F(ChatModelTest, WhatIsTypedIsOnDiskAfterAPause) {
     EXPECT_EQ(chat->input(), u"先说"_s) << "typed before anything was open";
     load(u"a"_s);
     chat->setInput(u"没说完"_s);
-    clock.advance(std::chrono::seconds(2));
+    clock.advance(ComposerInputs::typingPause);
     const auto onDisk = [this] {
         QStringList texts;
-        for (const auto &entry : ComposerInputFile(support).list(user)->entries)
+        for (const auto &entry : ConversationInputDraftStore(support).list(*user)->entries)
             texts.push_back(entry.input.text);
         texts.sort();
         return texts;
@@ -174,7 +174,94 @@ TEST_F(ChatModelTest, WhatAnotherWindowHasOpenIsNotLeftBehind) {
     EXPECT_EQ(other.input(), QString());
 }
 
+TEST_F(ChatModelTest, TwoWindowsAndOneInput) {
+    const ConversationInputDraftStore store(support);
+    const auto onDisk = [&](const QString &id) {
+        const auto entry = store.read(*user, id).value_or(std::nullopt);
+        return entry ? entry->input.text : QString();
+    };
+    load(u"a"_s);
+    chat->setInput(u"早先"_s);
+    ASSERT_TRUE(await(chat->preserve()));
+    for (const bool mine : {true, false}) {
+        SCOPED_TRACE(mine);
+        // The other window, with an attachment and a target that must not get lost on the way.
+        auto theirs = *store.read(*user, u"a"_s).value();
+        theirs.input.text = u"那边"_s;
+        theirs.input.parts.resize(1);
+        theirs.input.selection.emplace().workId = u"w"_s;
+        const auto written = store.save(*user, theirs, theirs.writeId, clock.now());
+        ASSERT_TRUE(written);
+
+        chat->setInput(u"这边"_s);
+        EXPECT_TRUE(await(chat->preserve())) << "kept beside";
+        EXPECT_TRUE(chat->inputDraftConflicted());
+        EXPECT_EQ(chat->inputDraftError(), ConversationTexts::inputChangedElsewhere());
+        EXPECT_EQ(chat->otherInputText(), u"那边\n（附件 1 个）\n（已选目标）"_s);
+        EXPECT_EQ(chat->input(), u"这边"_s);
+        EXPECT_EQ(onDisk(u"a"_s), u"那边"_s);
+
+        // Nothing is decided by leaving, nor by a restart.
+        chat->setInput(u"这边，又写"_s);
+        load(u"b"_s);
+        EXPECT_FALSE(chat->inputDraftConflicted());
+        EXPECT_EQ(chat->input() + chat->inputDraftError(), QString());
+        chat.reset();
+        open();
+        load(u"a"_s);
+        EXPECT_TRUE(chat->inputDraftConflicted());
+        EXPECT_EQ(chat->input(), u"这边，又写"_s);
+        EXPECT_EQ(onDisk(u"a"_s), u"那边"_s);
+
+        mine ? chat->keepMyInput() : chat->takeOtherInput();
+        EXPECT_FALSE(chat->inputDraftConflicted());
+        EXPECT_EQ(chat->input(), mine ? u"这边，又写"_s : u"那边"_s);
+        EXPECT_TRUE(await(chat->preserve()));
+        settle();
+        EXPECT_EQ(onDisk(u"a"_s), chat->input());
+        EXPECT_EQ(store.read(*user, u"a"_s).value()->input.parts.size(), mine ? 0 : 1);
+        EXPECT_EQ(chat->inputDraftWriteId(), store.read(*user, u"a"_s).value()->writeId);
+        EXPECT_TRUE(eventually([&] { return store.list(*user)->entries.size() == 1; })) << "the copy beside is gone";
+    }
+
+    // What the other window sends is gone here too, as long as nothing was changed here.
+    const auto now = *store.read(*user, u"a"_s).value();
+    auto nothing = now;
+    nothing.input = {};
+    ASSERT_TRUE(store.save(*user, nothing, now.writeId, clock.now()));
+    load(u"b"_s);
+    load(u"a"_s);
+    EXPECT_TRUE(eventually([this] { return chat->input().isEmpty(); }));
+}
+
+TEST_F(ChatModelTest, WhatTheDiskRefusedFollowsItsAccount) {
+    // A lock that cannot be taken.
+    QFile::remove(folder.filePath(u"UnsentInput/v1/.lock"_s));
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"UnsentInput/v1/.lock"_s));
+    load(u"a"_s);
+    chat->setInput(u"秘密"_s);
+    EXPECT_FALSE(await(chat->preserve()));
+    EXPECT_EQ(chat->inputDraftError(), ConversationTexts::inputNotWritten());
+    user = u"u2"_s;
+    signIn += u'+';
+    chat->recheckAccount();
+    load(u"a"_s);
+    EXPECT_EQ(chat->input() + chat->inputDraftError(), QString());
+    EXPECT_TRUE(eventually([this] { return chat->restoredDraftAccount() == u"u2"_s; }));
+    EXPECT_FALSE(chat->localInputSaved()) << "a quit would still lose it";
+    ASSERT_TRUE(QDir(folder.path()).rmdir(u"UnsentInput/v1/.lock"_s));
+    clock.advance(ComposerInputs::typingPause);
+    settle();
+    clock.advance(ComposerInputs::retryPause);
+    EXPECT_TRUE(eventually([this] { return chat->localInputSaved(); }));
+    EXPECT_EQ(chat->input(), QString());
+    become(u"u1"_s);
+    load(u"a"_s);
+    EXPECT_EQ(chat->input(), u"秘密"_s);
+}
+
 TEST_F(ChatModelTest, QuittingIsHeldUpByADiskThatRefuses) {
+    ASSERT_TRUE(QDir(folder.filePath(u"UnsentInput"_s)).removeRecursively());
     ASSERT_TRUE(QFile(folder.filePath(u"UnsentInput"_s)).open(QIODevice::WriteOnly));
     ASSERT_TRUE(QFile(folder.filePath(u"ConversationDrafts"_s)).open(QIODevice::WriteOnly));
     load(u"a"_s);
@@ -266,9 +353,10 @@ TEST_F(ChatModelTest, AnotherAnswerToAReply) {
     EXPECT_EQ(text(1, "errorText"), ConversationTexts::retryUnconfirmed());
 
     server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r2","text":"新"})"));
+    QSignalSpy saved(chat.get(), &ChatModel::saved);
     ASSERT_TRUE(chat->retryReply(u"r1"_s));
     EXPECT_EQ(text(1, "errorText"), QString());
-    ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
+    ASSERT_TRUE(eventually([&] { return !chat->retrying() && saved.size() > 0; }));
     EXPECT_EQ(text(2), u"新"_s);
     EXPECT_EQ(chat->input(), u"等等"_s);
 

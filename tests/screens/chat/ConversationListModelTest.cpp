@@ -59,7 +59,7 @@ TEST_F(ConversationListModelTest, ARefreshMovesRowsAndAFailedOneKeepsThem) {
     server.on("/api/app/conversations", StubServer::reply(500, R"({"reason":"稍后"})"));
     refresh();
     EXPECT_EQ(rows(), u"c*db"_s);
-    EXPECT_EQ(list.errorText(), u"稍后"_s);
+    EXPECT_EQ(list.errorText(), u"近期项目读取失败，请刷新重试。（稍后）"_s);
     serve({});
     refresh();
     EXPECT_EQ(list.errorText(), QString());
@@ -111,13 +111,33 @@ TEST_F(ConversationListModelTest, WhatThisMachineAloneHolds) {
     EXPECT_EQ(list.rowCount(), 4);
     EXPECT_EQ(shownIn(0, "title"), u"新的话"_s);
     EXPECT_EQ(shownIn(0, "timeText"), u"刚刚"_s);
+}
 
-    QFile damaged(folder.filePath(u"UnsentInput/v1/x.json"_s));
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-    damaged.write("{");
-    damaged.close();
+TEST_F(ConversationListModelTest, WhatCannotBeReadIsToldAndStays) {
+    const auto damage = [this](const QString &path) {
+        QFile file(folder.filePath(path));
+        ASSERT_TRUE(QDir(folder.path()).mkpath(QFileInfo(path).path()));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("{");
+    };
     refresh();
-    EXPECT_EQ(list.notice(), ConversationTexts::draftsKeptUnread(1));
+    EXPECT_EQ(list.notice(), QString());
+    damage(u"UnsentInput/v1/x.json"_s);
+    refresh();
+    EXPECT_EQ(list.notice(), u"有未发送输入暂时无法读取，原文件已保留。"_s);
+    damage(u"ConversationDrafts/v1/x.json"_s);
+    damage(u"ConversationDrafts/v1/y.json"_s);
+    refresh();
+    EXPECT_EQ(list.notice(), u"2 份本机草稿暂时无法读取，原文件已保留。\n有未发送输入暂时无法读取，原文件已保留。"_s);
+    for (const QString &name : {u"UnsentInput"_s, u"ConversationDrafts"_s}) {
+        ASSERT_TRUE(QDir(folder.path()).rename(name, name + u"-away"_s));
+        damage(name);
+    }
+    refresh();
+    EXPECT_EQ(list.notice(),
+              u"本机草稿暂时无法读取，请稍后刷新；已保存的文件不会被删除。\n未发送输入暂时无法读取，请稍后刷新。"_s);
+    EXPECT_EQ(rows(), u"abc"_s);
+    EXPECT_TRUE(QFile::exists(folder.filePath(u"ConversationDrafts-away/v1/x.json"_s)));
 }
 
 TEST_F(ConversationListModelTest, AnotherAccountSeesNothingOfTheFirst) {
@@ -150,27 +170,6 @@ TEST(ChatDateTextTest, TimesAsAListTellsThem) {
              {QDateTime(), QString()},
          })
         EXPECT_EQ(ChatDateText::of(then, now), text);
-}
-
-TEST_F(ChatModelFixture, AFileThatIsNoInputIsLeftAlone) {
-    const ComposerInputFile files(support);
-    ComposerInputFile::Entry entry;
-    entry.id = u"a"_s;
-    entry.input.text = u"x"_s;
-    ASSERT_TRUE(files.save(user, entry));
-    const QDir kept(folder.filePath(u"UnsentInput/v1"_s));
-    const QString path = kept.filePath(kept.entryList(QDir::Files).value(0));
-    EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
-    EXPECT_EQ(files.list(user)->entries, QList{entry});
-    EXPECT_TRUE(files.list(u"u2"_s)->entries.isEmpty());
-    EXPECT_FALSE(files.save(std::nullopt, entry));
-    QFile damaged(path);
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-    damaged.write("{");
-    damaged.close();
-    EXPECT_FALSE(files.save(user, entry));
-    EXPECT_EQ(files.list(user)->unreadable, 1);
-    EXPECT_EQ(damaged.size(), 1);
 }
 
 } // namespace lmp

@@ -123,4 +123,22 @@ TEST_F(MessageListModelTest, AGrowingReplyChangesOneRowThirtyTimesASecond) {
     EXPECT_FALSE(blocks) << "what is out of sight is not kept";
 }
 
+TEST_F(MessageListModelTest, TimesReadDifferentlyLater) {
+    loadLong(2);
+    turn(u"几点了"_s);
+    EXPECT_EQ(shown(-1, "timeText"), u"刚刚"_s);
+    clock.advance(std::chrono::minutes(1));
+    QVariant seen;
+    const auto look = [&] {
+        seen = shown(-1, "timeText");
+    };
+    QObject::connect(model(), &QAbstractItemModel::dataChanged, model(), look);
+    EXPECT_TRUE(eventually([&] { return seen.toString().startsWith(u"今天"_s); }));
+    for (int hour = 0; hour < 25; ++hour) {
+        settle();
+        clock.advance(std::chrono::hours(1));
+    }
+    EXPECT_TRUE(eventually([&] { return seen.toString().startsWith(u"昨天"_s); }));
+}
+
 } // namespace lmp

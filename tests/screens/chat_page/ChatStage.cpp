@@ -80,7 +80,7 @@ void ChatStage::restart() {
                                            return u"s1"_s;
                                        }},
         .drafts = ConversationDraftCache(support),
-        .inputs = ComposerInputFile(support),
+        .inputs = ConversationInputDraftStore(support),
         .clock = m_clock.get(),
         .safety = &m_safety,
         .recorder = [](const QString &, const QString &, const QString &, const QVariantMap &) {},

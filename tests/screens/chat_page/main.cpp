@@ -6,6 +6,7 @@
 
 void qml_register_types_Lumenpair_Kit();
 void qml_register_types_Lumenpair_Markdown();
+void qml_register_types_Lumenpair_Memory();
 void qml_register_types_Lumenpair_Chat();
 
 /// What the test program gives the tests: the modules of the screens, and the stage they play on.
@@ -14,7 +15,8 @@ class Setup : public QObject {
 public Q_SLOTS:
     void qmlEngineAvailable(QQmlEngine *engine) {
         static void (*const volatile modules[])() = {
-            qml_register_types_Lumenpair_Kit, qml_register_types_Lumenpair_Markdown, qml_register_types_Lumenpair_Chat};
+            qml_register_types_Lumenpair_Kit, qml_register_types_Lumenpair_Markdown,
+            qml_register_types_Lumenpair_Memory, qml_register_types_Lumenpair_Chat};
         for (const auto &module : modules)
             static_cast<void>(module);
         engine->addImportPath(QStringLiteral("qrc:/qt/qml"));

@@ -15,6 +15,16 @@ Item {
         name: "ChatPage"
         scene: scene
 
+        function test_aBeginningReplacesNothing() {
+            const beginning = test.button(test.page, "今天有件事，想和你说说：");
+            verify(beginning);
+            beginning.clicked();
+            compare(test.page.composer.text, "今天有件事，想和你说说：");
+            test.page.chat.input = "写了一半";
+            beginning.clicked();
+            compare(test.page.composer.text, "写了一半\n今天有件事，想和你说说：");
+        }
+
         function test_turn() {
             verify(test.reads(test.page, "和你的分身聊点什么吧。"));
             test.beginTurn("今天有点累", "先歇");

@@ -43,7 +43,10 @@ TEST(ImageDownloadTest, EndsOnceWithAnImageOrASentence) {
     server.on("/wide", StubServer::reply(200, png({500, 10})));
     server.on("/many", StubServer::reply(200, png({1000, 1000})));
     server.on("/long", StubServer::reply(200, small + QByteArray(20'000, 'x')));
-    server.on("/text", StubServer::reply(200, "<svg/>"));
+    server.on("/text", StubServer::reply(200, "text"));
+    // Even where there is somebody to draw it.
+    server.on("/drawing",
+              StubServer::reply(200, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9\" height=\"9\"/>"));
     server.on("/none", StubServer::reply(404, small));
     server.on("/here", StubServer::reply(302, "", "Location: /small\r\n"));
     server.on("/file", StubServer::reply(302, "", "Location: https://example.org/x\r\n"));
@@ -57,6 +60,7 @@ TEST(ImageDownloadTest, EndsOnceWithAnImageOrASentence) {
     EXPECT_EQ(outcome(server.url(u"/here"_s), limits), u"30x20"_s);
     EXPECT_EQ(outcome(server.url(u"/many"_s), limits), u"这不是能显示的图片。"_s);
     EXPECT_EQ(outcome(server.url(u"/text"_s), limits), u"这不是能显示的图片。"_s);
+    EXPECT_EQ(outcome(server.url(u"/drawing"_s), limits), u"这不是能显示的图片。"_s);
     EXPECT_EQ(outcome(server.url(u"/long"_s), limits), u"图片太大，没有加载。"_s);
     EXPECT_EQ(outcome(server.url(u"/file"_s), limits), u"图片的地址转到了不是 https 的地方，没有加载。"_s);
     for (const auto &path : {u"/none"_s, u"/cut"_s, u"/stall"_s})

@@ -2,6 +2,8 @@
 
 #include "screens/markdown/MarkdownInline.h"
 
+#include <QTextCursor>
+#include <QTextDocument>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -119,7 +121,7 @@ TEST(MarkdownDocumentTest, WritesOnlySafeRichText) {
          u"看<a href=\"https://a.b/c_d_e\">https://a.b/c_d_e</a>，和（<a href=\"https://www.x.cn\">www.x.cn</a>）。"_s},
         {u"<https://a.b> xhttps://a.b https:// `https://a.b`"_s,
          u"<a href=\"https://a.b\">https://a.b</a> xhttps://a.b https:// <code>https://a.b</code>"_s},
-        {u"a\u202eb\u2029c\ufffcd\x01"_s, u"ab c�d"_s},
+        {u"a\u202eb\u2029c\ufffcd\x01\u2067e"_s, u"ab c�de"_s},
         {u"- # > no block \\* here\\\nnext"_s, u"- # &gt; no block * here<br>next"_s},
         {u"[![p](https://i.j/k)](https://a.b)"_s, u"<a href=\"https://a.b\">[图片：p]</a>"_s},
     };
@@ -127,10 +129,58 @@ TEST(MarkdownDocumentTest, WritesOnlySafeRichText) {
         EXPECT_EQ(MarkdownInline::of(source).text, text) << source.toStdString();
 }
 
+TEST(MarkdownDocumentTest, ALinkThatNamesAnotherHostSaysWhereItLeads) {
+    const struct {
+        QString words, address, behind;
+    } cases[] = {
+        {u"https://bank.com/in"_s, u"https://evil.org/"_s, u"（通往 evil.org）"_s},
+        {u"please go to www.bank.com"_s, u"https://evil.org/"_s, u"（通往 evil.org）"_s},
+        {u"bank.com"_s, u"https://bank.com.evil.org/"_s, u"（通往 bank.com.evil.org）"_s},
+        {u"https://b\u0430nk.com"_s, u"https://b\u0430nk.com"_s, u"（通往 xn--bnk-6cd.com）"_s},
+        {u"www.bank.com"_s, u"https://bank.com/path"_s, {}},
+        {u"Bank.com"_s, u"https://bank.com"_s, {}},
+        {u"the bank"_s, u"https://bank.com"_s, {}},
+        {u"main.cpp"_s, u"https://example.org/main.cpp"_s, {}},
+    };
+    for (const auto &[words, address, behind] : cases) {
+        const QString text = MarkdownInline::of(u'[' + words + u"]("_s + address + u')').text;
+        EXPECT_EQ(text.sliced(text.indexOf(u"</a>"_s) + 4), behind) << words.toStdString();
+    }
+}
+
 TEST(MarkdownDocumentTest, KnowsWhereLinksStandAndWhichHideTheirAddress) {
     const auto made = MarkdownInline::of(u"中 [a.b](http://a.b/) **x**<br>[y](http://z)"_s);
     EXPECT_EQ(made.links, (QList<MarkdownLink>{{2, 3, u"http://a.b/"_s, false}, {8, 1, u"http://z"_s, true}}));
     EXPECT_EQ(made.length, 9);
+}
+
+/// The keyboard goes to them by their place, so that must be the layout's own.
+TEST(MarkdownDocumentTest, KnowsWhereTheLinksOfATableStand) {
+    MarkdownDocument document;
+    document.append(u"| [h](http://h) | b |\n|---|--:|\n| 中 [one](http://n1)<br>x | [![p](http://i)](http://n2) |\n"
+                    u"| |\n| a | http://n3 | [c](http://n4) |"_s);
+    document.finish();
+    ASSERT_EQ(document.blocks().size(), 1);
+    const MarkdownBlock &block = document.blocks()[0];
+    QTextDocument layout;
+    layout.setHtml(block.text);
+    QStringList found;
+    for (const MarkdownLink &link : block.links) {
+        QTextCursor cursor(&layout);
+        cursor.setPosition(link.start);
+        cursor.setPosition(link.start + link.length, QTextCursor::KeepAnchor);
+        found << cursor.selectedText() + u' ' + cursor.charFormat().anchorHref() + u' ' + link.url;
+    }
+    EXPECT_EQ(found,
+              (QStringList{u"h http://h http://h"_s, u"one http://n1 http://n1"_s, u"[图片：p] http://n2 http://n2"_s,
+                           u"http://n3 http://n3 http://n3"_s, u"c http://n4 http://n4"_s}));
+}
+
+TEST(MarkdownDocumentTest, CodeShowsWhatWouldDisguiseIt) {
+    const QString code = u"rm \u202ex\u2066"_s;
+    const auto document = whole(u"```\n"_s + code + u"\n```"_s);
+    EXPECT_EQ(document.blocks()[0].code, u"rm �x�"_s);
+    EXPECT_EQ(document.source(0), code);
 }
 
 /// However a text arrives, and wherever it was taken for finished meanwhile, it is the text it is in the end.
@@ -227,6 +277,14 @@ TEST(MarkdownDocumentTest, LongCodeAndTablesShowMoreWhenAsked) {
     document.collapse(1);
     EXPECT_EQ(document.blocks()[1].hidden, 1300);
     EXPECT_EQ(document.source(1), u"line\n"_s.repeated(1500).chopped(1));
+
+    // As many cells as can be laid out, not as many rows.
+    const auto row = [](const QString &cell) {
+        return cell.repeated(900) + u'\n';
+    };
+    document = whole(row(u"|a"_s) + row(u"|-"_s) + row(u"|c"_s).repeated(60));
+    document.expand(0);
+    EXPECT_EQ(document.blocks()[0].hidden, 56);
 }
 
 TEST(MarkdownDocumentTest, PlacesBlocks) {

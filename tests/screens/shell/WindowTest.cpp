@@ -34,8 +34,8 @@ protected:
 
 TEST_F(WindowTest, FromTheFirstStartToTheFirstReply) {
     WindowDriver window(options());
-    // Something is there to be read before the service is even looked for.
-    EXPECT_EQ(window.scene().stage(), Stage::Opening);
+    // Something is there to be read before it is known who is there.
+    EXPECT_EQ(window.scene().stage(), Stage::Launch);
     EXPECT_TRUE(window.shows(u"正在启动…"_s));
     ASSERT_TRUE(window.reaches(Stage::SignedOut));
 
@@ -204,6 +204,32 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
     ASSERT_TRUE(window.click(u"重试保存并退出"_s));
     EXPECT_TRUE(eventually([&] { return !window.window().isVisible(); }));
     EXPECT_TRUE(window.program().quitting().resolved());
+}
+
+TEST_F(WindowTest, WindowsThatCloseTogetherEndTheProgram) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    QQuickWindow *first = &window.window();
+    window.key(Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_TRUE(eventually([&] { return &window.window() != first; }));
+    bool leaving = false;
+    QObject::connect(&window.program(), &WindowApplication::leaving, &window.program(), [&] { leaving = true; });
+    // As a task bar closes a group: the second is asked while what is typed in the first is being saved.
+    first->close();
+    window.window().close();
+    EXPECT_TRUE(eventually([&] { return leaving; }));
+}
+
+TEST_F(WindowTest, WhoSignsInNextBeginsAtTheFirstTab) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.key(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_EQ(window.scene().navigation()->tab(), Tab::Me);
+    window.scene().session()->signOut();
+    ASSERT_TRUE(window.reaches(Stage::SignedOut));
+    EXPECT_TRUE(eventually([&] { return window.scene().navigation()->tab() == Tab::Now; }));
 }
 
 TEST_F(WindowTest, LinksGoTheSameWayColdAndWarm) {

@@ -1,0 +1,161 @@
+#pragma once
+
+#include "core/ChannelSide.h"
+
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <utility>
+
+namespace lmp::detail {
+
+/// What became of an item that was pushed.
+enum class Pushed { Taken, Full, Over };
+
+/// What the copies of a Channel share. Any thread; see Channel for the contract.
+template <class T>
+class ChannelState : public std::enable_shared_from_this<ChannelState<T>> {
+public:
+    explicit ChannelState(std::size_t capacity)
+        : m_capacity(capacity) {}
+
+    Pushed tryPush(T &item, std::size_t weight) {
+        const std::scoped_lock guard(m_lock);
+        if (m_over)
+            return Pushed::Over;
+        if (!m_items.empty() && m_load + weight > m_capacity) {
+            m_refused = true;
+            return Pushed::Full;
+        }
+        m_items.push_back({std::move(item), weight});
+        m_load += weight;
+        wakeConsumer();
+        return Pushed::Taken;
+    }
+
+    void setWhenRoom(std::function<void()> call) {
+        const std::scoped_lock guard(m_lock);
+        m_whenRoom = std::move(call);
+    }
+
+    /// @return false when there is room already
+    bool waitForRoom(std::coroutine_handle<> handle) {
+        const std::scoped_lock guard(m_lock);
+        if (m_over || !m_refused)
+            return false;
+        m_producer.wait(handle);
+        return true;
+    }
+    void forgetProducer() {
+        const std::scoped_lock guard(m_lock);
+        m_producer.take();
+    }
+
+    bool isReady() const {
+        const std::scoped_lock guard(m_lock);
+        return m_over || !m_items.empty();
+    }
+    /// @return false when there is something to take already
+    bool waitForItem(std::coroutine_handle<> handle) {
+        const std::scoped_lock guard(m_lock);
+        if (m_over || !m_items.empty())
+            return false;
+        m_stopped = false;
+        m_consumer.wait(handle);
+        return true;
+    }
+    void stopWaiting() {
+        const std::scoped_lock guard(m_lock);
+        m_stopped = true;
+        wakeConsumer();
+    }
+    void forgetConsumer() {
+        const std::scoped_lock guard(m_lock);
+        m_consumer.take();
+    }
+
+    std::optional<T> take() {
+        std::unique_lock guard(m_lock);
+        if (m_items.empty())
+            return std::nullopt;
+        std::optional<T> item(std::move(m_items.front().value));
+        m_load -= m_items.front().weight;
+        m_items.pop_front();
+        // Not at the first free place: the two threads would then wake each other for every single item.
+        if (m_refused && m_load <= m_capacity / 2)
+            tellProducer(guard);
+        return item;
+    }
+
+    void end(bool drop) {
+        std::deque<Item> dropped;
+        std::unique_lock guard(m_lock);
+        if (drop) {
+            dropped.swap(m_items);
+            m_load = 0;
+        }
+        if (std::exchange(m_over, true))
+            return;
+        wakeConsumer();
+        tellProducer(guard);
+        if (guard)
+            guard.unlock();
+    }
+
+    bool isOver() const {
+        const std::scoped_lock guard(m_lock);
+        return m_over;
+    }
+
+private:
+    struct Item {
+        T value;
+        std::size_t weight;
+    };
+
+    void wakeConsumer() {
+        m_consumer.post([state = this->shared_from_this()] { state->resumeConsumer(); });
+    }
+    /// A wake may have been meant for a wait that is over, so each looks again whether there is a reason.
+    void resumeConsumer() {
+        std::unique_lock guard(m_lock);
+        if (!m_over && !m_stopped && m_items.empty())
+            return m_consumer.keepWaiting();
+        const auto handle = m_consumer.take();
+        guard.unlock();
+        if (handle)
+            handle.resume();
+    }
+    void tellProducer(std::unique_lock<std::mutex> &guard) {
+        m_refused = false;
+        m_producer.post([state = this->shared_from_this()] { state->resumeProducer(); });
+        const auto call = m_whenRoom;
+        guard.unlock();
+        if (call)
+            call();
+    }
+    void resumeProducer() {
+        std::unique_lock guard(m_lock);
+        if (!m_over && m_refused)
+            return m_producer.keepWaiting();
+        const auto handle = m_producer.take();
+        guard.unlock();
+        if (handle)
+            handle.resume();
+    }
+
+    const std::size_t m_capacity;
+    mutable std::mutex m_lock;
+    std::deque<Item> m_items;
+    std::size_t m_load = 0;
+    bool m_over = false;
+    bool m_refused = false; ///< a push was turned away and nobody has been told of room since
+    bool m_stopped = false; ///< the wait that is going on is to end without an item
+    std::function<void()> m_whenRoom;
+    ChannelSide m_consumer;
+    ChannelSide m_producer;
+};
+
+} // namespace lmp::detail

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lmp {
+
+/// Where a path leads from a folder. UTF-8 in and out; any thread but, for `resolved`, the UI thread's.
+class DevPathForms {
+public:
+    /// The path once its dots and doubled slashes are worked out, as text. A leading ~ stays as it is.
+    static std::string clean(std::string_view path, std::string_view folder);
+
+    /// The same on disk, with symbolic links followed as far as there is something to follow. Reads the disk.
+    /// @return none where nothing could be opened anyway
+    static std::optional<std::string> resolved(std::string_view path, std::string_view folder);
+};
+
+} // namespace lmp

@@ -1,0 +1,107 @@
+#include "dev/LoginShell.h"
+
+#include "dev/DevExecutable.h"
+#include "dev/DevProcess.h"
+#include "dev/DevProcessRegistry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QThreadPool>
+
+#include <mutex>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A person's start files may print what they like; the answer stands between two of these.
+constexpr QByteArrayView mark = "--lumenpair-path--";
+
+std::once_flag asked;
+std::atomic_bool known = false;
+QString answer; // written once, before `asked` is done
+
+QString shellOfUser() {
+    const QString named = qEnvironmentVariable("SHELL");
+    if (!named.isEmpty())
+        return named;
+    const passwd *const user = ::getpwuid(::getuid());
+    return user ? QFile::decodeName(user->pw_shell) : QString();
+}
+
+QString pathIn(const QByteArray &output) {
+    const auto from = output.indexOf(mark);
+    const auto to = output.lastIndexOf(mark);
+    if (from < 0 || from == to)
+        return {};
+    return QFile::decodeName(output.sliced(from + mark.size(), to - from - mark.size()).trimmed());
+}
+
+void ask() {
+    std::call_once(asked, [] {
+        const QString own = qEnvironmentVariable("PATH");
+        answer = LoginShell::join(own, LoginShell::askFor(shellOfUser(), LoginShell::limit));
+        known = true;
+    });
+}
+
+} // namespace
+
+QString LoginShell::applicationPath() {
+    ask();
+    return answer;
+}
+
+void LoginShell::prepare() {
+    QThreadPool::globalInstance()->start(&ask);
+}
+
+bool LoginShell::isKnown() {
+    return known;
+}
+
+QString LoginShell::askFor(const QString &shell, std::chrono::milliseconds timeout) {
+    if (!QDir::isAbsolutePath(shell))
+        return {};
+    const QString home = QDir::homePath();
+    const QString question = u"echo %1; /usr/bin/printenv PATH; echo %1"_s.arg(QLatin1StringView(mark));
+    // Interactive too: that is where version managers put themselves.
+    const DevProcess::Command command{
+        .program = shell,
+        .arguments = {u"-l"_s, u"-i"_s, u"-c"_s, question},
+        .directory = home,
+        .extra = {{u"TERM"_s, u"dumb"_s}},
+        .output = DevProcess::Output::Bytes,
+    };
+    const auto environment =
+        DevExecutable::childEnvironment(DevExecutable::ownEnvironment(), qEnvironmentVariable("PATH"), home);
+    const auto process = DevProcess::launch(command, environment, DevProcessRegistry::shared());
+    if (!process)
+        return {};
+    (*process)->closeStdin();
+    const auto output = (*process)->output();
+    const bool ended = (*process)->waitForEnd(timeout);
+    (*process)->terminate(0ms);
+    QByteArray text;
+    while (const auto batch = output.tryNext())
+        text += batch->bytes;
+    output.cancel();
+    return ended ? pathIn(text) : QString();
+}
+
+QString LoginShell::join(const QString &own, const QString &other) {
+    QStringList directories = own.split(u':', Qt::SkipEmptyParts);
+    for (const QString &directory : other.split(u':', Qt::SkipEmptyParts)) {
+        if (!directories.contains(directory))
+            directories.append(directory);
+    }
+    return directories.join(u':');
+}
+
+} // namespace lmp

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "identity/MemoryItemDTO.h"
+
+#include <QStringList>
+
+namespace lmp {
+
+/// Finds memories by words of one character or more, whatever the case and the width of their letters. Pure; any
+/// thread.
+class MemorySearch {
+public:
+    /// What of a memory is searched, folded; worth keeping where the same memories are searched again and again.
+    static QString folded(const MemoryItemDTO &item);
+    /// The words that somebody looks for, folded.
+    static QStringList words(const QString &typed);
+    /// Whether every word occurs in what is folded.
+    static bool matches(const QString &folded, const QStringList &words);
+
+private:
+    static QString fold(const QString &text);
+};
+
+} // namespace lmp

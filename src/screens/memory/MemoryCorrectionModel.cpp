@@ -1,0 +1,231 @@
+#include "screens/memory/MemoryCorrectionModel.h"
+
+#include "core/Detach.h"
+#include "identity/MemoryTexts.h"
+#include "screens/memory/MemoryInputs.h"
+#include "screens/memory/MemoryItemsModel.h"
+
+#include <QPointer>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+MemoryCorrectionModel::MemoryCorrectionModel(MemoryServices services, QObject *parent)
+    : QObject(parent)
+    , m_services(std::move(services)) {
+    connect(m_services.inputs, &MemoryInputs::replaced, this, &MemoryCorrectionModel::onInputs);
+}
+
+QString MemoryCorrectionModel::keyOf(const QString &memoryId) {
+    return u"correction:"_s + memoryId;
+}
+
+QString MemoryCorrectionModel::becomesFact() {
+    return MemoryTexts::becomesFact();
+}
+
+QString MemoryCorrectionModel::savedTitle() const {
+    return m_state == State::Saved || m_state == State::Undoing ? MemoryTexts::correctionSavedTitle() : QString();
+}
+
+QString MemoryCorrectionModel::savedText() const {
+    return savedTitle().isEmpty() ? QString() : MemoryTexts::correctionSavedText();
+}
+
+void MemoryCorrectionModel::open(const MemoryItemDTO &item) {
+    m_item = item;
+    m_history = {};
+    m_history.current = item.content;
+    const QString kept = m_services.inputs->text(keyOf(item.id));
+    m_text = kept.isEmpty() ? item.content : kept;
+    reopen();
+    Q_EMIT textChanged();
+}
+
+void MemoryCorrectionModel::reopen() {
+    if (m_item.id.isEmpty())
+        return;
+    ++m_generation;
+    m_revision.clear();
+    m_undone = false;
+    m_origins.setRecords({});
+    settle(State::Loading, {});
+    detach(load(), "reading a memory that is to be corrected");
+}
+
+QCoro::Task<> MemoryCorrectionModel::load() {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    const QString owner = m_services.account.key();
+    const auto history = co_await m_services.service.history(m_item.id);
+    if (!self || !isStill(generation, owner))
+        co_return;
+    if (!history) {
+        settle(State::Unreadable, MemoryTexts::historyUnreadable(history.error().reason), true);
+        co_return;
+    }
+    show(*history);
+    if (m_revision.isEmpty())
+        settle(State::Ready, MemoryTexts::noRevision());
+    else
+        settle(State::Ready, {});
+}
+
+void MemoryCorrectionModel::show(const MemoryHistoryResp &history) {
+    const bool untouched = m_text == m_history.current;
+    m_history = history;
+    m_revision = history.revision.value_or(QString());
+    if (untouched)
+        m_text = history.current;
+    // What was not known to be saved turns out to be.
+    else if (m_text == history.current)
+        m_services.inputs->setText(keyOf(m_item.id), {});
+    auto chain = MemoryOrigin::chain(m_item, history);
+    for (auto &link : chain)
+        link.at = MemoryItemsModel::dateText(link.at);
+    m_origins.setRecords(std::vector<MemoryOrigin>(chain.begin(), chain.end()));
+}
+
+bool MemoryCorrectionModel::isStill(quint64 generation, const QString &owner) {
+    if (m_generation != generation)
+        return false;
+    if (m_services.account.key() == owner)
+        return true;
+    drop(MemoryTexts::accountChanged());
+    return false;
+}
+
+void MemoryCorrectionModel::settle(State state, const QString &message, bool mustReopen) {
+    m_state = state;
+    m_message = message;
+    m_mustReopen = mustReopen;
+    const QPointer self(this);
+    Q_EMIT changed();
+    if (self)
+        Q_EMIT textChanged();
+}
+
+void MemoryCorrectionModel::setText(const QString &text) {
+    if (text == m_text || m_state == State::Closed)
+        return;
+    m_text = text;
+    keep(text == m_history.current ? QString() : text);
+    Q_EMIT textChanged();
+}
+
+void MemoryCorrectionModel::keep(const QString &text) {
+    m_services.inputs->setText(keyOf(m_item.id), text);
+}
+
+void MemoryCorrectionModel::onInputs() {
+    // What the disk had comes after the sheet was opened.
+    const QString kept = m_item.id.isEmpty() ? QString() : m_services.inputs->text(keyOf(m_item.id));
+    if (m_state == State::Closed || kept.isEmpty() || kept == m_text)
+        return;
+    m_text = kept;
+    Q_EMIT textChanged();
+}
+
+bool MemoryCorrectionModel::canSave() const {
+    return m_state == State::Ready && !m_mustReopen && !m_revision.isEmpty() && typed() && !m_text.trimmed().isEmpty();
+}
+
+void MemoryCorrectionModel::save() {
+    if (!canSave())
+        return;
+    settle(State::Saving, {});
+    detach(saveNow(m_text), "saving a correction");
+}
+
+QCoro::Task<> MemoryCorrectionModel::saveNow(QString content) {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    const QString owner = m_services.account.key();
+    const QString memoryId = m_item.id;
+    const auto outcome = co_await m_services.service.correct(memoryId, content, m_revision);
+    if (!self || !isStill(generation, owner))
+        co_return;
+    if (const auto *done = std::get_if<MemoryCorrectionOutcome::done>(&outcome.value)) {
+        m_revision = done->revision;
+        m_history.current = content;
+        // What was typed on meanwhile says something new.
+        if (m_text == content)
+            keep({});
+        settle(State::Saved, m_revision.isEmpty() ? MemoryTexts::revisionNotConfirmed() : QString());
+        if (self)
+            Q_EMIT reworded(memoryId, content);
+    } else if (std::holds_alternative<MemoryCorrectionOutcome::conflict>(outcome.value)) {
+        settle(State::Ready, MemoryTexts::correctionConflict({}), true);
+        if (self && m_generation == generation)
+            co_await learnCurrent();
+    } else
+        settle(State::Ready, MemoryTexts::correctionUnknown(), true);
+}
+
+QCoro::Task<> MemoryCorrectionModel::learnCurrent() {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    const QString owner = m_services.account.key();
+    const auto history = co_await m_services.service.history(m_item.id);
+    if (!self || !isStill(generation, owner) || !m_mustReopen || !history)
+        co_return;
+    settle(State::Ready, MemoryTexts::correctionConflict(history->current), true);
+}
+
+void MemoryCorrectionModel::undo() {
+    if (!canUndo())
+        return;
+    settle(State::Undoing, {});
+    detach(undoNow(), "taking a correction back");
+}
+
+QCoro::Task<> MemoryCorrectionModel::undoNow() {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    const QString owner = m_services.account.key();
+    const QString memoryId = m_item.id;
+    const auto outcome = co_await m_services.service.revert(memoryId, m_revision);
+    if (!self || !isStill(generation, owner))
+        co_return;
+    m_undone = true;
+    if (const auto *done = std::get_if<MemoryRevertOutcome::done>(&outcome.value)) {
+        m_revision = done->revision;
+        const QString content = done->content;
+        m_history.current = content;
+        m_text = content;
+        settle(State::Saved, MemoryTexts::revertedIsFact());
+        if (self)
+            Q_EMIT reworded(memoryId, content);
+    } else if (const auto *unchanged = std::get_if<MemoryRevertOutcome::unchanged>(&outcome.value))
+        settle(State::Saved, unchanged->message);
+    else if (std::holds_alternative<MemoryRevertOutcome::conflict>(outcome.value))
+        settle(State::Saved, MemoryTexts::revertConflict());
+    else
+        settle(State::Saved, MemoryTexts::revertUnknown());
+}
+
+void MemoryCorrectionModel::discard() {
+    if (m_state == State::Closed)
+        return;
+    keep({});
+    m_text = m_history.current;
+    Q_EMIT textChanged();
+}
+
+void MemoryCorrectionModel::close() {
+    drop();
+}
+
+void MemoryCorrectionModel::drop(const QString &why) {
+    ++m_generation;
+    if (why.isEmpty())
+        m_item = {};
+    m_history = {};
+    m_revision.clear();
+    m_text.clear();
+    m_origins.setRecords({});
+    settle(why.isEmpty() ? State::Closed : State::Unreadable, why);
+}
+
+} // namespace lmp

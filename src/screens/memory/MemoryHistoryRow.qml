@@ -1,0 +1,35 @@
+import QtQuick
+import Lumenpair.Kit
+
+/// One change of a memory's wording.
+Column {
+    id: root
+
+    required property string previous
+    required property string next
+    required property string detail
+
+    spacing: Theme.space2
+    width: parent ? parent.width : 0
+
+    LMPText {
+        text: root.next
+        width: parent.width
+    }
+
+    LMPText {
+        color: Theme.text2
+        text: "之前：" + root.previous
+        width: parent.width
+    }
+
+    LMPText {
+        color: Theme.text2
+        kind: LMPText.Caption
+        text: root.detail
+        visible: text !== ""
+        width: parent.width
+    }
+
+    LMPSeparator {}
+}
