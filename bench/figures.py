@@ -14,6 +14,7 @@ import shutil
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
 from pathlib import Path
 
@@ -224,6 +225,25 @@ def markdown(figures):
     figures.hold("markdown whole", f"{one['ms']:.0f} ms for 1 MB at once (at most 150)", one["ms"] <= 150)
 
 
+def search(figures):
+    """Questions of one, two, three and six characters to 100,000 messages, beside tables of SQLite's own"""
+    with tempfile.TemporaryDirectory() as folder:
+        done = subprocess.run([figures.program("bench_search"), folder], capture_output=True, text=True, check=True)
+    for line in done.stdout.splitlines():
+        one = {name: float(value) for name, value in re.findall(r"(\w+)=([\d.]+)", line)}
+        if "length" not in one:
+            figures.note(f"filled in {one['put_ms'] / 1e3:.1f} s, FTS5 with trigrams in {one['trigram_put_ms'] / 1e3:.1f} s")
+            continue
+        name = f"search {one['length']:.0f}"
+        ratio = one["like_ms"] / one["median_ms"]
+        trigram = f", FTS5 with trigrams {one['trigram_ms']:.2f} ms" if one["trigram_ms"] else ""
+        figures.note(f"{name}: median {one['median_ms']:.2f} ms, LIKE {one['like_ms']:.1f} ms{trigram}")
+        figures.hold(name, f"at worst {one['max_ms']:.1f} ms (under 50)", one["max_ms"] < 50)
+        figures.hold(f"{name} LIKE", f"{ratio:.0f} x as fast as looking through them (at least 5)", ratio >= 5)
+        if one["mismatches"]:
+            raise SystemExit(f"{name}: the index finds other messages than LIKE does")
+
+
 def drafts(figures):
     """What becomes of drafts when programs are killed, systems refuse and many write at once"""
     program = figures.program("bench_drafts")
@@ -298,7 +318,7 @@ def children(figures):
 
 
 RUN = (
-    *(close, chunk, latency, memory, records, chat, memories, markdown, drafts, version),
+    *(close, chunk, latency, memory, records, chat, memories, markdown, search, drafts, version),
     *(child_lines, children, agents, window, window_chat),
 )
 ALL = {one.__name__: one for one in RUN}

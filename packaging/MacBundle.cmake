@@ -23,7 +23,7 @@ add_executable(Lumenpair-app MACOSX_BUNDLE ${PROJECT_SOURCE_DIR}/src/main.cpp ${
 target_link_libraries(Lumenpair-app PRIVATE lmp_settings)
 set_target_properties(Lumenpair-app PROPERTIES AUTOMOC OFF OUTPUT_NAME Lumenpair
   MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/macos/Info.plist.in)
-foreach(program lumenpair-guardian lumenpair-window lumenpair-terminal lumenpair-sandbox)
+foreach(program lumenpair-guardian lumenpair-window lumenpair-terminal lumenpair-sandbox lumenpair-audio)
   add_custom_command(TARGET Lumenpair-app POST_BUILD COMMAND ${CMAKE_COMMAND} -E copy_if_different
     $<TARGET_FILE:${program}> $<TARGET_BUNDLE_CONTENT_DIR:Lumenpair-app>/MacOS VERBATIM)
   add_dependencies(Lumenpair-app ${program})
@@ -35,7 +35,8 @@ install(CODE "
   set(bundle \"\${CMAKE_INSTALL_PREFIX}/Lumenpair.app\")
   execute_process(COMMAND ${LMP_MACDEPLOYQT} \${bundle} -qmldir=${PROJECT_SOURCE_DIR}/src/screens
     -executable=\${bundle}/Contents/MacOS/lumenpair-window -executable=\${bundle}/Contents/MacOS/lumenpair-terminal
-    -executable=\${bundle}/Contents/MacOS/lumenpair-sandbox COMMAND_ERROR_IS_FATAL ANY)
+    -executable=\${bundle}/Contents/MacOS/lumenpair-sandbox
+    -executable=\${bundle}/Contents/MacOS/lumenpair-audio.so COMMAND_ERROR_IS_FATAL ANY)
   execute_process(COMMAND codesign --force --deep --sign - \${bundle} COMMAND_ERROR_IS_FATAL ANY)")
 set(CPACK_GENERATOR DragNDrop)
 set(CPACK_PACKAGE_NAME Lumenpair)

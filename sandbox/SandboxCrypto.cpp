@@ -128,6 +128,14 @@ std::string base64Url(std::string_view data) {
     return result;
 }
 
+std::string base64(std::string_view data) {
+    std::string text((data.size() + 2) / 3 * 4 + 1, '\0');
+    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char *>(text.data()),
+                                       reinterpret_cast<const unsigned char *>(data.data()), int(data.size()));
+    text.resize(std::size_t(length));
+    return text;
+}
+
 std::string pkceChallenge(std::string_view verifier) {
     return base64Url(sha256(verifier));
 }

@@ -15,6 +15,8 @@ std::string randomDigits();
 
 std::string sha256Hex(std::string_view data);
 std::string base64Url(std::string_view data);
+/// With padding, as it stands in JSON.
+std::string base64(std::string_view data);
 /// The S256 challenge of a PKCE verifier.
 std::string pkceChallenge(std::string_view verifier);
 /// Compares without telling by its duration where the texts differ.

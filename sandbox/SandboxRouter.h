@@ -30,6 +30,7 @@ void addAuthRoutes(SandboxRouter &router, SandboxServices &services);
 void addConversationRoutes(SandboxRouter &router, SandboxServices &services);
 void addRelayRoutes(SandboxRouter &router, SandboxServices &services);
 void addMemoryRoutes(SandboxRouter &router, SandboxServices &services);
+void addSpeechRoutes(SandboxRouter &router, SandboxServices &services);
 void addCareRoutes(SandboxRouter &router, SandboxServices &services);
 void addControlRoutes(SandboxRouter &router, SandboxServices &services);
 

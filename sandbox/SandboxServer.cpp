@@ -43,6 +43,7 @@ public:
         addConversationRoutes(m_router, services);
         addRelayRoutes(m_router, services);
         addMemoryRoutes(m_router, services);
+        addSpeechRoutes(m_router, services);
         addCareRoutes(m_router, services);
         addControlRoutes(m_router, services);
         configure();

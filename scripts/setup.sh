@@ -9,14 +9,14 @@
 debian_packages() {
   case $1 in
     build) echo clang-19 lld-19 cmake ninja-build ccache qt6-base-dev qt6-declarative-dev \
-                qt6-declarative-dev-tools qt6-svg-dev libgl-dev libmd4c-dev libicu-dev qcoro-qt6-dev qtkeychain-qt6-dev libboost1.81-dev \
+                qt6-declarative-dev-tools qt6-svg-dev qt6-multimedia-dev libgl-dev libmd4c-dev libicu-dev qcoro-qt6-dev qtkeychain-qt6-dev libboost1.81-dev \
                 libboost-json1.81-dev libre2-dev libcli11-dev libedit-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev \
                 libssl-dev zlib1g-dev libbrotli-dev pkgconf ca-certificates libsecret-1-0 \
                 qt6-qpa-plugins qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript \
                 qml6-module-qtquick qml6-module-qtquick-layouts qml6-module-qtquick-templates \
                 qml6-module-qtquick-window fonts-noto-cjk ;;
     test)  echo clang-format-19 libclang-rt-19-dev llvm-19 libgtest-dev libgmock-dev dbus-daemon gnome-keyring git \
-                python3 qml6-module-qttest qml6-module-qt-labs-platform desktop-file-utils appstream ;;
+                python3 espeak-ng qml6-module-qttest qml6-module-qt-labs-platform desktop-file-utils appstream ;;
     tidy)  echo clang-tidy-19 ;;
     package) echo dpkg-dev fakeroot python3 ;;
     bench) echo libbenchmark-dev nlohmann-json3-dev python3 curl xvfb dbus-daemon libx11-dev libxdamage-dev libxtst-dev \
@@ -27,7 +27,7 @@ debian_packages() {
 homebrew_packages() {
   case $1 in
     build) echo cmake ninja ccache qt md4c icu4c qcoro qtkeychain boost re2 cli11 libedit cpp-httplib sqlitecpp sqlite openssl@3 pkgconf ;;
-    test)  echo clang-format googletest ;;
+    test)  echo clang-format googletest espeak-ng ;;
     tidy)  echo llvm ;;
     package) ;;
     bench) echo google-benchmark nlohmann-json ;;

@@ -120,6 +120,17 @@ ConversationAccount Application::account() const {
                 }};
 }
 
+ConversationSearch &Application::search() {
+    if (!m_search) {
+        m_search = std::make_unique<ConversationSearch>(ConversationService(api()), drafts(), account(), m_support,
+                                                        keychainSuffix(), m_clock);
+        for (const auto signal :
+             {&AuthStore::generationChanged, &AuthStore::phaseChanged, &AuthStore::verificationFailedChanged})
+            connect(m_auth.get(), signal, m_search.get(), &ConversationSearch::recheckAccount);
+    }
+    return *m_search;
+}
+
 std::unique_ptr<LoginModel> Application::makeLoginModel() {
     if (const auto provider = googleProvider(); provider && !m_google)
         m_google = std::make_unique<GoogleSignIn>(*provider, m_webAuth);

@@ -4,6 +4,7 @@
 #include "app/SandboxProcess.h"
 #include "conversation/ChatWithTwinView.h"
 #include "conversation/ConversationInputDraftStore.h"
+#include "conversation/ConversationSearch.h"
 #include "core/AuthStore.h"
 #include "core/CapabilityStore.h"
 #include "core/LoginModel.h"
@@ -71,6 +72,8 @@ public:
     /// Where this profile's files live.
     const ApplicationSupport &support() const { return m_support; }
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
+    /// The search over conversations, made when it is first asked for.
+    ConversationSearch &search();
     ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
@@ -102,6 +105,7 @@ private:
     std::unique_ptr<AuthStore> m_auth;
     std::unique_ptr<Telemetry> m_telemetry;
     std::unique_ptr<CapabilityStore> m_capabilities;
+    std::unique_ptr<ConversationSearch> m_search;
     LocalInputRegistry m_localInput;
     SafetyGateStore m_safety;
     SystemOpener m_opener;

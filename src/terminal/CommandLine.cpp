@@ -87,6 +87,14 @@ void addConversations(CLI::App &app, CommandLine &line, Words &words) {
     show->callback([&line] { line.command = CommandLine::Command::ConversationShow; });
 }
 
+void addSearch(CLI::App &app, CommandLine &line, Words &words) {
+    auto *search = app.add_subcommand("search", "在所有对话的消息里查找，一个字也行")->group("命令");
+    search->add_flag("--jsonl", line.jsonl, "标准输出一行一个 JSON 结果");
+    search->add_option("--most", line.most, "最多列出几条，默认 50")->type_name("N")->check(CLI::Range(1, 10'000));
+    search->add_option("TEXT", words.text, "要找的字词；几个词要都出现")->type_name("")->required();
+    search->callback([&line] { line.command = CommandLine::Command::Search; });
+}
+
 void addDrafts(CLI::App &app, CommandLine &line, Words &words) {
     auto *all = app.add_subcommand("drafts", "看本机的草稿：未同步的对话和未发送的输入")->group("命令");
     all->require_subcommand(1);
@@ -232,6 +240,7 @@ std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, cons
     addChat(app, line, words);
     addSession(app, line, words);
     addConversations(app, line, words);
+    addSearch(app, line, words);
     addDrafts(app, line, words);
     addMemory(app, line, words);
     addCrisis(app, line, words);

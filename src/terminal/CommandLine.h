@@ -25,6 +25,7 @@ struct CommandLine {
         DraftShow,
         DraftDiscard,
         Memory,
+        Search,
         Crisis,
         Dev,
         DevGit,
@@ -88,6 +89,9 @@ struct CommandLine {
     bool cheaper = false;
     bool jsonl = false;
     QStringList text;
+
+    // search, with `jsonl` and `text`
+    int most = 50;
 
     // sign-in
     QString email;

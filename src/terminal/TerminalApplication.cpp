@@ -10,6 +10,7 @@
 #include "terminal/DraftCommands.h"
 #include "terminal/GuestCommand.h"
 #include "terminal/MemoryCommands.h"
+#include "terminal/SearchCommand.h"
 
 #include <csignal>
 
@@ -94,6 +95,8 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
         return ConversationCommands::list(&m_application, &m_console);
     case CommandLine::Command::ConversationShow:
         return ConversationCommands::show(&m_application, &m_console, m_line.conversationId);
+    case CommandLine::Command::Search:
+        return SearchCommand::run(&m_application, &m_console, m_line);
     case CommandLine::Command::DraftList:
         return DraftCommands::list(&m_application, &m_console, m_line.draftJson);
     case CommandLine::Command::DraftShow:

@@ -1,6 +1,7 @@
 #include "screens/chat/ChatModel.h"
 
 #include "app/Application.h"
+#include "conversation/ConversationSearch.h"
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
 
@@ -40,6 +41,8 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_session(ConversationService(m_services.api), m_services.drafts, m_services.account, *m_services.clock)
     , m_view(m_session, *m_services.safety, m_services.api, m_services.events, m_services.recorder)
     , m_messages(m_session, m_view, *m_services.clock)
+    , m_find(m_session)
+    , m_speech(m_session, m_services.api, m_services.makeAudio)
     , m_extraction(m_services.api, m_session, [this] { return isIdle(); })
     , m_inputs(m_services.inputs, *m_services.clock)
     , m_owner(ownerOf(m_services.account)) {
@@ -54,6 +57,8 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::inputDraftChanged);
     connect(&m_inputs, &ComposerInputs::kept, this, &ChatModel::draftsChanged);
     m_inputs.open(m_services.account.current());
+    if (m_services.search)
+        m_services.search->follow(&m_session);
 }
 
 ChatModel::~ChatModel() {
@@ -61,6 +66,8 @@ ChatModel::~ChatModel() {
     m_session.disconnect(this);
     m_view.disconnect(this);
     m_inputs.disconnect(this);
+    if (m_services.search)
+        m_services.search->holdBack(this, false);
 }
 
 // The conversation
@@ -96,6 +103,18 @@ void ChatModel::load(const QString &id) {
     openAs(id, Copy::Local);
 }
 
+void ChatModel::loadAt(const QString &id, const QString &messageId, const QString &query) {
+    const auto arrive = [this, messageId, query] {
+        m_find.beginAt(query, messageId);
+    };
+    if (m_session.belongsToCurrentAccount() && m_session.conversation()->id == id) {
+        arrive();
+        return;
+    }
+    load(id);
+    m_whenOpened = arrive;
+}
+
 void ChatModel::reload() {
     if (!m_loadError.isEmpty())
         openAs(m_wantedId, Copy::Local);
@@ -129,6 +148,8 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     m_inputs.describe(place());
     dropStaleRetry();
     Q_EMIT conversationChanged();
+    if (self && m_loads == loads && m_whenOpened)
+        std::exchange(m_whenOpened, nullptr)();
     if (!self || m_loads != loads || !m_session.unsaved())
         co_return;
     // Whether it is saved again is the person's word: the save before may have arrived.
@@ -150,6 +171,7 @@ void ChatModel::forgetOpening() {
     m_heldReason.clear();
     m_linkNotice.clear();
     setNotice({});
+    m_whenOpened = nullptr;
 }
 
 void ChatModel::onOpened() {
@@ -236,6 +258,8 @@ void ChatModel::recheckAccount() {
 void ChatModel::onViewChanged() {
     if (const auto &used = m_view.showUsed())
         m_used.show(*used);
+    if (m_services.search)
+        m_services.search->holdBack(this, sending());
     Q_EMIT stateChanged();
 }
 

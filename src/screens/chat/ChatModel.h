@@ -1,10 +1,12 @@
 #pragma once
 
 #include "app/LocalInputRegistry.h"
+#include "screens/chat/ChatFind.h"
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
 #include "screens/chat/ExtractionModel.h"
 #include "screens/chat/MessageListModel.h"
+#include "screens/chat/SpeechModel.h"
 #include "screens/chat/UsedMemoryModel.h"
 
 #include <QUrl>
@@ -22,6 +24,8 @@ class ChatModel : public QObject {
     QML_UNCREATABLE("made by the window's scene")
     Q_PROPERTY(lmp::MessageListModel *messages READ messages CONSTANT)
     Q_PROPERTY(lmp::UsedMemoryModel *usedMemories READ usedMemories CONSTANT)
+    Q_PROPERTY(lmp::ChatFind *find READ find CONSTANT)
+    Q_PROPERTY(lmp::SpeechModel *speech READ speech CONSTANT)
     Q_PROPERTY(lmp::ExtractionModel *extraction READ extraction CONSTANT)
 
     // The conversation.
@@ -86,6 +90,8 @@ public:
 
     MessageListModel *messages() { return &m_messages; }
     UsedMemoryModel *usedMemories() { return &m_used; }
+    ChatFind *find() { return &m_find; }
+    SpeechModel *speech() { return &m_speech; }
     ExtractionModel *extraction() { return &m_extraction; }
     QString conversationId() const;
     QString title() const;
@@ -131,6 +137,8 @@ public:
     Q_INVOKABLE void begin(bool incognito = false);
     /// Opens a conversation of the service. One that is open already stays.
     Q_INVOKABLE void load(const QString &id);
+    /// Opens a conversation at one of its messages, with what it was found by marked.
+    void loadAt(const QString &id, const QString &messageId, const QString &query);
     /// Tries once more to open what `loadError` speaks of.
     Q_INVOKABLE void reload();
     /// Opens the service's copy; the local changes are given up, so only at the person's own word.
@@ -215,12 +223,15 @@ private:
     ChatWithTwinView m_view;
     MessageListModel m_messages;
     UsedMemoryModel m_used;
+    ChatFind m_find;
+    SpeechModel m_speech;
     ExtractionModel m_extraction;
     ComposerInputs m_inputs;
     LocalInputRegistry::Registration m_localInput;
-    QString m_owner;     ///< the account and sign-in that what is open is of
-    QString m_wantedId;  ///< of a conversation that is being opened, or could not be
-    quint64 m_loads = 0; ///< counts what was asked for
+    QString m_owner;                    ///< the account and sign-in that what is open is of
+    QString m_wantedId;                 ///< of a conversation that is being opened, or could not be
+    quint64 m_loads = 0;                ///< counts what was asked for
+    std::function<void()> m_whenOpened; ///< goes to the message that was asked for
     bool m_loading = false;
     QString m_loadError;
     QString m_notice;

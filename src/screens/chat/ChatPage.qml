@@ -57,12 +57,33 @@ FocusScope {
             text: root.purse()
             wrapMode: Text.NoWrap
         }
-        banners: ChatBanners {
-            chat: root.chat
-            width: parent.width
+        banners: [
+            Loader {
+                id: findBar
 
-            onServiceCopyWanted: replacing.open()
-        }
+                readonly property bool wanted: root.chat.find.open
+
+                // An emptied loader keeps its height.
+                visible: findBar.wanted
+                width: parent.width
+
+                onLoaded: (findBar.item as ChatFindBar).closed.connect(root.focusInput)
+                onWantedChanged: {
+                    if (findBar.wanted)
+                        findBar.setSource("ChatFindBar.qml", {
+                            find: root.chat.find
+                        });
+                    else
+                        findBar.source = "";
+                }
+            },
+            ChatBanners {
+                chat: root.chat
+                width: parent.width
+
+                onServiceCopyWanted: replacing.open()
+            }
+        ]
 
         Transcript {
             id: transcript
@@ -107,11 +128,32 @@ FocusScope {
 
             anchors.bottom: parent.bottom
             anchors.horizontalCenter: parent.horizontalCenter
-            height: composer.height + Theme.space12
+            height: composer.height + Theme.space12 + (speechBar.visible ? speechBar.height + Theme.space8 : 0)
             width: transcript.columnWidth
 
+            Loader {
+                id: speechBar
+
+                readonly property bool wanted: root.chat.speech.shown
+
+                // An emptied loader keeps its height.
+                visible: speechBar.wanted
+                width: parent.width
+
+                onWantedChanged: {
+                    if (speechBar.wanted)
+                        speechBar.setSource("SpeechBar.qml", {
+                            speech: root.chat.speech
+                        });
+                    else
+                        speechBar.source = "";
+                }
+            }
             LMPComposer {
                 id: composer
+
+                anchors.bottom: parent.bottom
+                anchors.bottomMargin: Theme.space12
 
                 attachmentsArea: Column {
                     spacing: Theme.space4
@@ -169,6 +211,13 @@ FocusScope {
         ReplyAnnouncer {
             id: announcer
         }
+    }
+    Connections {
+        function onFocusAsked() {
+            (findBar.item as ChatFindBar).begin();
+        }
+
+        target: root.chat.find
     }
     Connections {
         function onInputChanged() {

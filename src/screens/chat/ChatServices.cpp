@@ -1,6 +1,7 @@
 #include "screens/chat/ChatServices.h"
 
 #include "app/Application.h"
+#include "platform/SystemAudioOutput.h"
 
 namespace lmp {
 
@@ -13,7 +14,9 @@ ChatServices ChatServices::of(Application &application) {
             .clock = &application.clock(),
             .safety = &application.safety(),
             .recorder = application.recorder(),
-            .opener = &application.opener()};
+            .opener = &application.opener(),
+            .makeAudio = [] { return std::make_unique<SystemAudioOutput>(); },
+            .search = &application.search()};
 }
 
 } // namespace lmp

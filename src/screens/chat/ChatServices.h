@@ -1,16 +1,18 @@
 #pragma once
 
 #include "conversation/ChatWithTwinView.h"
+#include "conversation/TTSPlayer.h"
 #include "conversation/ConversationInputDraftStore.h"
 #include "platform/ExternalOpener.h"
 
 namespace lmp {
 
 class Application;
+class ConversationSearch;
 
 /// What a chat's screen needs of the program.
 ///
-/// A value; clock, safety and opener outlive whoever holds it.
+/// A value; clock, safety, opener and search outlive whoever holds it.
 struct ChatServices {
     APIClient api;
     SSEClient events;
@@ -21,6 +23,8 @@ struct ChatServices {
     SafetyGateStore *safety = nullptr;
     ChatWithTwinView::Recorder recorder;
     ExternalOpener *opener = nullptr;
+    TTSPlayer::MakeOutput makeAudio = {};
+    ConversationSearch *search = nullptr; ///< null where nothing is indexed
 
     static ChatServices of(Application &application);
 };

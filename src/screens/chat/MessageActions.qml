@@ -20,6 +20,17 @@ Row {
         onClicked: root.chat.copyMessage(root.row.messageId)
     }
     LMPIconButton {
+        readonly property bool speaking: root.chat.speech.messageId === root.row.messageId
+
+        checked: speaking
+        enabled: !root.row.streaming
+        iconName: speaking ? "stop" : "speaker"
+        implicitHeight: Theme.target
+        text: speaking ? "停止朗读" : "朗读回答"
+
+        onClicked: root.chat.speech.toggle(root.row.messageId)
+    }
+    LMPIconButton {
         checked: root.row.feedback === "positive"
         iconName: "thumb-up"
         implicitHeight: Theme.target

@@ -131,21 +131,21 @@ void MessageListModel::reset() {
     restart();
 }
 
-void MessageListModel::restart() {
+void MessageListModel::restart(qsizetype first) {
     beginResetModel();
     for (const qsizetype index : m_blocks.keys())
         forgetBlocks(index);
-    fill();
+    fill(first);
     endResetModel();
     Q_EMIT windowChanged();
 }
 
-void MessageListModel::fill() {
+void MessageListModel::fill(qsizetype first) {
     const auto *conversation = m_session.conversation();
     m_total = conversation ? conversation->messages.size() : 0;
-    m_first = std::max<qsizetype>(0, m_total - firstRows);
+    m_first = first >= 0 ? std::min(first, m_total) : std::max<qsizetype>(0, m_total - firstRows);
     m_rows.clear();
-    for (qsizetype index = m_first; index < m_total; ++index)
+    for (qsizetype index = m_first; index < std::min(m_total, m_first + firstRows); ++index)
         m_rows.push_back(rowAt(index));
 }
 
@@ -203,6 +203,19 @@ void MessageListModel::drop(qsizetype row, qsizetype count) {
     if (row == 0)
         m_first += count;
     endRemoveRows();
+}
+
+int MessageListModel::bringIn(const QString &messageId) {
+    const auto *conversation = m_session.conversation();
+    if (rowOf(messageId) >= 0 || !conversation)
+        return rowOf(messageId);
+    const auto &messages = conversation->messages;
+    const auto found = std::ranges::find(messages, messageId, &ConvMessageDTO::id);
+    if (found == messages.end())
+        return -1;
+    const qsizetype last = std::max<qsizetype>(0, messages.size() - firstRows);
+    restart(std::min(last, std::max<qsizetype>(0, found - messages.begin() - firstRows / 2)));
+    return rowOf(messageId);
 }
 
 int MessageListModel::rowOf(const QString &messageId) const {

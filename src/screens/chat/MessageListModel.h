@@ -72,6 +72,8 @@ public:
     Q_INVOKABLE void fetchNewer();
     /// Puts the window at the end, where it follows what comes.
     Q_INVOKABLE void jumpToLatest();
+    /// Puts the window around a message, where it is not there yet. @return its row, or -1
+    Q_INVOKABLE int bringIn(const QString &messageId);
     /// The row of a message, or -1 when it is not in the window.
     Q_INVOKABLE int rowOf(const QString &messageId) const;
     /// The blocks of a reply, made when they are first asked for; null for any other message.
@@ -101,13 +103,13 @@ private:
 
     static State stateOf(const MessageRow &row, const Mark &mark);
     void reset();
-    /// Begins anew at the end, with what is known of the messages.
-    void restart();
+    /// Begins anew at `first`, or at the end, with what is known of the messages.
+    void restart(qsizetype first = -1);
     void onChanged();
     void onStateChanged();
     void updateGrowing();
     MessageRow rowAt(qsizetype index) const;
-    void fill();
+    void fill(qsizetype first);
     void extend(qsizetype end);
     void drop(qsizetype row, qsizetype count);
     void replace(qsizetype row, MessageRow now);

@@ -26,6 +26,8 @@ FocusScope {
     readonly property real distanceToEnd: scroll.lowest - flick.contentY
     /// The row that has the focus somewhere within.
     property TranscriptRow focusedRow: null
+    /// The row that was gone to last.
+    property TranscriptRow shownRow: null
     readonly property Item focusItem: Window.activeFocusItem
     /// The row of the reply that grows, or of the last that did.
     property TranscriptRow growingRow: null
@@ -40,6 +42,15 @@ FocusScope {
         if (!root.messages.atEnd)
             root.messages.jumpToLatest();
         scroll.hold();
+    }
+    /// Brings a message into sight, and in a long one the match.
+    function show(messageId: string): void {
+        const row = rows.itemAt(root.messages.bringIn(messageId)) as TranscriptRow;
+        if (!row)
+            return;
+        root.shownRow = row;
+        scroll.show(row, Theme.dp(48));
+        arrived.restart();
     }
     /// Whether `text` stands under the last message.
     function showsError(text: string): bool {
@@ -168,6 +179,33 @@ FocusScope {
             if (!root.messages.atEnd)
                 root.messages.fetchNewer();
         }
+    }
+    FindMarks {
+        id: marks
+
+        background: Theme.warningSoft
+        find: root.chat.find
+        ink: Theme.text
+        within: column
+    }
+    // The texts of a row are made when it is in sight.
+    Timer {
+        id: arrived
+
+        interval: 150
+
+        onTriggered: {
+            const top = root.shownRow ? marks.matchTop(root.shownRow) : -1;
+            if (top > flick.height - Theme.dp(120))
+                scroll.show(root.shownRow, Theme.dp(96) - top);
+        }
+    }
+    Connections {
+        function onGoTo(messageId: string) {
+            root.show(messageId);
+        }
+
+        target: root.chat.find
     }
     Connections {
         function onGrew() {

@@ -33,6 +33,15 @@ Item {
         root.newBelow = false;
         root.settle();
     }
+    /// Puts the top of a row so far below the top of the view, and keeps it there while rows are made.
+    function show(row: TranscriptRow, offset: real): void {
+        root.following = false;
+        root.column.forceLayout();
+        root.anchorRow = row;
+        root.anchorOffset = offset;
+        root.settle();
+        root.column.forceLayout();
+    }
     /// Moves as a person wishes. Upwards lets go of the end; arriving there takes hold of it again.
     function moveBy(distance: real) {
         // Keys may come faster than frames.

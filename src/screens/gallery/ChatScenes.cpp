@@ -288,8 +288,75 @@ QList<GalleryScene> ChatScenes::ways() {
             {u"chat-opening"_s, opening}};
 }
 
+QList<GalleryScene> ChatScenes::finding() {
+    QList<ConvMessageDTO> talk;
+    for (int at = 0; at < 12; ++at) {
+        const QString number = QString::number(at);
+        talk << Fixtures::question(u"q"_s + number, at % 3 ? u"那泡茶的水呢？"_s : u"周末一起喝茶吧。"_s)
+             << Fixtures::answer(u"a"_s + number,
+                                 u"绿茶 **80 度**就好，红茶要滚水；`茶`要先温杯。\n\n- 茶叶三克\n- 水一百毫升"_s,
+                                 u"q"_s + number);
+    }
+    const auto find = [talk](const QString &text) {
+        return of(talk, [text](GalleryStage &stage) {
+            stage.until(u"the messages"_s, [&stage] { return chat(stage).messages()->rowCount() > 0; });
+            stage.then([&stage, text] {
+                chat(stage).find()->begin();
+                chat(stage).find()->setText(text);
+            });
+        });
+    };
+    const auto everywhere = [talk](const QString &query, bool indexed) {
+        return of(talk, [query, indexed](GalleryStage &stage) {
+            const auto search = [&stage]() -> ConversationSearch & {
+                return stage.program().application().search();
+            };
+            // The others are not told of: their texts cannot be had.
+            if (indexed)
+                stage.service().reply(u"/api/app/conversations"_s,
+                                      ConversationService::ListResp{{Fixtures::titles(1).first()}});
+            stage.until(u"what is read after the first frame"_s,
+                        [&stage] { return stage.visibleItem(u"WindowExtras"_s) != nullptr; });
+            stage.until(u"the open conversation in the index"_s, [search] { return search().coverage().total > 0; });
+            stage.then([&stage] { stage.scene().commands()->run(AppCommands::Command::FindEverywhere); });
+            stage.then([&stage, query] { stage.scene().search()->setQuery(query); });
+            stage.until(u"an answer"_s,
+                        [&stage, query] { return query.isEmpty() || !stage.scene().search()->statusText().isEmpty(); });
+        });
+    };
+    return {{u"chat-find"_s, find(u"茶"_s)},
+            {u"chat-find-two-words"_s, find(u"水 茶叶"_s)},
+            {u"chat-find-nothing"_s, find(u"咖啡"_s)},
+            {u"search-indexing"_s, everywhere(u"茶"_s, false)},
+            {u"search-empty"_s, everywhere({}, true)},
+            {u"search-nothing"_s, everywhere(u"咖啡"_s, false)},
+            {u"search-smallest-window"_s, everywhere(u"水"_s, false), {920, 600}}};
+}
+
+QList<GalleryScene> ChatScenes::speaking() {
+    const auto speak = [](std::function<void(GalleryService &)> serve, bool ends) {
+        return of(withMemories(), [serve = std::move(serve), ends](GalleryStage &stage) {
+            serve(stage.service());
+            stage.until(u"the messages"_s, [&stage] { return chat(stage).messages()->rowCount() > 0; });
+            stage.then([&stage] { chat(stage).speech()->toggle(u"a"_s); });
+            stage.until(u"the reading"_s, [&stage, ends] {
+                return ends ? !chat(stage).speech()->note().isEmpty() : chat(stage).speech()->speaking();
+            });
+        });
+    };
+    const auto refuse = [](GalleryService &service) {
+        service.refuse(u"/api/tts"_s, 503, u"tts_unavailable"_s, u"没有装。"_s);
+    };
+    const auto noAudio = [](GalleryService &service) {
+        service.reply(u"/api/tts"_s, TTSPlayer::TtsResp{.audio = u"AAAA"_s, .encoding = u"midi"_s, .voice = {}});
+    };
+    return {{u"speech-preparing"_s, speak([](GalleryService &service) { service.stall(u"/api/tts"_s); }, false)},
+            {u"speech-unavailable"_s, speak(refuse, true)},
+            {u"speech-not-played"_s, speak(noAudio, true)}};
+}
+
 QList<GalleryScene> ChatScenes::all() {
-    return texts() + turns() + states() + drafts() + ways();
+    return texts() + turns() + states() + drafts() + ways() + finding() + speaking();
 }
 
 } // namespace lmp

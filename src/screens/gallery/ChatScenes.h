@@ -15,6 +15,8 @@ private:
     static QList<GalleryScene> states();
     static QList<GalleryScene> drafts();
     static QList<GalleryScene> ways();
+    static QList<GalleryScene> finding();
+    static QList<GalleryScene> speaking();
 };
 
 } // namespace lmp

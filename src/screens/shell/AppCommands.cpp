@@ -10,7 +10,9 @@ const QList<AppCommands::Entry> &AppCommands::table() {
     static const QList<Entry> entries{
         {Command::NewConversation, u"新对话"_s, u"plus"_s, {u"Ctrl+N"_s}},
         {Command::NewIncognito, u"新的无痕对话"_s, u"incognito"_s, {}},
-        {Command::Find, u"在对话列表里查找"_s, u"search"_s, {u"Ctrl+F"_s}},
+        {Command::Find, u"在这段对话里查找"_s, u"search"_s, {u"Ctrl+F"_s}},
+        {Command::FindEverywhere, u"在所有对话里查找"_s, u"search"_s, {u"Ctrl+Shift+F"_s}},
+        {Command::FindList, u"在对话列表里查找"_s, u"search"_s, {}},
         {Command::Switcher, u"快速切换"_s, {}, {u"Ctrl+K"_s}},
         {Command::TabNow, u"当下"_s, u"now"_s, {u"Ctrl+1"_s}},
         {Command::TabSocial, u"社交"_s, u"social"_s, {u"Ctrl+2"_s}},

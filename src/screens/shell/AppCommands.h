@@ -19,6 +19,8 @@ public:
         NewConversation,
         NewIncognito,
         Find,
+        FindEverywhere,
+        FindList,
         Switcher,
         TabNow,
         TabSocial,

@@ -117,8 +117,19 @@ MenuBar {
 
         MenuItem {
             shortcut: "Ctrl+F"
-            text: "在对话列表里查找"
+            text: "在这段对话里查找"
             onTriggered: root.scene.commands.run(AppCommands.Find)
+        }
+
+        MenuItem {
+            shortcut: "Ctrl+Shift+F"
+            text: "在所有对话里查找"
+            onTriggered: root.scene.commands.run(AppCommands.FindEverywhere)
+        }
+
+        MenuItem {
+            text: "在对话列表里查找"
+            onTriggered: root.scene.commands.run(AppCommands.FindList)
         }
     }
 

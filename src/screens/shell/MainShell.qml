@@ -109,7 +109,7 @@ FocusScope {
     Connections {
         function onTriggered(command: int): void {
             switch (command) {
-            case AppCommands.Find:
+            case AppCommands.FindList:
                 root.find();
                 break;
             case AppCommands.NextPane:

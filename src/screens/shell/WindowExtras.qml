@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Lumenpair.Chat
 import Lumenpair.Shell
 
 /// What every window has besides its screen: keys, menus, the quick switcher and the questions that are asked anywhere.
@@ -17,6 +18,16 @@ T.Control {
                 model: root.scene.switcher
             });
         (switcher.item as QuickSwitcher).open();
+    }
+
+    function openSearch(): void {
+        if (root.scene.search === null)
+            return;
+        if (search.status === Loader.Null)
+            search.setSource("qrc:/qt/qml/Lumenpair/Chat/SearchSheet.qml", {
+                model: root.scene.search
+            });
+        (search.item as SearchSheet).open();
     }
 
     function tie(key: WindowKey): void {
@@ -42,6 +53,10 @@ T.Control {
 
     Loader {
         id: switcher
+    }
+
+    Loader {
+        id: search
     }
 
     Loader {
@@ -76,6 +91,8 @@ T.Control {
         function onTriggered(command: int): void {
             if (command === AppCommands.Switcher)
                 root.openSwitcher();
+            else if (command === AppCommands.FindEverywhere)
+                root.openSearch();
         }
 
         target: root.scene.commands

@@ -3,9 +3,12 @@
 #include "app/Application.h"
 #include "core/Detach.h"
 
+#include <QTimer>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using Command = AppCommands::Command;
 
 WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting, QObject *parent)
@@ -28,6 +31,8 @@ void WindowScene::adopt(SharedModels &shared) {
     m_chat = std::make_unique<ChatModel>(application);
     m_conversations = std::make_unique<ConversationListModel>(application);
     m_conversations->follow(m_chat.get());
+    m_search = std::make_unique<ConversationSearchModel>(application.search());
+    connect(m_search.get(), &ConversationSearchModel::chosen, this, &WindowScene::openMessage);
     adoptLedger(application);
     connect(&shared.root, &RootView::stageChanged, this, &WindowScene::settleStage);
     Q_EMIT adopted();
@@ -162,9 +167,27 @@ void WindowScene::enterShell() {
     if (m_stage != Stage::Shell)
         return;
     m_conversations->refresh();
+    indexWhenIdle();
     // A link may have opened one already.
     if (m_chat->conversationId().isEmpty())
         m_chat->begin();
+}
+
+void WindowScene::indexWhenIdle() {
+    // What a person waits for at the start goes first.
+    QTimer::singleShot(3s, this, [this] {
+        if (m_stage == Stage::Shell)
+            m_shared->application.search().refresh();
+    });
+}
+
+void WindowScene::openMessage(const QString &conversationId, const QString &messageId, const QString &query) {
+    if (conversationId == m_chat->conversationId()) {
+        m_navigation.setTab(WindowNavigation::Tab::Now);
+        m_chat->loadAt(conversationId, messageId, query);
+    } else
+        replaceConversation(
+            [this, conversationId, messageId, query] { m_chat->loadAt(conversationId, messageId, query); });
 }
 
 void WindowScene::stepConversation(int step) {
@@ -186,6 +209,9 @@ void WindowScene::onCommand(Command command) {
         return m_navigation.setTab(WindowNavigation::Tab(int(command) - int(Command::TabNow)));
     case Command::Settings:
         return m_navigation.openSection(WindowNavigation::Section::Account);
+    case Command::Find:
+        m_navigation.setTab(WindowNavigation::Tab::Now);
+        return m_chat->find()->begin();
     case Command::Larger:
         return m_appearance.larger();
     case Command::Smaller:

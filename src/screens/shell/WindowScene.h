@@ -12,6 +12,7 @@
 #include "screens/account/CrisisResourcesModel.h"
 #include "screens/chat/ChatModel.h"
 #include "screens/chat/ConversationListModel.h"
+#include "screens/chat/ConversationSearchModel.h"
 #include "screens/memory/MemoryLedgerModel.h"
 
 namespace lmp {
@@ -52,6 +53,7 @@ class WindowScene : public QObject {
     Q_PROPERTY(lmp::CrisisResourcesModel *crisis READ crisis NOTIFY adopted)
     Q_PROPERTY(lmp::ChatModel *chat READ chat NOTIFY adopted)
     Q_PROPERTY(lmp::ConversationListModel *conversations READ conversations NOTIFY adopted)
+    Q_PROPERTY(lmp::ConversationSearchModel *search READ search NOTIFY adopted)
     Q_PROPERTY(lmp::MemoryLedgerModel *ledger READ ledger NOTIFY adopted)
 public:
     enum class Stage { Opening, Launch, SignedOut, Migration, Onboarding, HandleSetup, Shell };
@@ -89,6 +91,7 @@ public:
     CrisisResourcesModel *crisis() { return m_crisis.get(); }
     ChatModel *chat() { return m_chat.get(); }
     ConversationListModel *conversations() { return m_conversations.get(); }
+    ConversationSearchModel *search() { return m_search.get(); }
     MemoryLedgerModel *ledger() { return m_ledger.get(); }
 
     /// Tries again to find the service.
@@ -126,6 +129,8 @@ private:
     /// Goes to another conversation, after asking where the one that is open would be lost.
     void replaceConversation(std::function<void()> how);
     void stepConversation(int step);
+    void openMessage(const QString &conversationId, const QString &messageId, const QString &query);
+    void indexWhenIdle();
     void adoptLedger(Application &application);
     /// Keeps everything typed in this window. @return false when something could be lost
     QCoro::Task<bool> preserve();
@@ -140,6 +145,7 @@ private:
     std::unique_ptr<CrisisResourcesModel> m_crisis;
     std::unique_ptr<ChatModel> m_chat;
     std::unique_ptr<ConversationListModel> m_conversations;
+    std::unique_ptr<ConversationSearchModel> m_search;
     std::unique_ptr<MemoryLedgerModel> m_ledger;
     LocalInputRegistry::Registration m_memoryInput;
     Stage m_stage = Stage::Opening;

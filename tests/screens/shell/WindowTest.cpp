@@ -101,6 +101,10 @@ TEST_F(WindowTest, EverythingIsReachedByKeys) {
     EXPECT_EQ(navigation->tab(), Tab::Social);
     window.key(Qt::Key_1, Qt::ControlModifier);
     window.key(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(focused(u"ChatFindBar"_s));
+    window.key(Qt::Key_Escape);
+    EXPECT_TRUE(focused(u"LMPComposer"_s));
+    window.scene().commands()->run(AppCommands::Command::FindList);
     EXPECT_TRUE(focused(u"ConversationList"_s));
     window.key(Qt::Key_F6);
     EXPECT_TRUE(focused(u"ChatPage"_s));

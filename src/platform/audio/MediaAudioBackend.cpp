@@ -1,0 +1,84 @@
+#include "platform/audio/MediaAudioBackend.h"
+
+#include <QAudioDevice>
+#include <QAudioOutput>
+#include <QBuffer>
+#include <QMediaDevices>
+#include <QMediaPlayer>
+#include <QTimer>
+#include <QUrl>
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A player that neither plays nor complains: a decoder that waits for more, a device that takes nothing.
+constexpr int longestSilence = 10'000; ///< ms
+
+class MediaPiece : public AudioBackend::Player {
+public:
+    MediaPiece(const QByteArray &audio, const QString &format, std::function<void(AudioBackend::End)> ended)
+        : m_ended(std::move(ended)) {
+        using End = AudioBackend::End;
+        m_bytes.setData(audio);
+        m_bytes.open(QIODevice::ReadOnly);
+        m_silence.setSingleShot(true);
+        m_silence.setInterval(longestSilence);
+        QObject::connect(&m_silence, &QTimer::timeout, &m_here,
+                         [this] { end(m_heard ? End::interrupted : End::unplayable); });
+        if (QMediaDevices::defaultAudioOutput().isNull()) {
+            QMetaObject::invokeMethod(&m_here, [this] { end(End::unplayable); }, Qt::QueuedConnection);
+            return;
+        }
+        QObject::connect(&m_devices, &QMediaDevices::audioOutputsChanged, &m_here, [this] {
+            if (QMediaDevices::defaultAudioOutput().isNull())
+                end(End::interrupted);
+        });
+        QObject::connect(&m_player, &QMediaPlayer::errorOccurred, &m_here,
+                         [this] { end(m_heard ? End::interrupted : End::unplayable); });
+        QObject::connect(&m_player, &QMediaPlayer::positionChanged, &m_here, [this](qint64 position) {
+            m_heard = m_heard || position > 0;
+            m_silence.start();
+        });
+        QObject::connect(&m_player, &QMediaPlayer::mediaStatusChanged, &m_here,
+                         [this](QMediaPlayer::MediaStatus status) {
+                             if (status == QMediaPlayer::EndOfMedia)
+                                 end(End::finished);
+                             else if (status == QMediaPlayer::InvalidMedia)
+                                 end(End::unplayable);
+                         });
+        m_player.setAudioOutput(&m_output);
+        m_player.setSourceDevice(&m_bytes, QUrl(u"speech."_s + format));
+        m_player.play();
+        m_silence.start();
+    }
+
+private:
+    void end(AudioBackend::End how) {
+        m_silence.stop();
+        // Not from inside the player's own signal: whoever hears of it lets go of all this.
+        if (m_ended)
+            QMetaObject::invokeMethod(
+                &m_here, [how, ended = std::exchange(m_ended, nullptr)] { ended(how); }, Qt::QueuedConnection);
+    }
+
+    std::function<void(AudioBackend::End)> m_ended;
+    bool m_heard = false;
+    QBuffer m_bytes;
+    QTimer m_silence;
+    QMediaDevices m_devices;
+    QAudioOutput m_output;
+    QMediaPlayer m_player;
+    QObject m_here; ///< last: when it is gone, nobody reports any more
+};
+
+} // namespace
+
+std::unique_ptr<AudioBackend::Player> MediaAudioBackend::play(const QByteArray &audio, const QString &format,
+                                                              std::function<void(End)> ended) {
+    return std::make_unique<MediaPiece>(audio, format, std::move(ended));
+}
+
+} // namespace lmp
