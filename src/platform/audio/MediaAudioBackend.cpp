@@ -32,26 +32,28 @@ public:
             QMetaObject::invokeMethod(&m_here, [this] { end(End::unplayable); }, Qt::QueuedConnection);
             return;
         }
+        m_output = std::make_unique<QAudioOutput>();
+        m_player = std::make_unique<QMediaPlayer>();
         QObject::connect(&m_devices, &QMediaDevices::audioOutputsChanged, &m_here, [this] {
             if (QMediaDevices::defaultAudioOutput().isNull())
                 end(End::interrupted);
         });
-        QObject::connect(&m_player, &QMediaPlayer::errorOccurred, &m_here,
+        QObject::connect(m_player.get(), &QMediaPlayer::errorOccurred, &m_here,
                          [this] { end(m_heard ? End::interrupted : End::unplayable); });
-        QObject::connect(&m_player, &QMediaPlayer::positionChanged, &m_here, [this](qint64 position) {
+        QObject::connect(m_player.get(), &QMediaPlayer::positionChanged, &m_here, [this](qint64 position) {
             m_heard = m_heard || position > 0;
             m_silence.start();
         });
-        QObject::connect(&m_player, &QMediaPlayer::mediaStatusChanged, &m_here,
+        QObject::connect(m_player.get(), &QMediaPlayer::mediaStatusChanged, &m_here,
                          [this](QMediaPlayer::MediaStatus status) {
                              if (status == QMediaPlayer::EndOfMedia)
                                  end(End::finished);
                              else if (status == QMediaPlayer::InvalidMedia)
                                  end(End::unplayable);
                          });
-        m_player.setAudioOutput(&m_output);
-        m_player.setSourceDevice(&m_bytes, QUrl(u"speech."_s + format));
-        m_player.play();
+        m_player->setAudioOutput(m_output.get());
+        m_player->setSourceDevice(&m_bytes, QUrl(u"speech."_s + format));
+        m_player->play();
         m_silence.start();
     }
 
@@ -69,12 +71,20 @@ private:
     QBuffer m_bytes;
     QTimer m_silence;
     QMediaDevices m_devices;
-    QAudioOutput m_output;
-    QMediaPlayer m_player;
+    std::unique_ptr<QAudioOutput> m_output; ///< made where there is a device to play on
+    std::unique_ptr<QMediaPlayer> m_player;
     QObject m_here; ///< last: when it is gone, nobody reports any more
 };
 
 } // namespace
+
+MediaAudioBackend::MediaAudioBackend() {
+#ifdef Q_OS_LINUX
+    // The other one that Qt 6.4 has there dies of a missing plugin of GStreamer's; this one brings its own decoders.
+    if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND"))
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+#endif
+}
 
 std::unique_ptr<AudioBackend::Player> MediaAudioBackend::play(const QByteArray &audio, const QString &format,
                                                               std::function<void(End)> ended) {

@@ -12,6 +12,7 @@ class MediaAudioBackend : public QObject, public AudioBackend {
     Q_PLUGIN_METADATA(IID LMP_AUDIO_BACKEND)
     Q_INTERFACES(lmp::AudioBackend)
 public:
+    MediaAudioBackend();
     std::unique_ptr<Player> play(const QByteArray &audio, const QString &format,
                                  std::function<void(End)> ended) override;
 };
