@@ -22,12 +22,14 @@ public:
     MediaPiece(const QByteArray &audio, const QString &format, std::function<void(AudioBackend::End)> ended)
         : m_ended(std::move(ended)) {
         using End = AudioBackend::End;
-        m_bytes.setData(audio);
-        m_bytes.open(QIODevice::ReadOnly);
+        m_bytes->setData(audio);
+        m_bytes->open(QIODevice::ReadOnly);
         m_silence.setSingleShot(true);
         m_silence.setInterval(longestSilence);
-        QObject::connect(&m_silence, &QTimer::timeout, &m_here,
-                         [this] { end(m_heard ? End::interrupted : End::unplayable); });
+        QObject::connect(&m_silence, &QTimer::timeout, &m_here, [this] {
+            m_stuck = true;
+            end(m_heard ? End::interrupted : End::unplayable);
+        });
         if (QMediaDevices::defaultAudioOutput().isNull()) {
             QMetaObject::invokeMethod(&m_here, [this] { end(End::unplayable); }, Qt::QueuedConnection);
             return;
@@ -52,10 +54,22 @@ public:
                                  end(End::unplayable);
                          });
         m_player->setAudioOutput(m_output.get());
-        m_player->setSourceDevice(&m_bytes, QUrl(u"speech."_s + format));
+        m_player->setSourceDevice(m_bytes.get(), QUrl(u"speech."_s + format));
         m_player->play();
         m_silence.start();
     }
+
+    /// A player whose device is dead waits for it in its destructor, for ever: it is left behind.
+    ~MediaPiece() override {
+        if (!m_stuck)
+            return;
+        m_player->disconnect();
+        static_cast<void>(m_player.release());
+        static_cast<void>(m_output.release());
+        static_cast<void>(m_bytes.release());
+    }
+    MediaPiece(const MediaPiece &) = delete;
+    MediaPiece &operator=(const MediaPiece &) = delete;
 
 private:
     void end(AudioBackend::End how) {
@@ -68,7 +82,8 @@ private:
 
     std::function<void(AudioBackend::End)> m_ended;
     bool m_heard = false;
-    QBuffer m_bytes;
+    std::unique_ptr<QBuffer> m_bytes = std::make_unique<QBuffer>();
+    bool m_stuck = false;
     QTimer m_silence;
     QMediaDevices m_devices;
     std::unique_ptr<QAudioOutput> m_output; ///< made where there is a device to play on
