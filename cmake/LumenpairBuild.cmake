@@ -21,7 +21,7 @@ find_program(LMP_CCACHE ccache)
 if(LMP_CCACHE)
   # The slack is what a precompiled header needs to be cached at all.
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
-      CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+      CCACHE_SLOPPINESS=pch_defines,time_macros
       CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${LMP_CCACHE})
 endif()
 

@@ -16,7 +16,10 @@ using namespace Qt::StringLiterals;
 class CrisisResourcesServiceTest : public ::testing::Test {
 protected:
     CrisisResourcesServiceTest() {
-        DecodeFailureSink::install([this](const QString &, const QString &, int) { ++reports; });
+        DecodeFailureSink::install([this](const QString &endpoint, const QString &, int) {
+            // What an earlier test made arrives late.
+            reports += endpoint.contains(u"crisis"_s);
+        });
     }
     ~CrisisResourcesServiceTest() override { DecodeFailureSink::install({}); }
     Result<CrisisResourcesService::Resp> load(const QString &region) {
