@@ -25,7 +25,7 @@ struct SandboxOptions {
     std::string modelKey;
     std::string modelName;
     std::string speechProgram = "espeak-ng"; ///< what speaks; nothing does where it is not installed
-    std::function<std::int64_t()> clock; ///< milliseconds since 1970; the system's when empty
+    std::function<std::int64_t()> clock;     ///< milliseconds since 1970; the system's when empty
 
     /// What the command line may ask for instead of running.
     enum class Request { help, version };

@@ -52,7 +52,8 @@ TEST_F(SpeechRoutesTest, AProgramThatDoesNotDoWell) {
     EXPECT_EQ(outcome("exit 1").failure, Failure::failed);
     EXPECT_EQ(outcome("echo no sound").failure, Failure::failed);
     EXPECT_EQ(outcome("exec sleep 600", 50).failure, Failure::failed) << "it is not waited for";
-    const std::string header = "printf 'RIFF\\377\\377\\377\\177WAVEfmt ....................data\\377\\377\\377\\177'; ";
+    const std::string header =
+        "printf 'RIFF\\377\\377\\377\\177WAVEfmt ....................data\\377\\377\\377\\177'; ";
     EXPECT_EQ(outcome(header + "cat; exit 3").failure, Failure::failed) << "cut off";
     const auto whole = outcome(header + "cat");
     ASSERT_FALSE(whole.failure);

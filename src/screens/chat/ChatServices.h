@@ -1,8 +1,8 @@
 #pragma once
 
 #include "conversation/ChatWithTwinView.h"
-#include "conversation/TTSPlayer.h"
 #include "conversation/ConversationInputDraftStore.h"
+#include "conversation/TTSPlayer.h"
 #include "platform/ExternalOpener.h"
 
 namespace lmp {

@@ -94,8 +94,7 @@ TEST(AppCommandsTest, TheTableIsWhole) {
     }
     EXPECT_EQ(keys.removeDuplicates(), 0);
     std::vector<AppCommands::Command> run;
-    QObject::connect(&commands, &AppCommands::triggered,
-                     [&](AppCommands::Command command) { run.push_back(command); });
+    QObject::connect(&commands, &AppCommands::triggered, [&](AppCommands::Command command) { run.push_back(command); });
     commands.run(AppCommands::Command::NewConversation);
     commands.run(AppCommands::Command::Quit);
     commands.setShellShown(true);
