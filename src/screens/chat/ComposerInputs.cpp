@@ -200,8 +200,14 @@ QList<ComposerInputs::Write> ComposerInputs::dirty(bool last) {
 }
 
 QList<ComposerInputs::Write> ComposerInputs::written(const ConversationInputDraftStore &store, QList<Write> writes) {
+    QHash<QString, StoreError> refused;
     for (Write &write : writes) {
         const QString account = write.account.value_or(QString());
+        // What is removed may be what could not be written elsewhere; a disk without room still removes.
+        if (write.entry.input.isEmpty() && refused.contains(account)) {
+            write.error = refused.value(account);
+            continue;
+        }
         const auto saved = store.save(account, write.entry, *write.writeId, write.now);
         if (saved) {
             write.written = *write.writeId = *saved;
@@ -211,7 +217,9 @@ QList<ComposerInputs::Write> ComposerInputs::written(const ConversationInputDraf
         if (saved.error() == StoreError::changedElsewhere && write.entry.input.isEmpty())
             continue;
         write.error = saved.error();
-        if (saved.error() == StoreError::changedElsewhere && !write.copy)
+        if (saved.error() != StoreError::changedElsewhere)
+            refused.insert(account, saved.error());
+        else if (!write.copy)
             write.theirs = store.read(account, write.entry.id).value_or(std::nullopt);
     }
     return writes;

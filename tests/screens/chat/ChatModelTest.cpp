@@ -260,6 +260,24 @@ TEST_F(ChatModelTest, WhatTheDiskRefusedFollowsItsAccount) {
     EXPECT_EQ(chat->input(), u"秘密"_s);
 }
 
+TEST_F(ChatModelTest, WhatCannotMoveStaysWhereItWas) {
+    load(u"a"_s);
+    chat->setInput(u"短的"_s);
+    ASSERT_TRUE(await(chat->preserve()));
+    chat->setInput(QString(2'000'001, u'x'));
+    EXPECT_FALSE(await(chat->preserve()));
+    chat->saveAsNew();
+    EXPECT_FALSE(await(chat->preserve()));
+    const QDir kept(folder.filePath(u"UnsentInput/v1"_s));
+    QByteArray all;
+    for (const QString &name : kept.entryList({u"*.json"_s})) {
+        QFile file(kept.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        all += file.readAll();
+    }
+    EXPECT_TRUE(all.contains("短的"));
+}
+
 TEST_F(ChatModelTest, QuittingIsHeldUpByADiskThatRefuses) {
     ASSERT_TRUE(QDir(folder.filePath(u"UnsentInput"_s)).removeRecursively());
     ASSERT_TRUE(QFile(folder.filePath(u"UnsentInput"_s)).open(QIODevice::WriteOnly));

@@ -31,7 +31,11 @@ protected:
         server.on(historyPath, StubServer::reply(200, history("r1", "喜欢江边")));
         restart();
     }
-    ~MemoryLedgerFixture() override { settle(); }
+    ~MemoryLedgerFixture() override {
+        // A request that nobody waits for would be left behind with its coroutine.
+        eventually([this] { return !ledger || !ledger->refreshing(); });
+        settle();
+    }
 
     /// The program again, on the same disk.
     void restart() {

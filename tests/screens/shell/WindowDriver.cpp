@@ -58,7 +58,8 @@ bool WindowDriver::enterShell() {
             root->finishOnboarding();
             root->finishHandleSetup();
         }
-        return scene().stage() == WindowScene::Stage::Shell && scene().chat()->isOpen() && find(u"ChatPage"_s);
+        return scene().stage() == WindowScene::Stage::Shell && scene().chat()->isOpen() &&
+               (find(u"ChatPage"_s) || find(u"UnavailablePage"_s));
     });
 }
 
