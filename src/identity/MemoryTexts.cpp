@@ -180,6 +180,10 @@ QString MemoryTexts::importCut(qsizetype taken, qsizetype all) {
     return u"这段文本有 "_s + QString::number(all) + u" 段，一次只读前 "_s + QString::number(taken) + u" 段。"_s;
 }
 
+QString MemoryTexts::importRest(qsizetype count) {
+    return u"还有 "_s + QString::number(count) + u" 段没有扫描，文本还在，可以接着扫。"_s;
+}
+
 QString MemoryTexts::extractNote() {
     return u"整理会调用 AI，并按实际消耗结算 Pip。候选记忆需你确认后保存。"_s;
 }

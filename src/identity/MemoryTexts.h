@@ -65,6 +65,8 @@ public:
     static QString importSupersededItems(qsizetype count);
     static QString importWritten(qsizetype count);
     /// @param taken, all pieces of a text that has more than are read at once
+    /// After an import of a longer text: what of it waits.
+    static QString importRest(qsizetype count);
     static QString importCut(qsizetype taken, qsizetype all);
 
     // Candidates from a chat.

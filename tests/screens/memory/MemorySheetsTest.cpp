@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <sys/stat.h>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -190,7 +192,42 @@ TEST_F(MemorySheetsTest, AnImportWritesWhatIsPickedOneAfterAnother) {
     EXPECT_EQ(importer().results(),
               (QStringList{u"写进了 2 条。"_s, u"1 条没写进去，仍留在隔离区——记忆账本的「等你确认」里能再试。"_s,
                            u"2 条取代了你更早的记忆——旧的仍留在账本里，标着「已被取代」。"_s}));
-    EXPECT_TRUE(importer().text().isEmpty());
+    // 20 lines were never read by anybody.
+    const QString rest = u"一\n二\n"_s.repeated(10);
+    EXPECT_EQ(importer().text(), rest);
+    EXPECT_EQ(importer().restText(), u"还有 20 段没有扫描，文本还在，可以接着扫。"_s);
+    importer().open();
+    EXPECT_EQ(importer().step(), MemoryImportModel::Step::Text);
+    ASSERT_TRUE(await(ledger->preserve()));
+    restart();
+    ASSERT_TRUE(eventually([&] { return importer().text() == rest; }));
+}
+
+TEST_F(MemorySheetsTest, WhatIsReadStaysWhatWasSeen) {
+    QFile file(folder.filePath(u"chat.txt"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("文件里的");
+    file.close();
+    importer().setSource(MemoryImportModel::Source::Manual);
+    importer().setText(u"自己写的"_s);
+    importer().setSource(MemoryImportModel::Source::ChatFile);
+    importer().setText(u"聊天里的\n"_s.repeated(61));
+    hold(extractPath);
+    importer().readFile(file.fileName()); // arrives when the reading has begun
+    importer().scan();
+    ASSERT_TRUE(eventually([&] { return held && !importer().errorText().isEmpty(); }));
+    importer().readFile(file.fileName());
+    importer().setText(u"别的"_s);
+    importer().setSource(MemoryImportModel::Source::Manual);
+    EXPECT_EQ(importer().source(), MemoryImportModel::Source::ChatFile);
+    release(200, R"({"candidates":[]})");
+    ASSERT_TRUE(eventually([&] { return !importer().scanning(); }));
+    EXPECT_EQ(importer().text(), u"聊天里的\n"_s.repeated(61));
+    importer().goOn();
+    EXPECT_EQ(importer().step(), MemoryImportModel::Step::Text);
+    EXPECT_EQ(importer().text(), u"聊天里的\n"_s);
+    importer().setSource(MemoryImportModel::Source::Manual);
+    EXPECT_EQ(importer().text(), u"自己写的"_s);
 }
 
 TEST_F(MemorySheetsTest, AnImportThatFindsOrWritesNothingSaysSo) {
@@ -237,8 +274,13 @@ TEST_F(MemorySheetsTest, AFileIsTakenWhenItIsText) {
         EXPECT_EQ(importer().text(), text);
         EXPECT_EQ(importer().errorText().isEmpty(), !text.isEmpty());
     }
-    importer().readFile(folder.filePath(u"none"_s));
-    ASSERT_TRUE(eventually([&] { return importer().errorText().startsWith(u"这个文件打不开"_s); }));
+    const QString pipe = folder.filePath(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &none : {folder.filePath(u"none"_s), folder.path(), pipe}) {
+        importer().discard();
+        importer().readFile(none);
+        EXPECT_TRUE(eventually([&] { return importer().errorText() == u"这个文件打不开："_s + none; }));
+    }
 }
 
 } // namespace lmp
