@@ -200,6 +200,10 @@ QString MemoryTexts::extractFailed() {
     return u"整理未完成，请稍后重试。"_s;
 }
 
+QString MemoryTexts::extractLeft(qsizetype count) {
+    return u"还有 "_s + QString::number(count) + u" 条消息没有整理，可以接着整理。"_s;
+}
+
 QString MemoryTexts::extractIncognito() {
     return u"无痕对话不记记忆，不能整理。"_s;
 }

@@ -74,6 +74,8 @@ public:
     static QString extractNothingNew();
     static QString extractNoCandidates();
     static QString extractFailed();
+    /// Of a conversation that is longer than what is read at once.
+    static QString extractLeft(qsizetype count);
     static QString extractIncognito();
     /// @param amount Pip
     static QString extractCost(qint64 amount);
