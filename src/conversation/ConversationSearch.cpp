@@ -44,7 +44,7 @@ ConversationSearch::ConversationSearch(ConversationService service, Conversation
     , m_support(std::move(support))
     , m_scope(std::move(scope))
     , m_clock(clock)
-    , m_owner(owner()) {
+    , m_owner(m_account.owner()) {
     m_pool.setMaxThreadCount(1);
     open();
 }
@@ -57,10 +57,6 @@ ConversationSearch::~ConversationSearch() {
 template <class F>
 auto ConversationSearch::onIndex(F work) {
     return PoolAwaiter([index = m_index, work = std::move(work)] { return work(*index); }, &m_pool);
-}
-
-QString ConversationSearch::owner() const {
-    return m_account.key() + u'\n' + m_account.signIn();
 }
 
 void ConversationSearch::open() {
@@ -77,7 +73,7 @@ void ConversationSearch::open() {
 }
 
 void ConversationSearch::recheckAccount() {
-    const QString now = owner();
+    const QString now = m_account.owner();
     if (std::exchange(m_owner, now) == now)
         return;
     ++m_generation;

@@ -97,7 +97,6 @@ private:
     void settle(const QString &id);
     void count();
     void setTrouble(const QString &trouble);
-    QString owner() const;
 
     ConversationService m_service;
     ConversationDraftCache m_drafts;

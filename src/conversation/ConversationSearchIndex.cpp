@@ -1,7 +1,7 @@
 #include "conversation/ConversationSearchIndex.h"
 
 #include "conversation/SearchExcerpt.h"
-#include "conversation/SearchFold.h"
+#include "core/SearchFold.h"
 #include "conversation/SearchGrams.h"
 #include "platform/Log.h"
 

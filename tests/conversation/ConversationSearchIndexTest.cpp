@@ -1,6 +1,6 @@
 #include "conversation/ConversationSearchIndex.h"
 #include "conversation/SearchExcerpt.h"
-#include "conversation/SearchFold.h"
+#include "core/SearchFold.h"
 
 #include <gtest/gtest.h>
 
