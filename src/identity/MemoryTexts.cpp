@@ -60,6 +60,10 @@ QString MemoryTexts::notDone(const QString &what, const QString &reason) {
     return u"没能"_s + what + u"："_s + reason;
 }
 
+QString MemoryTexts::outcomeUnknown() {
+    return u"没有收到确认，不知道做没做成。正在重新读取账本，以账本里的为准。"_s;
+}
+
 QString MemoryTexts::candidateNotConfirmed() {
     return u"没记下来，稍后再试——这条仍在「等你确认」里。"_s;
 }

@@ -27,6 +27,8 @@ public:
     static QString restored();
     /// @param what was tried: "冻结", "忘记"; @param reason of the service
     static QString notDone(const QString &what, const QString &reason);
+    /// Of what may have been done or not.
+    static QString outcomeUnknown();
     static QString candidateNotConfirmed();
     static QString candidateConfirmed();
 

@@ -148,7 +148,7 @@ void MemoryImportModel::scan() {
 QCoro::Task<> MemoryImportModel::scanNow() {
     const QPointer self(this);
     const auto generation = m_generation;
-    const QString owner = m_services.account.key();
+    const QString owner = m_services.account.owner();
     const auto answer = co_await m_services.service.extract(MemoryImport::messages(m_text));
     if (!self || !isStill(generation, owner))
         co_return;
@@ -172,7 +172,7 @@ QCoro::Task<> MemoryImportModel::scanNow() {
 bool MemoryImportModel::isStill(quint64 generation, const QString &owner) {
     if (m_generation != generation)
         return false;
-    if (m_services.account.key() == owner)
+    if (m_services.account.isStill(owner))
         return true;
     drop(MemoryTexts::accountChanged());
     return false;
@@ -220,7 +220,7 @@ void MemoryImportModel::write() {
 QCoro::Task<> MemoryImportModel::writeNow() {
     const QPointer self(this);
     const auto generation = m_generation;
-    const QString owner = m_services.account.key();
+    const QString owner = m_services.account.owner();
     const auto rows = m_candidates.records();
     for (const auto &row : rows) {
         if (!row.picked)
