@@ -23,7 +23,6 @@ class MemoryLedgerModel : public QObject {
     Q_PROPERTY(lmp::MemoryCorrectionModel *correction READ correction CONSTANT)
     Q_PROPERTY(lmp::MemoryHistoryModel *history READ history CONSTANT)
     Q_PROPERTY(lmp::MemoryImportModel *importer READ importer CONSTANT)
-
     Q_PROPERTY(State state READ state NOTIFY changed)
     /// Asked for anew while there is something to show.
     Q_PROPERTY(bool refreshing READ refreshing NOTIFY changed)
@@ -38,7 +37,6 @@ class MemoryLedgerModel : public QObject {
     Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
     /// What is typed and could not be kept.
     Q_PROPERTY(QString inputNotice READ inputNotice NOTIFY changed)
-
     Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY queryChanged)
     Q_PROPERTY(int tier READ tier WRITE setTier NOTIFY queryChanged)
     Q_PROPERTY(QList<QString> tiers READ tiers CONSTANT)
