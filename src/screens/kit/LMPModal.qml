@@ -79,7 +79,7 @@ T.Popup {
 
     onActiveFocusChanged: {
         if (root.held && !root.activeFocus)
-            Qt.callLater(root.keepKeyboard);
+            Qt.callLater(root.keepKeyboard); // qmllint disable type
     }
     onAboutToHide: root.held = false
     onAboutToShow: {
