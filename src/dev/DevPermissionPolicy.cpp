@@ -40,8 +40,14 @@ bool isSensitivePath(const QString &path, const QString &directory) {
     if (given.size() > DevPatterns::maxText || DevPatterns::isSensitive(given) ||
         DevPatterns::isSensitive(DevPathForms::clean(given, folder)))
         return true;
+    // Where it leads may be unknown to us alone: a long path of dots can be opened from its folder.
     const auto resolved = DevPathForms::resolved(given, folder);
-    return resolved && DevPatterns::isSensitive(*resolved);
+    return !resolved || DevPatterns::isSensitive(*resolved);
+}
+
+/// Whether a call of the tool is nothing without a command, so that one which cannot be read is hidden.
+bool runsCommands(const QString &tool) {
+    return tool.compare(QLatin1String("bash"), Qt::CaseInsensitive) == 0;
 }
 
 QString readOnlyReason(DevTools::Kind kind) {
@@ -86,7 +92,7 @@ Verdict DevPermissionPolicy::evaluate(const Call &call, DevMode mode, const QStr
         return {.outcome = Outcome::deny, .reason = readOnlyReason(kind)};
     if (kind != DevTools::Kind::bash)
         return allow;
-    if (command && command->hits(DevPatterns::isRisky))
+    if (command ? command->hits(DevPatterns::isRisky) : runsCommands(call.tool))
         return ask;
     if (mode == DevMode::full)
         return allow;
