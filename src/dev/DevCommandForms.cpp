@@ -55,8 +55,9 @@ std::string joined(Words words) {
 
 class Forms {
 public:
-    explicit Forms(std::string_view directory)
-        : m_directory(directory) {}
+    Forms(std::string_view directory, bool elsewhere)
+        : m_directory(directory)
+        , m_moved(elsewhere) {}
 
     void addWhole(std::string_view command);
     void read(std::string_view text, int depth);
@@ -74,8 +75,8 @@ private:
 
     std::string m_forms;
     std::string m_directory; ///< after the `cd`s so far
-    bool m_moved = false;
-    std::size_t m_read = 0; ///< bytes that were taken apart
+    bool m_moved;            ///< plain names are looked at as paths too
+    std::size_t m_read = 0;  ///< bytes that were taken apart
     bool m_bearable = true;
 };
 
@@ -199,8 +200,8 @@ void Forms::moveTo(Words words) {
 
 } // namespace
 
-std::optional<std::string> DevCommandForms::of(std::string_view command, std::string_view directory) {
-    Forms forms(directory);
+std::optional<std::string> DevCommandForms::of(std::string_view command, std::string_view directory, bool elsewhere) {
+    Forms forms(directory, elsewhere);
     forms.addWhole(command);
     forms.read(command, 0);
     if (!forms.isBearable())
