@@ -25,8 +25,8 @@ public:
         const std::scoped_lock guard(m_lock);
         if (m_over)
             return Pushed::Over;
-        if (!m_items.empty() && m_load + weight > m_capacity) {
-            m_refused = true;
+        if (!fits(weight)) {
+            refuse(weight);
             return Pushed::Full;
         }
         m_items.push_back({std::move(item), weight});
@@ -41,10 +41,11 @@ public:
     }
 
     /// @return false when there is room already
-    bool waitForRoom(std::coroutine_handle<> handle) {
+    bool waitForRoom(std::coroutine_handle<> handle, std::size_t weight) {
         const std::scoped_lock guard(m_lock);
-        if (m_over || !m_refused)
+        if (m_over || fits(weight))
             return false;
+        refuse(weight);
         m_producer.wait(handle);
         return true;
     }
@@ -84,7 +85,7 @@ public:
         m_load -= m_items.front().weight;
         m_items.pop_front();
         // Not at the first free place: the two threads would then wake each other for every single item.
-        if (m_refused && m_load <= m_capacity / 2)
+        if (m_refused && m_load <= m_capacity / 2 && fits(m_wanted))
             tellProducer(guard);
         return item;
     }
@@ -115,6 +116,15 @@ private:
         std::size_t weight;
     };
 
+    /// An empty channel takes anything, and any channel takes what weighs nothing.
+    bool fits(std::size_t weight) const { return weight == 0 || m_items.empty() || m_load + weight <= m_capacity; }
+    void refuse(std::size_t weight) {
+        m_refused = true;
+        // Whoever waits knows what it waits for; a push beside it does not change that.
+        if (!m_producer.isWaiting())
+            m_wanted = weight;
+    }
+
     void wakeConsumer() {
         m_consumer.post([state = this->shared_from_this()] { state->resumeConsumer(); });
     }
@@ -138,8 +148,11 @@ private:
     }
     void resumeProducer() {
         std::unique_lock guard(m_lock);
-        if (!m_over && m_refused)
+        // What was pushed beside it since may have taken the room again; it will not ask a second time.
+        if (!m_over && !fits(m_wanted)) {
+            m_refused = true;
             return m_producer.keepWaiting();
+        }
         const auto handle = m_producer.take();
         guard.unlock();
         if (handle)
@@ -151,8 +164,9 @@ private:
     std::deque<Item> m_items;
     std::size_t m_load = 0;
     bool m_over = false;
-    bool m_refused = false; ///< a push was turned away and nobody has been told of room since
-    bool m_stopped = false; ///< the wait that is going on is to end without an item
+    bool m_refused = false;   ///< a push was turned away and nobody has been told of room since
+    std::size_t m_wanted = 0; ///< what that push weighed
+    bool m_stopped = false;   ///< the wait that is going on is to end without an item
     std::function<void()> m_whenRoom;
     ChannelSide m_consumer;
     ChannelSide m_producer;

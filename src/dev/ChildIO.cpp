@@ -263,7 +263,7 @@ void ChildIO::stopReading() {
 
 void ChildIO::closeOutput() {
     if (m_framer.isBroken()) {
-        // It weighs nothing and so finds room in a full channel.
+        // It weighs nothing and so finds room, however full the channel is.
         DevLines::Batch notice{.tooLong = true};
         m_output.tryPush(notice, 0);
     }

@@ -76,13 +76,14 @@ std::vector<std::string> split(std::string_view text) {
 
 class Forms {
 public:
-    explicit Forms(std::string_view directory)
-        : m_directory(directory) {}
+    Forms(std::string_view directory, bool elsewhere)
+        : m_directory(directory)
+        , m_moved(elsewhere) {}
 
     void addWhole(std::string_view command);
     void addLists(std::string_view loose);
     void read(std::string_view text, int depth);
-    void readLines(std::string_view text, std::string_view directory);
+    void readLines(std::string_view text, std::string_view directory, bool elsewhere);
     bool isBearable() const { return m_bearable; }
     std::string take() { return std::move(m_forms); }
 
@@ -99,7 +100,7 @@ private:
 
     std::string m_forms;
     std::string m_directory; ///< after the `cd`s so far
-    bool m_moved = false;
+    bool m_moved;            ///< plain names are looked at as paths too
     DevShellVariables m_variables;
     std::size_t m_work = 0;
     bool m_bearable = true;
@@ -160,9 +161,9 @@ void Forms::read(std::string_view text, int depth) {
 }
 
 /// Each line by itself, where reading on from the one before may have taken it for something else.
-void Forms::readLines(std::string_view text, std::string_view directory) {
+void Forms::readLines(std::string_view text, std::string_view directory, bool elsewhere) {
     m_directory = directory;
-    m_moved = false;
+    m_moved = elsewhere;
     while (!text.empty() && m_bearable) {
         const auto end = std::min(text.find('\n'), text.size());
         read(text.substr(0, end), 0);
@@ -286,12 +287,12 @@ void Forms::moveTo(Words words) {
 
 } // namespace
 
-std::optional<std::string> DevCommandForms::of(std::string_view command, std::string_view directory) {
-    Forms forms(directory);
+std::optional<std::string> DevCommandForms::of(std::string_view command, std::string_view directory, bool elsewhere) {
+    Forms forms(directory, elsewhere);
     forms.addWhole(command);
     forms.read(command, 0);
     if (command.contains('\n') && command.find_first_of("'\"`\\$<#") != std::string_view::npos)
-        forms.readLines(command, directory);
+        forms.readLines(command, directory, elsewhere);
     if (!forms.isBearable())
         return std::nullopt;
     return forms.take();

@@ -26,9 +26,10 @@ public:
 
     /// @param command UTF-8
     /// @param directory where it would run, an absolute path
+    /// @param elsewhere that is not where the agent is at home, so that a plain name may be of any file too
     /// @return the forms as one text, apart from each other so that no pattern reaches from one into the next; none
     ///         when there is more to it than is bearable, which must count as a hit
-    static std::optional<std::string> of(std::string_view command, std::string_view directory);
+    static std::optional<std::string> of(std::string_view command, std::string_view directory, bool elsewhere = false);
 };
 
 } // namespace lmp

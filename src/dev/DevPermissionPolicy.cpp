@@ -18,10 +18,11 @@ using Outcome = Verdict::Outcome;
 /// A command as it was given and in the forms a shell might see.
 class CommandText {
 public:
-    CommandText(const QString &command, const QString &directory)
+    /// @param elsewhere where it runs, when that is not `directory`
+    CommandText(const QString &command, const std::optional<QString> &elsewhere, const QString &directory)
         : m_text(command.toStdString()) {
         if (m_text.size() <= DevPatterns::maxText)
-            m_forms = DevCommandForms::of(m_text, directory.toStdString());
+            m_forms = DevCommandForms::of(m_text, elsewhere.value_or(directory).toStdString(), elsewhere.has_value());
     }
 
     /// Too long or too entangled to be looked at counts as a hit.
@@ -50,6 +51,15 @@ bool runsCommands(const QString &tool) {
     return tool.compare(QLatin1String("bash"), Qt::CaseInsensitive) == 0;
 }
 
+/// Where a call runs, as a clean path, unless that is the session's own folder.
+std::optional<QString> elsewhere(const DevPermissionPolicy::Call &call, const QString &directory) {
+    if (!call.directory)
+        return std::nullopt;
+    const auto place = DevPathForms::clean(call.directory->toStdString(), directory.toStdString());
+    const bool isHere = place == DevPathForms::clean(directory.toStdString(), {});
+    return isHere ? std::nullopt : std::optional(QString::fromStdString(place));
+}
+
 QString readOnlyReason(DevTools::Kind kind) {
     if (kind == DevTools::Kind::bash)
         return QStringLiteral("当前是只读档位，不能跑命令。用户切到「编辑自动」或「全自动」后再试。");
@@ -76,9 +86,12 @@ DevPermissionPolicy::Call DevPermissionPolicy::Call::of(QString tool, const boos
 
 Verdict DevPermissionPolicy::evaluate(const Call &call, DevMode mode, const QString &directory) const {
     const auto ask = Verdict{.outcome = Outcome::ask}, allow = Verdict{.outcome = Outcome::allow};
+    const auto place = elsewhere(call, directory);
+    if (place && isSensitivePath(*place, directory))
+        return ask;
     std::optional<CommandText> command;
     if (call.command)
-        command.emplace(*call.command, directory);
+        command.emplace(*call.command, place, directory);
     // Before anything else, and no matter what was allowed before: these places are always asked about.
     if (command && command->hits(DevPatterns::isSensitive))
         return ask;

@@ -44,6 +44,7 @@ private:
     QCoro::Task<> ask();
     QCoro::Task<std::optional<DevPermissionDecision>> decision();
     void respond(const QString &requestId, DevPermissionDecision decision);
+    QCoro::Task<> answer(QString requestId, DevPermissionDecision decision);
     void dropQuestions();
 
     // What a program says.

@@ -1,6 +1,8 @@
 #include "core/Detach.h"
 #include "terminal/DevCommand.h"
 
+#include <QPointer>
+
 #include <algorithm>
 
 // What happens during a session: the agent's events, the questions to the user, a program's commands.
@@ -86,7 +88,18 @@ void DevCommand::onQuestion(const DevPermissionRequest &request) {
 
 void DevCommand::respond(const QString &requestId, DevPermissionDecision decision) {
     m_questions.removeIf([&](const DevPermissionRequest &request) { return request.id == requestId; });
-    detach(dropped(m_engine->respond(requestId, std::move(decision))), "DevCommand::respond");
+    detach(answer(requestId, std::move(decision)), "DevCommand::respond");
+}
+
+QCoro::Task<> DevCommand::answer(QString requestId, DevPermissionDecision decision) {
+    const QPointer<QObject> self(this);
+    const bool waited = co_await m_engine->respond(requestId, std::move(decision));
+    if (!self || waited || isOver())
+        co_return;
+    if (m_line.jsonl)
+        m_output.error(u"这个问题已经不用回答了："_s + requestId);
+    else
+        m_output.note(u"这个问题已经不用回答了。"_s);
 }
 
 void DevCommand::dropQuestions() {

@@ -156,6 +156,15 @@ TEST(DevProcess, EndsTheOutputAtALineWithoutEnd) {
     EXPECT_TRUE(lines.isTooLong());
     child->terminate(0ms);
     EXPECT_TRUE(await(child->terminateAndWait(5s)));
+
+    // The word of it has room behind a line that fills more than the channel.
+    const auto heavy =
+        scripts.start("#!/bin/sh\nfor size in 2000000 70000000; do head -c $size /dev/zero | tr '\\0' x; echo; done\n");
+    auto late = heavy->lines();
+    await(heavy->exited());
+    EXPECT_EQ(await(nextLine(&late)).size(), 2'000'000);
+    EXPECT_EQ(await(nextLine(&late)), "(end)");
+    EXPECT_TRUE(late.isTooLong());
 }
 
 TEST(DevProcess, IsReadOnWhenNobodyListens) {

@@ -29,7 +29,7 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Session>> ClaudeCodeEngine::onStart(St
         co_return std::unexpected(launched.error());
     m_process = *launched;
     m_executor.spawn(read(m_process), "ClaudeCodeEngine::read");
-    co_return Session{m_events};
+    co_return Session{m_events, m_withdrawn};
 }
 
 QCoro::Task<DevEngine::Outcome<DevEngine::Done>> ClaudeCodeEngine::onSend(QString text) {
@@ -40,9 +40,10 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Done>> ClaudeCodeEngine::onSend(QStrin
     co_return Done();
 }
 
-void ClaudeCodeEngine::onRespond(const QString &requestId, const DevPermissionDecision &decision) {
-    m_conversation.respond(requestId, decision);
+bool ClaudeCodeEngine::onRespond(const QString &requestId, const DevPermissionDecision &decision) {
+    const bool waited = m_conversation.respond(requestId, decision);
     flush(0);
+    return waited;
 }
 
 void ClaudeCodeEngine::onSetMode(DevMode mode) {
@@ -63,6 +64,7 @@ void ClaudeCodeEngine::onStop() {
         m_process->terminate(stopGrace);
     m_process.reset();
     m_events.close();
+    m_withdrawn.close();
 }
 
 QCoro::Task<> ClaudeCodeEngine::read(std::shared_ptr<DevProcess> process) {
@@ -85,6 +87,7 @@ QCoro::Task<> ClaudeCodeEngine::read(std::shared_ptr<DevProcess> process) {
     ended(*process, lines.isTooLong());
     co_await deliver();
     m_events.close();
+    m_withdrawn.close();
 }
 
 /// Hands on what the reader has gathered; a full channel makes it wait, and with it the tool.
@@ -117,6 +120,8 @@ void ClaudeCodeEngine::flush(std::size_t weight) {
         if (m_process)
             m_process->writeLine(line);
     }
+    for (QString &id : m_conversation.takeWithdrawn())
+        m_withdrawn.tryPush(id);
     for (auto &event : m_conversation.takeEvents()) {
         if (m_handingOn)
             m_backlog.push_back({std::move(event), std::min(std::exchange(weight, 0) + eventCost, eventRoom)});

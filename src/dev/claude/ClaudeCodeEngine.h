@@ -27,7 +27,7 @@ public:
 protected:
     QCoro::Task<Outcome<Session>> onStart(Start request) override;
     QCoro::Task<Outcome<Done>> onSend(QString text) override;
-    void onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
+    bool onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
     void onSetMode(DevMode mode) override;
     void onInterrupt() override;
     void onStop() override;
@@ -49,6 +49,7 @@ private:
     const QString m_program;
     std::shared_ptr<DevProcess> m_process;
     Channel<DevEvent> m_events{eventRoom};
+    Channel<QString> m_withdrawn{maxWithdrawn};
     std::deque<Weighed> m_backlog; ///< what the reader has to hand on
     bool m_handingOn = false;      ///< the reader is at it; what others have to tell waits behind its events
     ClaudeConversation m_conversation;

@@ -60,7 +60,7 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Session>> CodexEngine::onStart(Start r
         onStop();
         co_return std::unexpected(opened.error());
     }
-    co_return Session{m_events};
+    co_return Session{m_events, m_withdrawn};
 }
 
 QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::open(Start request) {
@@ -142,10 +142,10 @@ void CodexEngine::noteTurn(const std::optional<QString> &turnId) {
         m_executor.spawn(interruptTurn(), "CodexEngine::interruptTurn");
 }
 
-void CodexEngine::onRespond(const QString &requestId, const DevPermissionDecision &decision) {
+bool CodexEngine::onRespond(const QString &requestId, const DevPermissionDecision &decision) {
     const auto pending = m_pendingApprovals.extract(requestId);
     if (pending.empty())
-        return;
+        return false;
     const CodexQuestion &question = pending.mapped();
     if (decision.kind == DevPermissionDecision::Kind::allowSession) {
         m_policy.allowForSession(question.call);
@@ -153,6 +153,7 @@ void CodexEngine::onRespond(const QString &requestId, const DevPermissionDecisio
         m_pendingDenyReason = decision.reason;
     }
     m_rpc->answer(question.rpcId, question.answer(decision.kind));
+    return true;
 }
 
 void CodexEngine::onSetMode(DevMode mode) {
@@ -190,6 +191,7 @@ void CodexEngine::onStop() {
     m_pendingApprovals.clear();
     m_backlog.clear();
     m_events.close();
+    m_withdrawn.close();
 }
 
 void CodexEngine::yield(DevEvent event) {
@@ -199,6 +201,16 @@ void CodexEngine::yield(DevEvent event) {
     // Full is a matter for the reader of lines, who may wait and so holds Codex back.
     if (!m_backlog.empty() || m_events.tryPush(weighed.event, weighed.weight) == Channel<DevEvent>::Pushed::Full)
         m_backlog.push_back(std::move(weighed));
+}
+
+void CodexEngine::withdraw(QString id) {
+    m_pendingApprovals.erase(id);
+    m_withdrawn.tryPush(id);
+}
+
+void CodexEngine::withdrawAll() {
+    while (!m_pendingApprovals.empty())
+        withdraw(m_pendingApprovals.begin()->first);
 }
 
 void CodexEngine::yieldAll(CodexItems::Events events) {

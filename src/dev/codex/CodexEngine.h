@@ -36,7 +36,7 @@ public:
 protected:
     QCoro::Task<Outcome<Session>> onStart(Start request) override;
     QCoro::Task<Outcome<Done>> onSend(QString text) override;
-    void onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
+    bool onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
     void onSetMode(DevMode mode) override;
     void onInterrupt() override;
     void onStop() override;
@@ -80,12 +80,15 @@ private:
     DevTurnUsage usage() const;
     void yield(DevEvent event);
     void yieldAll(CodexItems::Events events);
+    void withdraw(QString id);
+    void withdrawAll();
 
     const QString m_program;
     const Limits m_limits;
     std::shared_ptr<DevProcess> m_proc;
     std::optional<JsonRpcConnection> m_rpc;
     Channel<DevEvent> m_events{eventRoom};
+    Channel<QString> m_withdrawn{maxWithdrawn};
     std::deque<Weighed> m_backlog; ///< events that the channel has no room for yet
     std::size_t m_weight = 0;      ///< of the line that is being read
     std::stop_source m_reading;

@@ -28,6 +28,7 @@ QCoro::Task<> CodexEngine::read(std::shared_ptr<DevProcess> process) {
     }
     co_await deliver();
     m_events.close();
+    m_withdrawn.close();
 }
 
 QCoro::Task<> CodexEngine::deliver() {
@@ -46,7 +47,7 @@ void CodexEngine::ended(const QString &why) {
     m_rpc->close(why);
     m_running = false;
     m_turnId.reset();
-    m_pendingApprovals.clear();
+    withdrawAll();
 }
 
 void CodexEngine::handle(QByteArrayView line) {
@@ -169,7 +170,7 @@ void CodexEngine::handle(codex_message::TurnCompleted &completed) {
         events.emplace_back(TurnCompleted{usage()});
     } else if (turn.status == "interrupted"_L1) {
         m_items.closeAll(events);
-        m_pendingApprovals.clear();
+        withdrawAll();
         events.emplace_back(Interrupted());
     } else {
         m_items.closeMessages(events);
@@ -192,7 +193,10 @@ DevTurnUsage CodexEngine::usage() const {
 }
 
 void CodexEngine::handle(codex_message::RequestResolved &resolved) {
-    m_pendingApprovals.erase(resolved.requestId.text());
+    const QString id = resolved.requestId.text();
+    // It follows every answer of ours as well.
+    if (m_pendingApprovals.contains(id))
+        withdraw(id);
 }
 
 } // namespace lmp

@@ -102,7 +102,7 @@ CodexQuestion command(const CommandParams &params, const CodexItems &items) {
     question.input = text(CommandInput{.command = command, .cwd = params.cwd, .reason = params.reason});
     // Without a command it is something else that is wanted, the network for instance.
     question.mustAsk = command.isEmpty() || params.kind.value_or(u"command"_s) != "command"_L1;
-    question.call = {.tool = question.tool, .command = command};
+    question.call = {.tool = question.tool, .command = command, .directory = params.cwd};
     question.summary = !command.isEmpty() ? command : params.reason.value_or(u"Codex 没说要做什么"_s);
     return question;
 }
