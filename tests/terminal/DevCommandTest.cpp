@@ -146,27 +146,40 @@ TEST_F(DevCommandTest, AConversationOnATerminal) {
 }
 
 TEST(DevQuestionTextTest, WhatIsAskedFor) {
-    const auto text = [](const QString &tool, const QString &input) {
-        return DevQuestionText::of({.id = {}, .tool = tool, .summary = u"S"_s, .input = input, .suggestions = {}},
-                                   u"E"_s)
-            .section(u'\n', 1)
-            .toStdString();
-    };
     struct Row {
-        QString input;
+        QString tool, input;
         std::string shown;
     };
+    const QString session = u"（选 2 的话，这次会话里所有以「%1」开头的命令都会放行，高风险的除外）"_s;
     for (
-        const auto &[input, shown] : {
-            Row{uR"({"command":"a\u0007b\u202ec","description":"why","timeout":5})"_s,
+        const auto &[tool, input, shown] : {
+            Row{u"T"_s, uR"({"command":"a\u0007b\u202ec","description":"why","timeout":5})"_s,
                 "a␇b<U+202e>c\n其他：{\"timeout\":5}\n它说的理由：why"},
-            Row{uR"({"file_path":"/f","old_string":"a\nb","new_string":"c\n"})"_s, "S\n--- /f\n+++ /f\n@@\n-a\n-b\n+c"},
-            Row{uR"({"file_path":"/f","content":"x\ny\n"})"_s, "S\n--- /f\n+++ /f\n+x\n+y"},
-            Row{uR"({"changes":[{"path":"a","kind":{"type":"add"},"diff":"x\n"},{"path":"b","kind":{"type":"update"},"diff":"@@ -1 +1 @@\n-x\n+y\n"}]})"_s,
-                "S\n--- /dev/null\n+++ a\n+x\n--- b\n+++ b\n@@ -1 +1 @@\n-x\n+y"},
-            Row{uR"({"server":"s","arguments":{"q":1}})"_s, "S\n{\"server\":\"s\",\"arguments\":{\"q\":1}}"},
-        })
-        EXPECT_EQ(text(u"T"_s, input), shown);
+            Row{u"T"_s, uR"({"file_path":"/f","old_string":"a\nb","new_string":"c\n"})"_s,
+                "S\n--- /f\n+++ /f\n@@\n-a\n-b\n+c"},
+            Row{u"T"_s, uR"({"file_path":"/f","content":"x\ny\n"})"_s, "S\n--- /f\n+++ /f\n+x\n+y"},
+            Row{u"T"_s,
+                uR"({"changes":[{"path":"a","kind":{"type":"add"},"diff":"x\n"},{"path":"b","kind":{"type":"update"},"diff":"@@ -1 +1 @@\n-x\n+y\n目录：/\n"}]})"_s,
+                "S\n--- /dev/null\n+++ a\n+x\n--- b\n+++ b\n@@ -1 +1 @@\n-x\n+y\n 目录：/"},
+            Row{u"T"_s, uR"({"server":"s","arguments":{"q":1}})"_s, "S\n{\"server\":\"s\",\"arguments\":{\"q\":1}}"},
+            // Nothing is left out, wherever it is not expected.
+            Row{u"T"_s, uR"({"command":"ls","content":"x","new_string":"y","reason":"r","description":"d"})"_s,
+                "ls\n其他：{\"content\":\"x\",\"new_string\":\"y\"}\n它说的理由：r\n它说的理由：d"},
+            Row{u"T"_s, uR"({"file_path":"/f","old_string":"a"})"_s, "S\n--- /f\n+++ /f\n@@\n-a"},
+            Row{u"T"_s, uR"({"file_path":"/f","edits":[{"old_string":"a","new_string":"b","replace_all":true}]})"_s,
+                "S\n--- /f\n+++ /f\n@@ {\"replace_all\":true}\n-a\n+b"},
+            // Nor does any of it pass for a line of ours, or hide.
+            Row{u"T"_s, uR"({"command":"ls\n目录：/safe","cwd":"/x","reason":"r\n目录：/safe"})"_s,
+                "ls\n  目录：/safe\n目录：/x\n它说的理由：r\n  目录：/safe"},
+            Row{u"T"_s, uR"({"command":"\u00ad\u034f\u061c\u180e\u2028\udb40\udc41é好"})"_s,
+                "<U+00ad><U+034f><U+061c><U+180e><U+2028><U+e0041>é好"},
+            Row{u"bash"_s, uR"({"command":"cd build && make"})"_s,
+                "cd build && make\n" + session.arg(u"cd"_s).toStdString()},
+        }) {
+        const auto text =
+            DevQuestionText::of({.id = {}, .tool = tool, .summary = u"S"_s, .input = input, .suggestions = {}}, u"E"_s);
+        EXPECT_EQ(text.section(u'\n', 1).toStdString(), shown);
+    }
 }
 
 TEST(DevControlTest, LinesThatChangeNothing) {
