@@ -192,6 +192,7 @@ void Forms::addFilled(const DevShellText::Part &part, int depth) {
     };
     if (std::ranges::none_of(part.words, hasVariable) && std::ranges::none_of(part.targets, hasVariable))
         return;
+    DevShellText::Part before;
     for (const auto use : {Use::Values, Use::Nothing}) {
         DevShellText::Part filled;
         const auto fill = [&](Words words, std::vector<std::string> &into) {
@@ -203,10 +204,13 @@ void Forms::addFilled(const DevShellText::Part &part, int depth) {
         };
         fill(part.words, filled.words);
         fill(part.targets, filled.targets);
+        if (use == Use::Nothing && filled.words == before.words && filled.targets == before.targets)
+            return;
         addPart(filled, {}, depth);
         // A value falls apart into words.
         if (use == Use::Values && std::ranges::any_of(filled.words, isText))
             read(joined(filled.words), depth + 1);
+        before = std::move(filled);
     }
 }
 

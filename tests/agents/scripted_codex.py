@@ -43,6 +43,7 @@ def begin(text):
     elif "flood" in text:
         for _ in range(500):
             say(method="item/agentMessage/delta", params={"itemId": "m", "delta": "x" * 1024})
+        open("flooded", "w", encoding="utf-8").close()
     else:
         finish("hello")
 
