@@ -83,7 +83,7 @@ TEST(DevProcess, InheritsNoSecret) {
     ASSERT_TRUE(secret.open(QIODevice::ReadWrite));
     const int leaking = ::dup(secret.handle()); // without close-on-exec
     const auto child = scripts.start(R"(#!/bin/sh
-grep -E 'Sig(Blk|Ign)' /proc/$$/status
+while read -r line; do case $line in Sig[BI]*) echo "$line";; esac; done </proc/$$/status
 exec python3 - <<'END'
 import os
 me, parent = os.getpid(), os.getppid()
@@ -178,6 +178,34 @@ TEST(DevProcess, IsReadOnWhenNobodyListens) {
     EXPECT_EQ(await(child->exited()).code, 4);
 }
 
+/// Neither the child nor its pipes are kept for output that nobody has asked for.
+TEST(DevProcess, KeepsNothingOfWhatNobodyTook) {
+    const auto open = [] {
+        return QDir(u"/proc/self/fd"_s).entryList(QDir::Files | QDir::System).size();
+    };
+    Scripts scripts;
+    await(scripts.start("#!/bin/sh\n")->exited()); // what is made once is there then
+    ASSERT_TRUE(eventually([&] { return scripts.registry.liveCount() == 0; }));
+    const auto before = open();
+    for (const bool asked : {false, true}) {
+        auto child = scripts.start("#!/bin/sh\nhead -c 3000000 /dev/zero | tr '\\0' x\n");
+        if (asked)
+            child->terminate(1s);
+        child.reset();
+    }
+    EXPECT_TRUE(eventually([&] { return open() <= before; })) << open() << " " << before;
+}
+
+TEST(DevProcess, TakesNoMoreThanAChildReads) {
+    Scripts scripts;
+    const auto child = scripts.start("#!/bin/sh\nexec sleep 1000\n");
+    const QByteArray line(DevProcess::maxUnread / 2 - 1000, 'x');
+    EXPECT_TRUE(child->writeLine(line));
+    EXPECT_TRUE(child->writeLine(line));
+    EXPECT_FALSE(child->writeLine(line));
+    EXPECT_TRUE(child->writeLine("short"));
+}
+
 TEST(DevProcess, StopsInTwoStages) {
     Scripts scripts;
     struct {
@@ -225,6 +253,48 @@ TEST(DevProcess, LeavesNobodyBehind) {
             EXPECT_EQ(running(pids), 0) << end.constData() << deaf;
         }
     }
+}
+
+namespace {
+
+/// Says who it is: its guardian, itself, one in its group and one in a session of its own, then when it is asked to
+/// end.
+constexpr auto watched = R"(#!/bin/sh
+trap 'echo asked' TERM
+(trap '' TERM; while :; do sleep 1000; done) &
+group=$!
+setsid sh -c 'trap "" TERM; while :; do sleep 1000; done' &
+echo ready $PPID $$ $group $!
+while :; do sleep 1000 & wait $!; done
+)";
+
+} // namespace
+
+TEST(DevProcess, SaysThatItsGuardianWasKilled) {
+    Scripts scripts;
+    const auto child = scripts.start(watched);
+    auto lines = child->lines();
+    const auto pids = familyIn(await(nextLine(&lines)));
+    ASSERT_EQ(running(pids), 4);
+    ::kill(static_cast<pid_t>(pids[0]), SIGKILL);
+    EXPECT_EQ(await(child->exited()), (DevProcess::Exit{.signal = SIGKILL, .unwatched = true}));
+    EXPECT_TRUE(eventually([&] { return running(pids.first(3)) == 0; }));
+    ::kill(static_cast<pid_t>(pids[3]), SIGKILL); // who got away
+    EXPECT_TRUE(eventually([&] { return running(pids) == 0 && scripts.registry.liveCount() == 0; }));
+}
+
+/// A guardian that does not come to an end in time is not killed: it is told, and ends everything later.
+TEST(DevProcess, QuitLeavesTheRestToTheGuardian) {
+    Scripts scripts;
+    const auto child = scripts.start(watched);
+    auto lines = child->lines();
+    const auto pids = familyIn(await(nextLine(&lines)));
+    ASSERT_EQ(running(pids), 4);
+    auto quitting = scripts.registry.quit();
+    EXPECT_EQ(await(nextLine(&lines)), "asked");
+    ::kill(static_cast<pid_t>(pids[0]), SIGSTOP);
+    await(std::move(quitting));
+    EXPECT_TRUE(eventually([&] { return running(pids) == 0 && scripts.registry.liveCount() == 0; }));
 }
 
 TEST(DevProcess, QuitEndsAllOfThem) {
