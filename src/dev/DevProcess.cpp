@@ -61,8 +61,10 @@ std::expected<std::shared_ptr<ChildIO>, DevProcess::Failure> spawn(const ChildSp
     return std::make_shared<ChildIO>(*spawned, kind);
 }
 
-QCoro::Task<DevProcess::Exit> exitOf(std::shared_ptr<ChildIO> io) {
-    const auto exit = co_await io->nextExit().next();
+QCoro::Task<DevProcess::Exit> exitOf(std::shared_ptr<ChildIO> io, std::stop_token stop) {
+    const auto coming = io->nextExit();
+    const auto exit = co_await coming.next(stop);
+    coming.cancel();
     co_return exit.value_or(DevProcess::Exit{});
 }
 
@@ -187,8 +189,8 @@ bool DevProcess::isRunning() const {
     return !m_io->exit();
 }
 
-QCoro::Task<DevProcess::Exit> DevProcess::exited() {
-    return exitOf(m_io);
+QCoro::Task<DevProcess::Exit> DevProcess::exited(std::stop_token stop) {
+    return exitOf(m_io, std::move(stop));
 }
 
 std::optional<DevProcess::Exit> DevProcess::exit() const {

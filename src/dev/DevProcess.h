@@ -111,8 +111,8 @@ public:
     QCoro::Task<bool> terminateAndWait(std::chrono::milliseconds timeout);
 
     bool isRunning() const;
-    /// Waits for the end. @return how it ended
-    QCoro::Task<Exit> exited();
+    /// Waits for the end. @return how it ended; nothing that is true of it when `stop` was requested before
+    QCoro::Task<Exit> exited(std::stop_token stop = {});
     /// The same, blocking; not for the UI thread. @return whether it has ended within `timeout`
     bool waitForEnd(std::chrono::milliseconds timeout) const;
     /// How it ended, none while it runs.
