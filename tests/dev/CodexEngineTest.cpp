@@ -269,6 +269,8 @@ TEST_F(CodexEngineTest, Questions) {
              Row{change + "null}}}", DevMode::acceptEdits, {}, call, R"({"decision":"accept"})"},
              Row{change + R"("/etc"}}})", DevMode::full, always, call + "asks apply_patch 要在仓库外写文件：/etc\n",
                  R"({"decision":"acceptForSession"})"},
+             Row{change + R"(".ssh"}}})", DevMode::full, deny, call + "asks apply_patch a.txt\n",
+                 R"({"decision":"decline"})"},
              Row{change + R"("/etc"}}})", DevMode::readOnly, {}, call + onlyRead, R"({"decision":"decline"})"},
              Row{more, DevMode::full, always, "asks request_permissions 要更多权限：why\n",
                  R"({"decision":"acceptForSession","permissions":{"network":{"enabled":true}},"scope":"session"})"},

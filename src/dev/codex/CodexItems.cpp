@@ -126,8 +126,17 @@ void CodexItems::close(const QString &id, QString output, bool isError, Events &
     m_open.removeOne(id);
     m_commandByItem.remove(id);
     m_changes.remove(id);
-    m_closed.insert(id);
+    noteClosed(id);
     out.emplace_back(ToolResult{.id = id, .output = std::move(output), .isError = isError});
+}
+
+void CodexItems::noteClosed(const QString &id) {
+    if (m_closed.contains(id))
+        return;
+    m_closed.insert(id);
+    m_closedInOrder.enqueue(id);
+    if (m_closedInOrder.size() > maxClosed)
+        m_closed.remove(m_closedInOrder.dequeue());
 }
 
 void CodexItems::completed(const CodexItem &item, Events &out) {
@@ -192,7 +201,8 @@ void CodexItems::messageDelta(const codex_message::MessageDelta &delta, Events &
         closeMessages(out);
         m_messages << delta.itemId;
     }
-    m_agentTextByItem[delta.itemId] += delta.delta;
+    QString &streamed = m_agentTextByItem[delta.itemId];
+    streamed += QStringView(delta.delta).left(maxStreamed - streamed.size());
     out.emplace_back(AssistantDelta{delta.delta});
 }
 
@@ -203,7 +213,7 @@ void CodexItems::outputDelta(const codex_message::OutputDelta &delta, Events &ou
 
 void CodexItems::closeMessages(Events &out) {
     for (const QString &id : std::exchange(m_messages, {})) {
-        m_closed.insert(id);
+        noteClosed(id);
         if (const QString said = m_agentTextByItem.take(id); !said.isEmpty())
             out.emplace_back(AssistantText{said});
     }

@@ -1,10 +1,8 @@
 #include "dev/codex/CodexQuestion.h"
 
+#include "dev/DevPathForms.h"
 #include "dev/DevTools.h"
 #include "dev/codex/CodexCommand.h"
-
-#include <QDir>
-#include <QFileInfo>
 
 namespace lmp {
 
@@ -76,23 +74,11 @@ QString text(const T &value) {
     return QString::fromUtf8(Json::encode(value));
 }
 
-/// The path with every link on the way resolved, as far as it exists.
-QString resolved(const QString &path, const QString &repository) {
-    QString at = QDir::cleanPath(QDir(repository).absoluteFilePath(path)), rest;
-    for (;;) {
-        if (const QString canonical = QFileInfo(at).canonicalFilePath(); !canonical.isEmpty())
-            return QDir::cleanPath(canonical + rest);
-        const auto slash = at.lastIndexOf(u'/');
-        if (slash <= 0)
-            return at + rest;
-        rest.prepend(at.sliced(slash));
-        at.truncate(slash);
-    }
-}
-
+/// Also through links, and where they lead to what is not there yet. Where that cannot be told it is outside.
 bool isInside(const QString &path, const QString &repository) {
-    const QString root = resolved(repository, repository), found = resolved(path, repository);
-    return found == root || found.startsWith(root == "/"_L1 ? root : root + u'/');
+    const auto folder = repository.toStdString();
+    const auto root = DevPathForms::resolved(folder, "/"), found = DevPathForms::resolved(path.toStdString(), folder);
+    return root && found && (*found == *root || found->starts_with(*root == "/" ? *root : *root + '/'));
 }
 
 CodexQuestion command(const CommandParams &params, const CodexItems &items) {
@@ -122,6 +108,9 @@ CodexQuestion change(const ChangeParams &params, const CodexItems &items, const 
         if (!rootIsOutside && !isInside(path, repository))
             outside << path;
     }
+    // Inside, but not for that a place that anything may be written to.
+    if (params.grantRoot)
+        question.call.paths << *params.grantRoot;
     // What is not known cannot be judged either.
     question.mustAsk = !outside.isEmpty() || changes.isEmpty();
     question.summary =
