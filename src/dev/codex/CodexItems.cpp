@@ -1,6 +1,7 @@
 #include "dev/codex/CodexItems.h"
 
 #include "dev/codex/CodexCommand.h"
+#include "dev/codex/CodexInput.h"
 
 #include <utility>
 
@@ -10,17 +11,6 @@ using namespace Qt::StringLiterals;
 using namespace dev_event;
 
 namespace {
-
-struct CommandInput {
-    QString command = {};
-    std::optional<QString> cwd = {};
-};
-BOOST_DESCRIBE_STRUCT(CommandInput, (), (command, cwd))
-
-struct ChangeInput {
-    QList<CodexFileChange> changes = {};
-};
-BOOST_DESCRIBE_STRUCT(ChangeInput, (), (changes))
 
 struct SearchInput {
     QString query = {};
@@ -52,10 +42,6 @@ DevFileChangeKind kindOf(const CodexChangeKind &kind) {
     if (kind.type == "update"_L1)
         return DevFileChangeKind::modify;
     return kind.type == "delete"_L1 ? DevFileChangeKind::remove : DevFileChangeKind::create;
-}
-
-bool hasValue(const std::optional<boost::json::value> &value) {
-    return value && !value->is_null();
 }
 
 /// What a tool has answered, as text: its words where it has any, else all of it.
@@ -94,7 +80,11 @@ void CodexItems::startedTool(const CodexItem &item, Events &out) {
     } else if (item.type == "fileChange"_L1) {
         const auto changes = item.changes.value_or(QList<CodexFileChange>());
         m_changes.insert(item.id, changes);
-        open(item, {.name = u"apply_patch"_s, .summary = summary(changes), .input = text(ChangeInput{changes})}, out);
+        open(item,
+             {.name = u"apply_patch"_s,
+              .summary = summary(changes),
+              .input = text(CodexChangeInput{.changes = changes})},
+             out);
     } else if (item.type == "webSearch"_L1) {
         const QString query = item.query.value_or(QString());
         open(item, {.name = u"web_search"_s, .summary = query, .input = text(SearchInput{query})}, out);
@@ -112,7 +102,7 @@ void CodexItems::startedCommand(const CodexItem &item, Events &out) {
     const QString command = codex_command::withoutShell(item.command.value_or(QString()));
     m_commandByItem.insert(item.id, command);
     open(item,
-         {.name = u"bash"_s, .summary = command, .input = text(CommandInput{.command = command, .cwd = item.cwd})},
+         {.name = u"bash"_s, .summary = command, .input = text(CodexCommandInput{.command = command, .cwd = item.cwd})},
          out);
 }
 
@@ -186,10 +176,10 @@ void CodexItems::completedChange(const CodexItem &item, Events &out) {
 }
 
 void CodexItems::completedTool(const CodexItem &item, Events &out) {
-    const bool failed = hasValue(item.error);
+    const bool failed = item.error.has_value();
     const bool good = !failed && item.status.value_or(u"completed"_s) == "completed"_L1;
     QString output;
-    if (failed || hasValue(item.result))
+    if (failed || item.result)
         output = outputText(failed ? *item.error : *item.result);
     close(item.id, output, !good, out);
 }

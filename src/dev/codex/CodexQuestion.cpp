@@ -3,6 +3,7 @@
 #include "dev/DevPathForms.h"
 #include "dev/DevTools.h"
 #include "dev/codex/CodexCommand.h"
+#include "dev/codex/CodexInput.h"
 
 namespace lmp {
 
@@ -49,20 +50,6 @@ BOOST_DESCRIBE_STRUCT(ElicitationParams, (), (serverName, message, _meta))
 
 // What the user is shown whole.
 
-struct CommandInput {
-    QString command = {};
-    std::optional<QString> cwd = {};
-    std::optional<QString> reason = {};
-};
-BOOST_DESCRIBE_STRUCT(CommandInput, (), (command, cwd, reason))
-
-struct ChangeInput {
-    QList<CodexFileChange> changes = {};
-    std::optional<QString> grantRoot = {};
-    std::optional<QString> reason = {};
-};
-BOOST_DESCRIBE_STRUCT(ChangeInput, (), (changes, grantRoot, reason))
-
 struct ToolInput {
     std::optional<QString> server = {};
     boost::json::value arguments = {};
@@ -85,7 +72,7 @@ CodexQuestion command(const CommandParams &params, const CodexItems &items) {
     CodexQuestion question{.kind = CodexQuestion::Kind::Command, .tool = u"bash"_s};
     QString command = params.command ? codex_command::withoutShell(*params.command)
                                      : items.command(params.itemId.value_or(QString()));
-    question.input = text(CommandInput{.command = command, .cwd = params.cwd, .reason = params.reason});
+    question.input = text(CodexCommandInput{.command = command, .cwd = params.cwd, .reason = params.reason});
     // Without a command it is something else that is wanted, the network for instance.
     question.mustAsk = command.isEmpty() || params.kind.value_or(u"command"_s) != "command"_L1;
     question.call = {.tool = question.tool, .command = command, .directory = params.cwd};
@@ -96,7 +83,7 @@ CodexQuestion command(const CommandParams &params, const CodexItems &items) {
 CodexQuestion change(const ChangeParams &params, const CodexItems &items, const QString &repository) {
     CodexQuestion question{.kind = CodexQuestion::Kind::FileChange, .tool = u"apply_patch"_s};
     const auto changes = items.changes(params.itemId.value_or(QString()));
-    question.input = text(ChangeInput{.changes = changes, .grantRoot = params.grantRoot, .reason = params.reason});
+    question.input = text(CodexChangeInput{.changes = changes, .grantRoot = params.grantRoot, .reason = params.reason});
     QStringList outside;
     if (params.grantRoot && !isInside(*params.grantRoot, repository))
         outside << *params.grantRoot;
