@@ -50,5 +50,7 @@ int main(int argc, char **argv) {
     lmp::WindowApplication window(*std::move(options), start);
     QObject::connect(&instance, &lmp::SingleInstance::handedOver, &window, &lmp::WindowApplication::takeOver);
     QObject::connect(&window, &lmp::WindowApplication::leaving, &instance, &lmp::SingleInstance::release);
-    return window.start() ? QGuiApplication::exec() : 1;
+    const int status = window.start() ? QGuiApplication::exec() : 1;
+    lmp::Application::endChildren();
+    return status;
 }
