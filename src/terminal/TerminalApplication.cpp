@@ -2,6 +2,7 @@
 
 #include "core/Detach.h"
 #include "dev/DevProcessRegistry.h"
+#include "platform/ProcessPrivacy.h"
 #include "terminal/AccountCommands.h"
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
@@ -30,7 +31,7 @@ TerminalApplication::~TerminalApplication() = default;
 
 Application::Options TerminalApplication::options(const CommandLine &line, std::chrono::nanoseconds processStartAt) {
     const QString site = line.site.isEmpty() && !line.sandbox ? qEnvironmentVariable("LMP_SITE") : line.site;
-    const QString token = qEnvironmentVariable("LMP_TOKEN");
+    const QString token = ProcessPrivacy::take("LMP_TOKEN");
     const bool crisis = line.command == CommandLine::Command::Crisis;
     return {.site = site,
             .profile = line.profile,
