@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Both real agents against a scripted model, driven by `lumenpair dev`: run.sh LUMENPAIR-TERMINAL [FLOW...]
-# They are installed when they are first needed; where that cannot be done, this says so and passes. Before that, many
-# sessions with a script in place of an agent: LMP_AGENT_ROUNDS of each kind.
+# They are installed when they are first needed; where that cannot be done, this says so and passes.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -13,10 +12,6 @@ done
 if [[ ! -d /proc/self ]]; then
   echo "skipped: which processes are left behind is read from /proc, which is not here"
   exit 0
-fi
-# With scripts in their place first, which need nothing; not when a single flow is asked for.
-if [[ $# -eq 1 ]]; then
-  python3 "$here/rounds.py" "$1" "${LMP_AGENT_ROUNDS:-500}"
 fi
 if [[ ! -f $cache/installed ]] && ! command -v npm > /dev/null; then
   echo "skipped: the agents are not installed, and there is no npm to install them with"
