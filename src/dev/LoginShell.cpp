@@ -36,7 +36,8 @@ QStringList optionsOf(const QString &shell) {
 
 std::once_flag asked;
 std::atomic_bool known = false;
-QString answer; // written once, before `asked` is done
+/// Written once, before `asked` is done. Never destroyed: the program may leave while the shell is being asked.
+QString &answer = *new QString;
 
 QString shellOfUser() {
     const QString named = qEnvironmentVariable("SHELL");

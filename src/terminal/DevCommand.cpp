@@ -3,6 +3,7 @@
 #include "core/Detach.h"
 #include "dev/DevEngineRegistry.h"
 #include "dev/DevProcessRegistry.h"
+#include "dev/LoginShell.h"
 #include "dev/claude/ClaudeCodeEngine.h"
 #include "dev/codex/CodexEngine.h"
 
@@ -45,6 +46,8 @@ QCoro::Task<ExitCode> DevCommand::run() {
         m_output.error(u"没有这个文件夹："_s + m_line.repo);
         co_return ExitCode::Usage;
     }
+    // It is needed next, and the user may take a moment to say what they want.
+    LoginShell::prepare();
     QString text;
     if (m_once) {
         const auto asked = co_await question();
