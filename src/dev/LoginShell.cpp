@@ -10,6 +10,7 @@
 #include <QThreadPool>
 
 #include <mutex>
+#include <thread>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -27,6 +28,7 @@ constexpr QByteArrayView mark = "--lumenpair-path--";
 /// The answer is at the end.
 constexpr qsizetype maxHeard = 256 * 1024;
 constexpr auto listenInterval = 20ms;
+constexpr auto restInterval = 1ms;
 
 /// Interactive too: that is where version managers put themselves. The C shells take no other option beside -l, but
 /// read the same file without any.
@@ -99,13 +101,17 @@ QString LoginShell::askFor(const QString &shell, std::chrono::milliseconds timeo
     const auto output = (*process)->output();
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     QByteArray text;
-    bool ended = false;
+    bool ended = false, isWhole = false;
     do {
         // It is waited for piece by piece, since one that is not listened to is held back.
+        if (ended)
+            std::this_thread::sleep_for(restInterval);
         ended = (*process)->waitForEnd(listenInterval);
+        isWhole = output.isOver();
         while (const auto batch = output.tryNext())
             text = (text + batch->bytes).last(std::min(text.size() + batch->bytes.size(), maxHeard));
-    } while (!ended && std::chrono::steady_clock::now() < deadline);
+        // What it said last may still be in the pipe when it is gone.
+    } while (!(ended && isWhole) && std::chrono::steady_clock::now() < deadline);
     (*process)->terminate(0ms);
     output.cancel();
     return ended ? pathIn(text) : QString();
