@@ -174,7 +174,12 @@ QCoro::Task<> DevCommand::send(QString text, bool joins) {
     if (!self || sent || isOver())
         co_return;
     m_output.error(sent.error().message);
-    if (!joins)
+    if (joins)
+        co_return;
+    // It would have been a turn behind the one that runs, which goes on.
+    if (m_turns > 1)
+        --m_turns;
+    else
         endTurn(ExitCode::Failed);
 }
 

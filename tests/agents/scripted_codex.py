@@ -15,8 +15,13 @@ COMMAND = "make \u001b[8mhidden"
 ASK = "item/commandExecution/requestApproval"
 
 
+running = False
+
+
 def begin(text):
     """What a turn does at once: its words decide."""
+    global running
+    running = True
     if "die" in text:
         sys.exit(3)
     if "wait" in text:
@@ -70,9 +75,13 @@ def on_word(act):
 
 
 def finish(words, status="completed"):
+    """Ends the turn; what is answered after it ends no other."""
+    global running
     if words:
         say(method="item/completed", params={"item": {"type": "agentMessage", "id": "m", "text": words}})
-    say(method="turn/completed", params={"turn": {"id": "turn", "status": status}})
+    if running:
+        running = False
+        say(method="turn/completed", params={"turn": {"id": "turn", "status": status}})
 
 
 def main():
@@ -90,6 +99,8 @@ def main():
             say(id=number, result={"account": {"type": "apiKey"}, "requiresOpenaiAuth": True})
         elif method in ("thread/start", "thread/resume"):
             say(id=number, result={"thread": {"id": "thread", "model": "script"}})
+        elif method == "turn/start" and "refuse" in message["params"]["input"][0]["text"]:
+            say(id=number, error={"code": -32600, "message": "not now"})
         elif method == "turn/start":
             say(id=number, result={"turn": {"id": "turn"}})
             begin(message["params"]["input"][0]["text"])

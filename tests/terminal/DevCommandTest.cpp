@@ -125,6 +125,12 @@ TEST_F(DevCommandTest, AProgramsCommands) {
     EXPECT_THAT(seen.out, HasSubstr("{\"type\":\"assistantText\",\"text\":\"hello\"}\n"
                                     "{\"type\":\"turnCompleted\",\"usage\":{"));
 
+    // One turn only: it ends with it, though more could be said.
+    QProcess once;
+    start(once, {u"--jsonl"_s, u"hello"_s});
+    once.write("{\"setMode\":\"full\"}\n");
+    EXPECT_EQ(code(once), 0);
+
     // The end of input leaves nobody to ask.
     seen = run({u"--jsonl"_s, u"ask"_s});
     EXPECT_EQ(seen.code, 0);
@@ -143,6 +149,9 @@ TEST_F(DevCommandTest, AProgramsCommands) {
     ASSERT_TRUE(says("told: acceptForSession"));
     program.write("{\"send\":\"wait\"}\n");
     ASSERT_TRUE(says("thinking"));
+    // What cannot be said leaves the turn that runs as it is.
+    program.write("{\"send\":\"refuse\"}\n");
+    ASSERT_TRUE(says("not now"));
     program.write("{\"interrupt\":true}\n");
     ASSERT_TRUE(says("\"interrupted\""));
     program.write("{\"stop\":true}\n");
