@@ -95,6 +95,8 @@ private:
     void readWords(Words words, std::string_view text, int depth);
     void readPrograms(Words words, int depth);
     void readGit(Words words, int depth);
+    void addGit(Words words);
+    void readSetting(std::string_view setting, int depth);
     void addPaths(Words words);
     void moveTo(Words words);
 
@@ -242,26 +244,37 @@ void Forms::readPrograms(Words words, int depth) {
     }
 }
 
-/// What git is told to do, without the options before it.
+/// What git is told to do, without the options before it. Where a substitution stood, the value of an option may be
+/// missing here, and what seems to be it is another option or the command.
 void Forms::readGit(Words words, int depth) {
     std::size_t at = 0;
     for (; at < words.size() && words[at].starts_with('-'); ++at) {
-        if (!takesValue(words[at]))
+        if (!takesValue(words[at]) || at + 1 == words.size() || words[at + 1].starts_with('-'))
             continue;
-        if (++at == words.size())
-            break;
-        const std::string_view value = words[at];
-        const auto equals = value.find('=');
-        if (!value.starts_with("alias.") || equals == std::string_view::npos)
-            continue;
-        const auto alias = value.substr(equals + 1);
-        if (alias.starts_with('!'))
-            read(alias.substr(1), depth + 1);
-        else
-            add("git " + std::string(alias));
+        const auto &value = words[++at];
+        readSetting(value, depth);
+        if (value.find_first_of("=/.") == std::string::npos)
+            addGit(words.subspan(at));
     }
-    if (spend(at) && at > 0 && at < words.size())
-        add("git " + joined(words.subspan(at, std::min(fewWords, words.size() - at))));
+    if (spend(at) && at > 0)
+        addGit(words.subspan(at));
+}
+
+void Forms::addGit(Words words) {
+    if (!words.empty())
+        add("git " + joined(words.first(std::min(fewWords, words.size()))));
+}
+
+/// An alias may stand for any command.
+void Forms::readSetting(std::string_view setting, int depth) {
+    const auto equals = setting.find('=');
+    if (!setting.starts_with("alias.") || equals == std::string_view::npos)
+        return;
+    const auto alias = setting.substr(equals + 1);
+    if (alias.starts_with('!'))
+        read(alias.substr(1), depth + 1);
+    else
+        add("git " + std::string(alias));
 }
 
 /// Where the words lead that are paths, or might be after a `cd`; also those given as an option's value.
