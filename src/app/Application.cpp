@@ -61,11 +61,13 @@ void Application::makeStores() {
     m_keychain = std::make_unique<SystemKeychain>();
     m_auth = std::make_unique<AuthStore>(m_site.api, *m_keychain, m_clock, keychainSuffix());
     m_capabilities = std::make_unique<CapabilityStore>(m_auth->api());
+    if (!m_options.withoutTrace)
+        m_settings = makeUserDefaults(m_support);
+    m_extractions = std::make_unique<ExtractionProgress>(m_settings.get());
     if (m_options.withoutTrace) {
         m_auth->startSignedOut();
         return;
     }
-    m_settings = makeUserDefaults(m_support);
     connect(m_auth.get(), &AuthStore::phaseChanged, this, &Application::rememberUser);
     m_telemetry = std::make_unique<Telemetry>(Telemetry::Deployment{.apiBase = m_site.api,
                                                                     .appVersion = QString::fromLatin1(LMP_VERSION),

@@ -5,6 +5,7 @@
 #include "conversation/ChatWithTwinView.h"
 #include "conversation/ConversationInputDraftStore.h"
 #include "conversation/ConversationSearch.h"
+#include "conversation/ExtractionProgress.h"
 #include "core/AuthStore.h"
 #include "core/CapabilityStore.h"
 #include "core/LoginModel.h"
@@ -77,6 +78,8 @@ public:
     ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
     /// The search over conversations, made when it is first asked for.
     ConversationSearch &search();
+    /// How far the conversations have been read for memories.
+    ExtractionProgress &extractions() { return *m_extractions; }
     ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
@@ -109,6 +112,7 @@ private:
     std::unique_ptr<Telemetry> m_telemetry;
     std::unique_ptr<CapabilityStore> m_capabilities;
     std::unique_ptr<ConversationSearch> m_search;
+    std::unique_ptr<ExtractionProgress> m_extractions;
     LocalInputRegistry m_localInput;
     SafetyGateStore m_safety;
     SystemOpener m_opener;

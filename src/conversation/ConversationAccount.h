@@ -22,6 +22,10 @@ struct ConversationAccount {
     QString key() const;
     /// The current sign-in, or nothing where nobody tells.
     QString signIn() const { return generation ? generation() : QString(); }
+    /// Who is signed in, and by which sign-in. What was begun for another owner is nobody's business any more, also
+    /// when the same person has come back.
+    QString owner() const;
+    bool isStill(const QString &owner) const { return this->owner() == owner; }
 };
 
 } // namespace lmp

@@ -5,8 +5,10 @@
 #include "core/PoolAwaiter.h"
 
 #include <QCryptographicHash>
+#include <QFile>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace lmp {
 
@@ -42,7 +44,7 @@ ConversationSearch::ConversationSearch(ConversationService service, Conversation
     , m_support(std::move(support))
     , m_scope(std::move(scope))
     , m_clock(clock)
-    , m_owner(owner()) {
+    , m_owner(m_account.owner()) {
     m_pool.setMaxThreadCount(1);
     open();
 }
@@ -57,23 +59,21 @@ auto ConversationSearch::onIndex(F work) {
     return PoolAwaiter([index = m_index, work = std::move(work)] { return work(*index); }, &m_pool);
 }
 
-QString ConversationSearch::owner() const {
-    return m_account.key() + u'\n' + m_account.signIn();
-}
-
 void ConversationSearch::open() {
     const auto account = m_account.current();
     const auto folder = account ? m_support.folder(folderName.toString()) : std::nullopt;
     m_index.reset();
     if (!folder)
         return;
+    // Only the names of the files would show, and those are nobody else's business either.
+    (void)::chmod(QFile::encodeName(*folder).constData(), S_IRWXU);
     const QByteArray key = Json::encode(QList<QString>{m_scope, *account});
     const QString name = QString::fromLatin1(QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex());
     m_index = std::make_shared<ConversationSearchIndex>(*folder + u'/' + name + u".sqlite"_s);
 }
 
 void ConversationSearch::recheckAccount() {
-    const QString now = owner();
+    const QString now = m_account.owner();
     if (std::exchange(m_owner, now) == now)
         return;
     ++m_generation;
@@ -86,7 +86,7 @@ void ConversationSearch::recheckAccount() {
     m_missing.clear();
     m_wanted.clear();
     m_coverage = {};
-    m_feeding = m_again = false;
+    m_feeding = m_tidying = m_again = false;
     m_restarts = 0;
     open();
     Q_EMIT accountChanged();
@@ -96,7 +96,7 @@ void ConversationSearch::recheckAccount() {
 // Looking
 
 QCoro::Task<std::expected<ConversationSearch::Page, QString>>
-ConversationSearch::find(QString typed, std::optional<qint64> below, qsizetype limit) {
+ConversationSearch::find(QString typed, std::optional<qint64> below, qsizetype limit, std::stop_token stop) {
     const QPointer self(this);
     recheckAccount();
     const auto generation = m_generation;
@@ -106,15 +106,18 @@ ConversationSearch::find(QString typed, std::optional<qint64> below, qsizetype l
         co_return std::unexpected(u"这台电脑上没有地方放查找用的索引，暂时不能查找。"_s);
     const SearchTerms terms(typed);
     for (int attempt = 0; attempt < 2; ++attempt) {
-        auto page = co_await onIndex(
-            [terms, below, limit](ConversationSearchIndex &index) { return index.find(terms, below, limit); });
+        auto page = co_await look(terms, below, limit, stop);
         if (!self || m_generation != generation)
             co_return Page();
         recheckAccount();
         if (m_generation != generation)
             co_return Page();
-        if (page)
+        if (page) {
+            // What could not be taken out of a busy file yet.
+            page->hits.removeIf(
+                [&](const ConversationSearchHit &hit) { return m_forgotten.contains(hit.conversationId); });
             co_return *std::move(page);
+        }
         if (page.error() == Fault::storage)
             break;
         co_await startAgain();
@@ -124,18 +127,41 @@ ConversationSearch::find(QString typed, std::optional<qint64> below, qsizetype l
     co_return std::unexpected(u"查找用的索引暂时读不了，请稍后再试。"_s);
 }
 
+QCoro::Task<std::expected<ConversationSearch::Page, ConversationSearch::Fault>>
+ConversationSearch::look(SearchTerms terms, std::optional<qint64> below, qsizetype limit, std::stop_token stop) {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    Page all;
+    do {
+        // One after another, so that other work comes in between, and the end of the program.
+        const qsizetype room = limit - all.hits.size();
+        const auto page = co_await onIndex(
+            [terms, below, room](ConversationSearchIndex &index) { return index.find(terms, below, room); });
+        if (!page)
+            co_return std::unexpected(page.error());
+        all.hits += page->hits;
+        all.total += page->total;
+        all.totalIsAtLeast = page->totalIsAtLeast;
+        all.more = page->more;
+        all.reached = page->reached;
+        below = page->reached;
+    } while (self && m_generation == generation && all.more && all.hits.size() < limit && !stop.stop_requested());
+    co_return all;
+}
+
 QCoro::Task<> ConversationSearch::startAgain() {
     const QPointer self(this);
     const auto generation = m_generation;
+    // Before the file goes: nobody is told that everything was looked through when nothing was.
+    m_missing = m_known;
+    m_coverage.known = false;
+    count();
+    if (!self || m_generation != generation)
+        co_return;
     co_await onIndex([](ConversationSearchIndex &index) {
         index.discard();
         return true;
     });
-    if (!self || m_generation != generation)
-        co_return;
-    m_missing = m_known;
-    m_coverage.known = false;
-    count();
     if (!self || m_generation != generation)
         co_return;
     m_again = ++m_restarts <= mostRestarts;
@@ -215,16 +241,59 @@ void ConversationSearch::settle(const QString &id) {
 }
 
 void ConversationSearch::forget(const QString &conversationId) {
+    // An incognito chat says so at every turn.
+    if (m_forgotten.contains(conversationId))
+        return;
     m_forgotten.insert(conversationId);
     m_waiting.remove(conversationId);
+    m_fresh.remove(conversationId);
     m_known.remove(conversationId);
     m_missing.remove(conversationId);
     if (m_index)
-        m_pool.start([index = m_index, conversationId] {
-            if (!index->remove(conversationId))
-                index->discard(); // Rather nothing than what must not be there.
-        });
+        detach(removeNow(conversationId), "removing a conversation from the search");
     count();
+}
+
+QCoro::Task<> ConversationSearch::removeNow(QString id) {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    enum class Removal { NotThere, Removed, NotYet, Discarded };
+    const auto removal = co_await onIndex([id](ConversationSearchIndex &index) {
+        const auto there = index.holds(id);
+        if (there && !*there)
+            return Removal::NotThere;
+        if (there && index.remove(id))
+            return Removal::Removed;
+        // Whether it is there cannot be asked now: the next comparison takes it out.
+        if (!there && there.error() == Fault::storage)
+            return Removal::NotYet;
+        index.discard(); // Rather nothing than what must not be there.
+        return Removal::Discarded;
+    });
+    if (!self || m_generation != generation)
+        co_return;
+    if (removal == Removal::Discarded)
+        co_await startAgain();
+    else if (removal == Removal::Removed)
+        co_await tidy(pauseBetween);
+}
+
+QCoro::Task<> ConversationSearch::tidy(std::chrono::milliseconds pause) {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    if (std::exchange(m_tidying, true))
+        co_return;
+    for (bool more = true; more;) {
+        const auto done = co_await onIndex([](ConversationSearchIndex &index) { return index.tidy(); });
+        if (!self || m_generation != generation)
+            co_return;
+        more = done && !*done;
+        const bool on = !more || co_await idle(pause);
+        if (!self || m_generation != generation)
+            co_return;
+        more = more && on;
+    }
+    m_tidying = false;
 }
 
 // What is missing
@@ -258,6 +327,9 @@ QCoro::Task<> ConversationSearch::fetchAll(std::chrono::milliseconds pause) {
         if (!self || m_generation != generation)
             co_return;
     } while (m_again);
+    co_await tidy(pause);
+    if (!self || m_generation != generation)
+        co_return;
     m_coverage.working = false;
     if (failures > 0)
         m_coverage.trouble = u"其余的暂时没能读到，稍后会再试。"_s;
@@ -312,7 +384,9 @@ QCoro::Task<bool> ConversationSearch::compare() {
     QSet<QString> local;
     for (const auto &entry : kept)
         local.insert(entry.snapshot.id);
-    const bool planned = co_await plan(listed->conversations, local);
+    auto conversations = listed->conversations;
+    conversations.removeIf([this](const ConversationSummaryDTO &summary) { return m_forgotten.contains(summary.id); });
+    const bool planned = co_await plan(conversations, local - m_forgotten);
     if (!self || m_generation != generation || !planned)
         co_return false;
     // What was not sent yet is what the person sees, so it goes before what the service has.

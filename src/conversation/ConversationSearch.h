@@ -46,8 +46,9 @@ public:
 
     /// The latest messages that hold every word of `typed`, below the place `below` if that is given; on failure the
     /// sentence shown.
+    /// @param stop nobody wants to know any more: it ends soon, with what was found by then
     QCoro::Task<std::expected<Page, QString>> find(QString typed, std::optional<qint64> below = {},
-                                                   qsizetype limit = 50);
+                                                   qsizetype limit = 50, std::stop_token stop = {});
 
     /// Keeps the index up to what `session` opens and saves, for as long as that lives.
     void follow(ConversationSession *session);
@@ -58,7 +59,7 @@ public:
     QCoro::Task<> catchUp();
     /// Fetching waits while anybody holds it back: a reply is on its way.
     void holdBack(const QObject *holder, bool held);
-    /// Removes a conversation; it does not come back while this program runs.
+    /// Removes a conversation; it does not come back while this program runs, and is not found from now on.
     void forget(const QString &conversationId);
 
     const Coverage &coverage() const { return m_coverage; }
@@ -77,6 +78,8 @@ private:
     template <class F>
     auto onIndex(F work);
     void open();
+    QCoro::Task<std::expected<Page, Fault>> look(SearchTerms terms, std::optional<qint64> below, qsizetype limit,
+                                                 std::stop_token stop);
     void take(const ConversationSession &session);
     QCoro::Task<> feed();
     QCoro::Task<> fetchAll(std::chrono::milliseconds pause);
@@ -88,11 +91,12 @@ private:
     QCoro::Task<bool> idle(std::chrono::milliseconds pause);
     QCoro::Task<bool> put(ConversationDTO conversation, Age age, bool live);
     QCoro::Task<> startAgain();
+    QCoro::Task<> removeNow(QString id);
+    QCoro::Task<> tidy(std::chrono::milliseconds pause);
     bool mayFetch(const QString &id) const;
     void settle(const QString &id);
     void count();
     void setTrouble(const QString &trouble);
-    QString owner() const;
 
     ConversationService m_service;
     ConversationDraftCache m_drafts;
@@ -112,6 +116,7 @@ private:
     QSet<const QObject *> m_holders;
     Coverage m_coverage;
     bool m_feeding = false;
+    bool m_tidying = false;
     bool m_again = false; ///< the index has begun anew while it was being filled
     int m_restarts = 0;
     std::stop_source m_stop;

@@ -14,6 +14,7 @@ struct ConversationSearchHit {
     TalkRole role = TalkRole::user;
     QString excerpt;                 ///< one line around the first match
     QList<SearchTerms::Range> marks; ///< the matches in `excerpt`
+    bool operator==(const ConversationSearchHit &) const = default;
 };
 
 } // namespace lmp

@@ -1,7 +1,7 @@
 #include "conversation/ConversationSearchIndex.h"
 
 #include "conversation/SearchExcerpt.h"
-#include "conversation/SearchFold.h"
+#include "core/SearchFold.h"
 #include "conversation/SearchGrams.h"
 #include "platform/Log.h"
 
@@ -9,6 +9,7 @@
 #include <sqlite3.h>
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -22,7 +23,7 @@ namespace {
 constexpr int applicationId = 0x4c4d5053; // "LMPS"
 constexpr int busyLimit = 2000;           ///< ms that another process may hold the file
 constexpr qsizetype mostMoved = 50;
-constexpr qint64 countLimit = 3000; ///< messages looked at where the grams alone do not decide
+constexpr int mergedPages = 64; ///< of the index, in one go
 
 /// Thrown where the file is readable and yet not ours.
 struct Foreign {};
@@ -52,8 +53,11 @@ void makePrivate(const QString &path) {
         throw Foreign();
     if (fd < 0)
         throw SQLite::Exception("the index cannot be made", SQLITE_CANTOPEN);
-    ::fchmod(fd, 0600);
+    struct stat status = {};
+    const bool ours = ::fstat(fd, &status) == 0 && status.st_uid == ::geteuid() && ::fchmod(fd, 0600) == 0;
     ::close(fd);
+    if (!ours)
+        throw Foreign();
 }
 
 } // namespace
@@ -92,6 +96,7 @@ ConversationSearchIndex::Outcome<void> ConversationSearchIndex::open() {
 
 void ConversationSearchIndex::openFile() {
     makePrivate(m_path);
+    const bool suspect = endedBadly();
     auto database = std::make_unique<SQLite::Database>(m_path.toStdString(),
                                                        SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX, busyLimit);
     m_database = std::move(database);
@@ -101,6 +106,19 @@ void ConversationSearchIndex::openFile() {
     if (m_database->execAndGet("PRAGMA user_version").getInt() == 0)
         makeTables();
     checkTables();
+    // The whole file is read for it, which nobody should have to wait for at every start.
+    if (suspect && m_database->execAndGet("PRAGMA quick_check(1)").getString() != "ok")
+        throw Foreign();
+}
+
+bool ConversationSearchIndex::endedBadly() {
+    m_merging = false;
+    if (!m_first) {
+        if (auto lock = FileLock::hold(m_path + QLatin1StringView(".lock"), std::chrono::milliseconds(0)))
+            m_first.emplace(*std::move(lock));
+    }
+    // The last one to close the file takes its log away; what lies there while nobody has it open was left by a crash.
+    return m_first && QFileInfo(m_path + QLatin1StringView("-wal")).size() > 0;
 }
 
 void ConversationSearchIndex::makeTables() {
@@ -115,6 +133,7 @@ void ConversationSearchIndex::makeTables() {
         " complete INTEGER NOT NULL DEFAULT 0, rank INTEGER);"
         "CREATE TABLE message(place INTEGER PRIMARY KEY, conversation INTEGER NOT NULL, id TEXT NOT NULL,"
         " twin INTEGER NOT NULL, text TEXT NOT NULL);"
+        "CREATE TABLE untidy(since INTEGER PRIMARY KEY);"
         "CREATE INDEX message_conversation ON message(conversation, place);"
         "CREATE VIRTUAL TABLE gram USING fts5(grams, content='', columnsize=0, detail=none, tokenize='ascii');");
     m_database->exec("PRAGMA application_id=" + std::to_string(applicationId) +
@@ -125,7 +144,7 @@ void ConversationSearchIndex::makeTables() {
 void ConversationSearchIndex::checkTables() {
     const bool ours = m_database->execAndGet("PRAGMA application_id").getInt() == applicationId &&
                       m_database->execAndGet("PRAGMA user_version").getInt() == version;
-    if (!ours || m_database->execAndGet("PRAGMA quick_check(1)").getString() != "ok")
+    if (!ours)
         throw Foreign();
 }
 
@@ -243,32 +262,59 @@ qint64 ConversationSearchIndex::placeAfter(std::optional<qint64> last, qsizetype
     return fits ? *last + 1 : top;
 }
 
+std::optional<qint64> ConversationSearchIndex::keyOf(const QString &id) {
+    SQLite::Statement find(*m_database, "SELECT key FROM conversation WHERE id = ?");
+    bindText(find, 1, id.toUtf8());
+    return find.executeStep() ? std::optional(qint64(find.getColumn(0).getInt64())) : std::nullopt;
+}
+
+ConversationSearchIndex::Outcome<bool> ConversationSearchIndex::holds(const QString &conversationId) {
+    return guarded([&] { return keyOf(conversationId).has_value(); });
+}
+
 ConversationSearchIndex::Outcome<void> ConversationSearchIndex::remove(const QString &conversationId) {
     return guarded([&] {
+        if (!keyOf(conversationId))
+            return;
         SQLite::Transaction transaction(*m_database, SQLite::TransactionBehavior::IMMEDIATE);
         removeConversation(conversationId);
         transaction.commit();
-        removeTraces();
     });
 }
 
-void ConversationSearchIndex::removeConversation(const QString &id) {
-    SQLite::Statement find(*m_database, "SELECT key FROM conversation WHERE id = ?");
-    bindText(find, 1, id.toUtf8());
-    if (!find.executeStep())
-        return;
-    const qint64 key = find.getColumn(0).getInt64();
-    for (const Stored &message : storedOf(key))
+bool ConversationSearchIndex::removeConversation(const QString &id) {
+    const auto key = keyOf(id);
+    if (!key)
+        return false;
+    const auto messages = storedOf(*key);
+    for (const Stored &message : messages)
         removeMessage(message);
     SQLite::Statement row(*m_database, "DELETE FROM conversation WHERE key = ?");
-    row.bind(1, std::int64_t(key));
+    row.bind(1, std::int64_t(*key));
     row.exec();
+    if (!messages.isEmpty())
+        m_database->exec("INSERT OR IGNORE INTO untidy VALUES(1)");
+    return true;
 }
 
-void ConversationSearchIndex::removeTraces() {
-    // A removal is an entry of its own in the index until it is merged with what it removes.
-    m_database->exec("INSERT INTO gram(gram) VALUES('optimize')");
-    SQLite::Statement(*m_database, "PRAGMA wal_checkpoint(TRUNCATE)").executeStep();
+ConversationSearchIndex::Outcome<bool> ConversationSearchIndex::tidy() {
+    return guarded([&] {
+        if (m_database->execAndGet("SELECT count(*) FROM untidy").getInt() == 0)
+            return true;
+        // A removal is an entry of its own in the index until it is merged with what it removes. The first call takes
+        // up everything that there is now, the others go on with that.
+        SQLite::Statement merge(*m_database, "INSERT INTO gram(gram, rank) VALUES('merge', ?)");
+        merge.bind(1, std::exchange(m_merging, true) ? mergedPages : -mergedPages);
+        const auto before = m_database->getTotalChanges();
+        merge.exec();
+        // FTS5 counts a merge that had nothing to do as one change.
+        if (m_database->getTotalChanges() - before >= 2)
+            return false;
+        m_merging = false;
+        m_database->exec("DELETE FROM untidy");
+        SQLite::Statement(*m_database, "PRAGMA wal_checkpoint(TRUNCATE)").executeStep();
+        return true;
+    });
 }
 
 // What there is
@@ -279,12 +325,9 @@ ConversationSearchIndex::plan(const QList<ConversationSummaryDTO> &listed, const
     return guarded([&] {
         SQLite::Transaction transaction(*m_database, SQLite::TransactionBehavior::IMMEDIATE);
         const Known known = readKnown(listed);
-        bool removed = false;
         for (const QString &id : known.others) {
-            if (kept.contains(id) || fresh.contains(id))
-                continue;
-            removeConversation(id);
-            removed = true;
+            if (!kept.contains(id) && !fresh.contains(id))
+                removeConversation(id);
         }
         const QSet<QString> moved = movedSince(known, listed) - fresh;
         Plan plan;
@@ -297,8 +340,6 @@ ConversationSearchIndex::plan(const QList<ConversationSummaryDTO> &listed, const
         }
         noteOrder(listed);
         transaction.commit();
-        if (removed)
-            removeTraces();
         return plan;
     });
 }
@@ -380,14 +421,14 @@ ConversationSearchIndex::Page ConversationSearchIndex::findPage(const SearchTerm
     read.bind(2, std::int64_t(below.value_or(std::numeric_limits<qint64>::max())));
     for (qint64 seen = 0; read.executeStep(); ++seen) {
         const bool full = page.hits.size() == limit;
-        if (full && exact) {
+        if (exact ? full : seen == looks) {
             page.more = true;
+            page.totalIsAtLeast = !exact;
             break;
         }
-        if (seen >= countLimit && !exact && full) {
-            page.totalIsAtLeast = true;
-            break;
-        }
+        const qint64 place = read.getColumn(0).getInt64();
+        if (!full)
+            page.reached = place;
         const QString text = textOf(read.getColumn(5));
         if (!exact && !terms.matches(SearchFold::fold(text)))
             continue;
@@ -395,7 +436,7 @@ ConversationSearchIndex::Page ConversationSearchIndex::findPage(const SearchTerm
         page.more = page.more || full;
         if (full)
             continue;
-        ConversationSearchHit hit{.place = read.getColumn(0).getInt64(),
+        ConversationSearchHit hit{.place = place,
                                   .conversationId = textOf(read.getColumn(1)),
                                   .title = textOf(read.getColumn(2)),
                                   .messageId = textOf(read.getColumn(3)),

@@ -3,6 +3,7 @@
 #include "conversation/ConversationDTO.h"
 #include "conversation/ConversationSearchHit.h"
 #include "conversation/ConversationSummaryDTO.h"
+#include "platform/FileLock.h"
 
 #include <QSet>
 
@@ -39,7 +40,8 @@ public:
         QList<ConversationSearchHit> hits; ///< the latest first
         qint64 total = 0;                  ///< of all hits, this page's and others'
         bool totalIsAtLeast = false;       ///< counting was given up there
-        bool more = false;                 ///< there are hits below the last one of the page
+        bool more = false;                 ///< there are, or may be, hits below `reached`
+        qint64 reached = 0;                ///< where to go on
     };
     /// What is to be done after the service has told which conversations there are.
     struct Plan {
@@ -48,7 +50,10 @@ public:
     };
     /// How many messages are written at a time, so that a question never waits long.
     static constexpr qsizetype batch = 100;
-    static constexpr int version = 1;
+    /// How many messages are looked at in one go where the grams alone do not decide: what was asked may be of no
+    /// interest any more.
+    static constexpr qint64 looks = 3000;
+    static constexpr int version = 2;
 
     explicit ConversationSearchIndex(QString path);
     ~ConversationSearchIndex();
@@ -62,14 +67,21 @@ public:
     /// Brings the index up to what `conversation` holds, by at most `batch` messages.
     /// @return whether that was all; else the call is to be made again
     Outcome<bool> put(const ConversationDTO &conversation, Age age);
-    /// Removes a conversation and every trace of its text.
+    /// Whether anything of a conversation is in the index; reads only.
+    Outcome<bool> holds(const QString &conversationId);
+    /// Removes a conversation; nothing is written for one that is not there. What was indexed of its text lies among
+    /// the grams until it is tidied away.
     Outcome<void> remove(const QString &conversationId);
+    /// Tidies away what has been removed, by a piece that takes no longer than a frame or two.
+    /// @return whether there is no trace left; else the call is to be made again
+    Outcome<bool> tidy();
     /// Removes what is neither in `listed` nor `kept`, and compares the service's order with the one before:
     /// what has moved towards the front has changed elsewhere, unless it is `fresh`.
     Outcome<Plan> plan(const QList<ConversationSummaryDTO> &listed, const QSet<QString> &kept,
                        const QSet<QString> &fresh);
 
-    /// The latest messages that hold every word, below `below` if that is given.
+    /// The latest messages that hold every word, below `below` if that is given. Ends after `looks` messages, found or
+    /// not: then `more` and `reached` say where to go on.
     Outcome<Page> find(const SearchTerms &terms, std::optional<qint64> below, qsizetype limit);
 
     const QString &path() const { return m_path; }
@@ -100,14 +112,17 @@ private:
     qint64 keyOf(const ConversationDTO &conversation);
     void insertMessage(qint64 place, qint64 conversation, const ConvMessageDTO &message);
     void removeMessage(const Stored &message);
-    void removeConversation(const QString &id);
-    void removeTraces();
+    std::optional<qint64> keyOf(const QString &id);
+    bool removeConversation(const QString &id);
+    bool endedBadly();
     Known readKnown(const QList<ConversationSummaryDTO> &listed);
     static QSet<QString> movedSince(const Known &known, const QList<ConversationSummaryDTO> &listed);
     void noteOrder(const QList<ConversationSummaryDTO> &listed);
     Page findPage(const SearchTerms &terms, std::optional<qint64> below, qsizetype limit);
 
     QString m_path;
+    std::optional<FileLock> m_first; ///< nobody else had the file open when we opened it
+    bool m_merging = false;          ///< the traces are being merged away
     std::unique_ptr<SQLite::Database> m_database;
 };
 

@@ -6,14 +6,23 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
-MemoryExtractService::Body MemoryExtractService::Body::of(const ConversationDTO &conversation, qsizetype from) {
-    Body body;
+MemoryExtractService::Portion MemoryExtractService::Portion::of(const ConversationDTO &conversation, qsizetype from) {
+    Portion portion{.body = {}, .upTo = from, .left = 0};
+    auto &taken = portion.body.messages;
+    qsizetype units = 0;
     for (qsizetype at = from; at < conversation.messages.size(); ++at) {
         const ConvMessageDTO &message = conversation.messages[at];
-        if (!message.text.trimmed().isEmpty())
-            body.messages.push_back({message.role == TalkRole::twin ? u"assistant"_s : u"user"_s, message.text});
+        const bool says = !message.text.trimmed().isEmpty();
+        units += message.text.size();
+        if (portion.left > 0 || (says && !taken.isEmpty() && (taken.size() == mostMessages || units > mostUnits))) {
+            portion.left += says;
+            continue;
+        }
+        if (says)
+            taken.push_back({message.role == TalkRole::twin ? u"assistant"_s : u"user"_s, message.text});
+        portion.upTo = at + 1;
     }
-    return body;
+    return portion;
 }
 
 MemoryExtractService::MemoryExtractService(APIClient api)

@@ -18,10 +18,20 @@ public:
             QString content;
         };
         QList<Turn> messages;
-
-        /// The messages of a conversation from the one at `from` on; those without words say nothing.
-        static Body of(const ConversationDTO &conversation, qsizetype from);
     };
+    /// What of a conversation is read at once.
+    struct Portion {
+        Body body;
+        qsizetype upTo = 0; ///< the message behind the last one of it
+        qsizetype left = 0; ///< messages with words from there on
+
+        /// The messages from the one at `from` on, as many as are sent at once; those without words say nothing.
+        static Portion of(const ConversationDTO &conversation, qsizetype from);
+    };
+    /// What a service is asked to read at once, one message at least: so many messages, and UTF-16 units of text.
+    static constexpr qsizetype mostMessages = 200;
+    static constexpr qsizetype mostUnits = 200'000;
+
     struct Resp {
         QList<MemoryCandidateDTO> candidates;
         qint64 pipCharged = 0;          ///< Pip

@@ -1,6 +1,6 @@
 #include "conversation/SearchTerms.h"
 
-#include "conversation/SearchFold.h"
+#include "core/SearchFold.h"
 
 #include <algorithm>
 

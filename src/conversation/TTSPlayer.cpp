@@ -1,8 +1,8 @@
 #include "conversation/TTSPlayer.h"
 
-#include "conversation/SpeechAudio.h"
 #include "conversation/TTSTextChunker.h"
 #include "core/Detach.h"
+#include "core/PoolAwaiter.h"
 
 #include <QPointer>
 
@@ -48,6 +48,8 @@ void TTSPlayer::speak(const QString &text) {
         m_textError = TTSTextChunker::describe(pieces.error());
     else
         m_queue = *pieces;
+    // Nobody can speak a silence, and the service takes none.
+    m_queue.removeIf([](const QString &piece) { return piece.trimmed().isEmpty(); });
     m_playing = !m_queue.isEmpty();
     Q_EMIT changed();
     if (m_generation != generation)
@@ -111,14 +113,18 @@ QCoro::Task<> TTSPlayer::speakPiece(QString piece) {
     const auto spoken = co_await m_ai.request<TtsResp>(u"/tts"_s, "POST", TtsBody{piece}, true, m_stop.get_token());
     if (!self || m_generation != generation || !m_playing)
         co_return;
-    if (spoken)
-        play(*spoken);
-    else
+    if (!spoken) {
         end(speechUnavailable());
+        co_return;
+    }
+    // Some megabytes of text, as a rule.
+    const auto audio = co_await PoolAwaiter(
+        [said = spoken->audio, encoding = spoken->encoding] { return SpeechAudio::of(said, encoding); });
+    if (self && m_generation == generation && m_playing)
+        play(audio);
 }
 
-void TTSPlayer::play(const TtsResp &spoken) {
-    const auto audio = SpeechAudio::of(spoken.audio, spoken.encoding);
+void TTSPlayer::play(const std::optional<SpeechAudio> &audio) {
     if (!audio) {
         end(notPlayed());
         return;
@@ -138,7 +144,7 @@ void TTSPlayer::onEnded(AudioOutput::End end_) {
         next();
         return;
     case AudioOutput::End::interrupted:
-        interrupt();
+        externallyManagedSession ? next() : interrupt();
         return;
     case AudioOutput::End::unplayable:
         end(notPlayed());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "conversation/SpeechAudio.h"
 #include "core/APIClient.h"
 #include "core/Later.h"
 #include "platform/AudioOutput.h"
@@ -54,8 +55,8 @@ public:
 
     /// Called when a reading has ended, however it did, but not when another one takes its place.
     std::function<void()> onFinished;
-    /// The sound belongs to a call. Then nothing of the system's audio is touched, and the call says when it
-    /// interrupts.
+    /// The sound belongs to a call: the call says when it interrupts, and what the device takes for an interruption,
+    /// the call itself as a rule, ends no more than the piece.
     bool externallyManagedSession = false;
 
     static QString speechUnavailable();
@@ -70,7 +71,7 @@ private:
     void begin();
     void next();
     QCoro::Task<> speakPiece(QString piece);
-    void play(const TtsResp &spoken);
+    void play(const std::optional<SpeechAudio> &audio);
     void onEnded(AudioOutput::End end);
     /// @param note none when it ended well or as wished
     void end(const std::optional<QString> &note);

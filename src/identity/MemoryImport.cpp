@@ -40,6 +40,16 @@ QList<MemoryService::ExtractMessage> MemoryImport::messages(const QString &text)
     return messages;
 }
 
+QString MemoryImport::rest(const QString &text) {
+    qsizetype taken = 0;
+    qsizetype end = text.size();
+    eachPiece(text, [&](QStringView piece) {
+        if (taken++ == maxPieces)
+            end = piece.data() - QStringView(text).data();
+    });
+    return text.sliced(end);
+}
+
 qsizetype MemoryImport::countPieces(const QString &text) {
     qsizetype count = 0;
     eachPiece(text, [&](QStringView) { ++count; });

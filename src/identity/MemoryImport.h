@@ -23,6 +23,8 @@ public:
     /// One piece a line, blank lines and outer spaces dropped, at most `maxPieces`; a single piece gets a companion,
     /// since the service reads no message that stands alone. Empty for a text without any.
     static QList<MemoryService::ExtractMessage> messages(const QString &text);
+    /// What stands behind the pieces that `messages` takes.
+    static QString rest(const QString &text);
     /// How many pieces the text has, read or not.
     static qsizetype countPieces(const QString &text);
 };

@@ -6,8 +6,7 @@
 
 namespace lmp {
 
-/// Finds memories by words of one character or more, whatever the case and the width of their letters. Pure; any
-/// thread.
+/// Finds memories by words of one character or more, folded as every search here folds them. Pure; any thread.
 class MemorySearch {
 public:
     /// What of a memory is searched, folded; worth keeping where the same memories are searched again and again.
@@ -16,9 +15,6 @@ public:
     static QStringList words(const QString &typed);
     /// Whether every word occurs in what is folded.
     static bool matches(const QString &folded, const QStringList &words);
-
-private:
-    static QString fold(const QString &text);
 };
 
 } // namespace lmp

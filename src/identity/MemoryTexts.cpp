@@ -60,6 +60,10 @@ QString MemoryTexts::notDone(const QString &what, const QString &reason) {
     return u"没能"_s + what + u"："_s + reason;
 }
 
+QString MemoryTexts::outcomeUnknown() {
+    return u"没有收到确认，不知道做没做成。正在重新读取账本，以账本里的为准。"_s;
+}
+
 QString MemoryTexts::candidateNotConfirmed() {
     return u"没记下来，稍后再试——这条仍在「等你确认」里。"_s;
 }
@@ -180,6 +184,10 @@ QString MemoryTexts::importCut(qsizetype taken, qsizetype all) {
     return u"这段文本有 "_s + QString::number(all) + u" 段，一次只读前 "_s + QString::number(taken) + u" 段。"_s;
 }
 
+QString MemoryTexts::importRest(qsizetype count) {
+    return u"还有 "_s + QString::number(count) + u" 段没有扫描，文本还在，可以接着扫。"_s;
+}
+
 QString MemoryTexts::extractNote() {
     return u"整理会调用 AI，并按实际消耗结算 Pip。候选记忆需你确认后保存。"_s;
 }
@@ -194,6 +202,10 @@ QString MemoryTexts::extractNoCandidates() {
 
 QString MemoryTexts::extractFailed() {
     return u"整理未完成，请稍后重试。"_s;
+}
+
+QString MemoryTexts::extractLeft(qsizetype count) {
+    return u"还有 "_s + QString::number(count) + u" 条消息没有整理，可以接着整理。"_s;
 }
 
 QString MemoryTexts::extractIncognito() {

@@ -27,6 +27,8 @@ public:
     static QString restored();
     /// @param what was tried: "冻结", "忘记"; @param reason of the service
     static QString notDone(const QString &what, const QString &reason);
+    /// Of what may have been done or not.
+    static QString outcomeUnknown();
     static QString candidateNotConfirmed();
     static QString candidateConfirmed();
 
@@ -65,6 +67,8 @@ public:
     static QString importSupersededItems(qsizetype count);
     static QString importWritten(qsizetype count);
     /// @param taken, all pieces of a text that has more than are read at once
+    /// After an import of a longer text: what of it waits.
+    static QString importRest(qsizetype count);
     static QString importCut(qsizetype taken, qsizetype all);
 
     // Candidates from a chat.
@@ -72,6 +76,8 @@ public:
     static QString extractNothingNew();
     static QString extractNoCandidates();
     static QString extractFailed();
+    /// Of a conversation that is longer than what is read at once.
+    static QString extractLeft(qsizetype count);
     static QString extractIncognito();
     /// @param amount Pip
     static QString extractCost(qint64 amount);

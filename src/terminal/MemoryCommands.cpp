@@ -1,14 +1,12 @@
 #include "terminal/MemoryCommands.h"
 
 #include "core/Json.h"
+#include "core/TextFile.h"
 #include "identity/MemoryImport.h"
 #include "identity/MemorySearch.h"
 #include "identity/MemoryTexts.h"
 #include "identity/TruthStatus.h"
 #include "terminal/SessionGate.h"
-
-#include <QFile>
-#include <QStringDecoder>
 
 namespace lmp {
 
@@ -16,8 +14,6 @@ using namespace Qt::StringLiterals;
 using What = CommandLine::Memory::What;
 
 namespace {
-
-constexpr qint64 maxFileBytes = 4'000'000;
 
 ExitCode failed(Console *console, const APIError &error) {
     console->error(error.reason);
@@ -34,7 +30,7 @@ QString row(const QString &id, const QString &content, const QStringList &marks)
 
 template <class Record>
 void line(Console *console, const Record &record) {
-    console->line(Json::encode(record) + '\n');
+    console->line(Json::encode(record));
 }
 
 void showItems(Console *console, const MemoryBundle &ledger, const CommandLine::Memory &command) {
@@ -278,23 +274,12 @@ QCoro::Task<std::optional<QString>> MemoryCommands::text(Console *console, Stand
             console->error(u"输入太长了。"_s);
         co_return all;
     }
-    QFile source(file);
-    if (!source.open(QIODevice::ReadOnly)) {
-        console->error(u"这个文件打不开："_s + file);
+    auto read = TextFile::read(file);
+    if (!read) {
+        console->error(read.error());
         co_return std::nullopt;
     }
-    const QByteArray bytes = source.read(maxFileBytes + 1);
-    if (bytes.size() > maxFileBytes) {
-        console->error(u"这个文件太大了，请先截取要导入的一段。"_s);
-        co_return std::nullopt;
-    }
-    QStringDecoder decoder(QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8));
-    const QString decoded = decoder(bytes);
-    if (decoder.hasError()) {
-        console->error(u"这个文件不是 UTF-8 文本，请另存为文本文件再试。"_s);
-        co_return std::nullopt;
-    }
-    co_return decoded;
+    co_return *std::move(read);
 }
 
 QCoro::Task<ExitCode> MemoryCommands::import(Application *application, Console *console, StandardInput *input,

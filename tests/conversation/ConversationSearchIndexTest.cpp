@@ -1,8 +1,10 @@
 #include "conversation/ConversationSearchIndex.h"
 #include "conversation/SearchExcerpt.h"
-#include "conversation/SearchFold.h"
+#include "core/SearchFold.h"
 
 #include <gtest/gtest.h>
+
+#include <sqlite3.h>
 
 #include <QDir>
 #include <QFile>
@@ -187,12 +189,46 @@ TEST_F(ConversationSearchIndexTest, ARemovedConversationLeavesNoTraces) {
     put(conversation(u"a"_s, {u"琵琶行"_s, u"琵琶"_s}));
     put(conversation(u"b"_s, {u"长恨歌"_s}));
     ASSERT_TRUE(leavesTraces(u"琵琶行"_s));
+    EXPECT_TRUE(index.tidy().value_or(false)) << "there is nothing to tidy away";
     ASSERT_TRUE(index.remove(u"a"_s));
     EXPECT_EQ(found(u"琵"_s), QStringList());
     EXPECT_EQ(found(u"恨"_s), QStringList{u"b0"_s});
+    EXPECT_TRUE(leavesTraces(u"琵琶"_s)) << "until it is tidied away";
+    // The program may end in between.
+    ConversationSearchIndex later(index.path());
+    for (int calls = 0; !later.tidy().value_or(true); ++calls)
+        ASSERT_LT(calls, 1000);
     EXPECT_FALSE(leavesTraces(u"琵琶行"_s));
     EXPECT_FALSE(leavesTraces(u"琵琶"_s)) << "among the grams";
+    EXPECT_EQ(found(u"恨"_s), QStringList{u"b0"_s});
+}
+
+TEST_F(ConversationSearchIndexTest, WhatIsNotThereIsRemovedWithoutWriting) {
+    put(conversation(u"a"_s, {u"水"_s}));
+    sqlite3 *other = nullptr;
+    ASSERT_EQ(sqlite3_open(QFile::encodeName(index.path()).constData(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
     EXPECT_TRUE(index.remove(u"nobody"_s));
+    EXPECT_FALSE(index.holds(u"nobody"_s).value_or(true));
+    EXPECT_TRUE(index.holds(u"a"_s).value_or(false));
+    sqlite3_close(other);
+}
+
+TEST_F(ConversationSearchIndexTest, AQuestionEndsAfterSoManyMessages) {
+    // The grams of the word are everywhere, the word itself in the oldest message alone.
+    put(conversation(u"z"_s, {u"一二三四"_s}));
+    const int conversations = int(ConversationSearchIndex::looks / 100) + 1;
+    for (int c = 0; c < conversations; ++c)
+        put(conversation(QString::number(c) + u'-', QStringList(100, u"一二三 二三四"_s)));
+    const SearchTerms terms(u"一二三四"_s);
+    const auto first = index.find(terms, {}, 50);
+    ASSERT_TRUE(first);
+    EXPECT_TRUE(first->hits.isEmpty());
+    EXPECT_TRUE(first->more && first->totalIsAtLeast);
+    const auto second = index.find(terms, first->reached, 50);
+    ASSERT_TRUE(second && second->hits.size() == 1);
+    EXPECT_EQ(second->hits.first().messageId, u"z0"_s);
+    EXPECT_FALSE(second->more || second->totalIsAtLeast);
 }
 
 TEST_F(ConversationSearchIndexTest, PlansWhatToFetch) {
@@ -261,6 +297,46 @@ TEST_F(ConversationSearchIndexTest, DamageIsNoticedAndMadeGood) {
     index.discard();
     overwrite({});
     EXPECT_EQ(found(u"水"_s), QStringList()) << "an empty file is a fresh one";
+    // One page of nonsense, among the grams and elsewhere: what is answered is right, or it is noticed.
+    const qsizetype page = 4096;
+    int noticed = 0;
+    for (qsizetype at = page; at + page <= sound.size(); at += page) {
+        SCOPED_TRACE(at / page);
+        QByteArray torn = sound;
+        torn.replace(at, page, QByteArray(page, 'x'));
+        index.discard();
+        overwrite(torn);
+        const auto answer = index.find(SearchTerms(u"水"_s), {}, 100);
+        noticed += !answer;
+        EXPECT_TRUE(answer ? answer->hits.size() == 60 : answer.error() == Fault::damaged);
+    }
+    EXPECT_GT(noticed, 0);
+}
+
+TEST_F(ConversationSearchIndexTest, TheWholeFileIsReadAfterABadEndAlone) {
+    const QString path = folder.filePath(u"whole.sqlite"_s);
+    {
+        ConversationSearchIndex filled(path);
+        ASSERT_TRUE(filled.put(conversation(u"a"_s, QStringList(60, u"水"_s + QString(300, u'字'))), Age::latest));
+    }
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.seek(file.size() - 4096));
+    file.write(QByteArray(4096, 'x'));
+    file.close();
+    auto other = std::make_unique<ConversationSearchIndex>(path);
+    EXPECT_TRUE(other->open()) << "nobody waits for the whole file to be read";
+    const auto leaveLog = [&] {
+        QFile log(path + u"-wal"_s);
+        ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+        log.write(QByteArray(5000, 'x'));
+    };
+    leaveLog();
+    EXPECT_TRUE(ConversationSearchIndex(path).open()) << "the log is that of the one who has it open";
+    other.reset();
+    leaveLog();
+    const auto opened = ConversationSearchIndex(path).open();
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error(), Fault::damaged);
 }
 
 TEST_F(ConversationSearchIndexTest, PrivateAndNoLink) {

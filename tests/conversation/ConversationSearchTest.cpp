@@ -2,6 +2,8 @@
 
 #include "ChatFixture.h"
 
+#include <sqlite3.h>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -45,6 +47,24 @@ protected:
     int loads(const QByteArray &id) const {
         return int(std::ranges::count(server.requests, "/api/app/conversation?id=" + id, &StubServer::Request::path));
     }
+    /// Whether `text` is anywhere in the files of the index, as it is written.
+    bool leavesTraces(const QByteArray &text) const {
+        const auto all = QDir(folder.filePath(u"ConversationSearch"_s)).entryInfoList(QDir::Files | QDir::Hidden);
+        return std::ranges::any_of(all, [&](const QFileInfo &info) {
+            QFile file(info.filePath());
+            return file.open(QIODevice::ReadOnly) && file.readAll().contains(text);
+        });
+    }
+    /// Another process, in the middle of writing the index.
+    void holdBusy() {
+        const QString path = folder.filePath(u"ConversationSearch/"_s + files().value(0));
+        ASSERT_EQ(sqlite3_open(QFile::encodeName(path).constData(), &other), SQLITE_OK);
+        ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    }
+    void letGo() {
+        sqlite3_close(other);
+        other = nullptr;
+    }
     QStringList files() const {
         return QDir(folder.filePath(u"ConversationSearch"_s)).entryList({u"*.sqlite"_s}, QDir::Files);
     }
@@ -61,6 +81,7 @@ protected:
                                                     ApplicationSupport::at(folder.path()), u"here"_s, clock);
     }
 
+    sqlite3 *other = nullptr;
     std::unique_ptr<ConversationSearch> searching = make();
     ConversationSearch &search = *searching;
 };
@@ -134,6 +155,8 @@ TEST_F(ConversationSearchTest, IncognitoNeverReachesIt) {
     session.begin();
     await(search.catchUp());
     EXPECT_EQ(found(u"悄"_s), QStringList());
+    EXPECT_TRUE(leavesTraces("龙井"));
+    EXPECT_FALSE(leavesTraces("悄悄"));
     // One that is in the index already and turns out to be incognito goes, and does not come back.
     ASSERT_EQ(found(u"茶"_s).size(), 1);
     search.forget(u"a"_s);
@@ -142,6 +165,52 @@ TEST_F(ConversationSearchTest, IncognitoNeverReachesIt) {
     await(search.catchUp());
     EXPECT_EQ(found(u"茶"_s), QStringList());
     EXPECT_TRUE(search.coverage().complete());
+}
+
+TEST_F(ConversationSearchTest, AnIncognitoChatLeavesABusyIndexAlone) {
+    await(search.catchUp());
+    ASSERT_EQ(found(u"茶"_s).size(), 1);
+    holdBusy();
+    server.on("/api/relay/chat/stream", StubServer::events(frames({R"({"delta":"好"})"})));
+    session.begin({}, true);
+    turn(u"悄悄话"_s);
+    turn(u"再悄悄说"_s);
+    EXPECT_EQ(found(u"茶"_s).size(), 1);
+    EXPECT_TRUE(search.coverage().complete());
+    letGo();
+    EXPECT_EQ(loads("a"), 1);
+}
+
+TEST_F(ConversationSearchTest, WhatMustGoGoesWithAllWhenTheFileIsBusy) {
+    await(search.catchUp());
+    ASSERT_EQ(found(u"茶"_s).size(), 1);
+    holdBusy();
+    search.forget(u"a"_s);
+    EXPECT_EQ(found(u"茶"_s), QStringList());
+    EXPECT_FALSE(search.coverage().complete()) << "nobody claims that everything was looked through";
+    letGo();
+    ASSERT_TRUE(eventually([&] {
+        clock.advance(1s);
+        return search.coverage().complete() && !search.coverage().working;
+    }));
+    EXPECT_EQ(found(u"开会"_s).size(), 1);
+    EXPECT_EQ(found(u"茶"_s), QStringList());
+    EXPECT_FALSE(leavesTraces("龙井"));
+}
+
+TEST_F(ConversationSearchTest, LooksOnUntilThePageIsFullOrNobodyAsks) {
+    has("b", {"一二三四"});
+    list({"a", "b"});
+    QByteArrayList near;
+    for (int i = 0; i <= ConversationSearchIndex::looks; ++i)
+        near << "一二三 二三四";
+    has("a", near);
+    await(search.catchUp());
+    EXPECT_EQ(found(u"一二三四"_s), QStringList{u"b0"_s});
+    std::stop_source stop;
+    stop.request_stop();
+    const auto page = await(search.find(u"一二三四"_s, {}, 50, stop.get_token()));
+    EXPECT_TRUE(page && page->hits.isEmpty() && page->more);
 }
 
 TEST_F(ConversationSearchTest, NobodyFindsWhatIsAnothers) {

@@ -179,4 +179,29 @@ TEST_F(TTSPlayerTest, WhatIsLateIsDropped) {
     EXPECT_EQ(finishes, 1) << "a text that another replaces does not end";
 }
 
+TEST_F(TTSPlayerTest, SilencesAreNotSpoken) {
+    player.speak(u" \n \n一。\n\t\n二"_s);
+    for (const auto count : {1, 2}) {
+        ASSERT_TRUE(eventually([&] { return audio.played.size() == count; }));
+        audio.end(End::finished);
+    }
+    await(player.finished());
+    EXPECT_EQ(asked, (QStringList{u"一。"_s, u"二"_s}));
+    EXPECT_FALSE(player.playbackError());
+    player.speak(u" \n "_s);
+    EXPECT_FALSE(player.playing());
+}
+
+TEST_F(TTSPlayerTest, ACallOfWhichTheSoundIsInterruptsByItself) {
+    player.externallyManagedSession = true;
+    player.speak(u"一。二。"_s);
+    ASSERT_TRUE(eventually([&] { return audio.played.size() == 1; }));
+    audio.end(End::interrupted);
+    ASSERT_TRUE(eventually([&] { return audio.played.size() == 2; }));
+    EXPECT_FALSE(player.interrupted());
+    player.interrupt();
+    EXPECT_TRUE(player.interrupted());
+    EXPECT_EQ(player.playbackError(), TTSPlayer::wasInterrupted());
+}
+
 } // namespace lmp

@@ -1,7 +1,7 @@
 #include "screens/chat/ChatFind.h"
 
 #include "conversation/ConversationSession.h"
-#include "conversation/SearchFold.h"
+#include "core/SearchFold.h"
 
 namespace lmp {
 

@@ -43,7 +43,8 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_messages(m_session, m_view, *m_services.clock)
     , m_find(m_session)
     , m_speech(m_session, m_services.api, m_services.makeAudio)
-    , m_extraction(m_services.api, m_session, [this] { return isIdle(); })
+    , m_extraction(
+          m_services.api, m_session, [this] { return isIdle(); }, m_services.extractions)
     , m_inputs(m_services.inputs, *m_services.clock)
     , m_owner(ownerOf(m_services.account)) {
     m_view.surface = u"chat"_s;
@@ -201,9 +202,11 @@ void ChatModel::saveAsNew() {
         return;
     const QPointer self(this);
     setNotice({});
+    const QString before = conversationId();
     m_session.saveAsNew();
     if (!self)
         return;
+    m_extraction.carryOver(before);
     m_inputs.moveTo(place(), true);
     Q_EMIT conversationChanged();
     if (self)

@@ -16,7 +16,8 @@ ChatServices ChatServices::of(Application &application) {
             .recorder = application.recorder(),
             .opener = &application.opener(),
             .makeAudio = [] { return std::make_unique<SystemAudioOutput>(); },
-            .search = &application.search()};
+            .search = &application.search(),
+            .extractions = &application.extractions()};
 }
 
 } // namespace lmp

@@ -9,10 +9,11 @@ namespace lmp {
 
 class Application;
 class ConversationSearch;
+class ExtractionProgress;
 
 /// What a chat's screen needs of the program.
 ///
-/// A value; clock, safety, opener and search outlive whoever holds it.
+/// A value; clock, safety, opener, search and extractions outlive whoever holds it.
 struct ChatServices {
     APIClient api;
     SSEClient events;
@@ -24,7 +25,8 @@ struct ChatServices {
     ChatWithTwinView::Recorder recorder;
     ExternalOpener *opener = nullptr;
     TTSPlayer::MakeOutput makeAudio = {};
-    ConversationSearch *search = nullptr; ///< null where nothing is indexed
+    ConversationSearch *search = nullptr;      ///< null where nothing is indexed
+    ExtractionProgress *extractions = nullptr; ///< null where windows share none
 
     static ChatServices of(Application &application);
 };

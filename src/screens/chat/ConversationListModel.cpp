@@ -24,7 +24,7 @@ ConversationListModel::ConversationListModel(Application &application, QObject *
 ConversationListModel::ConversationListModel(ChatServices services, QObject *parent)
     : QAbstractListModel(parent)
     , m_services(std::move(services))
-    , m_owner(owner()) {
+    , m_owner(m_services.account.owner()) {
     m_files.setMaxThreadCount(1);
     new ChatDateRefresh(*this, TimeTextRole, *m_services.clock);
 }
@@ -284,7 +284,7 @@ void ConversationListModel::onChatChanged() {
 }
 
 void ConversationListModel::recheckAccount() {
-    const QString now = owner();
+    const QString now = m_services.account.owner();
     if (std::exchange(m_owner, now) == now)
         return;
     ++m_generation;
@@ -298,10 +298,6 @@ void ConversationListModel::recheckAccount() {
     m_findText.clear();
     select({});
     rebuild();
-}
-
-QString ConversationListModel::owner() const {
-    return m_services.account.key() + u'\n' + m_services.account.signIn();
 }
 
 } // namespace lmp

@@ -99,7 +99,6 @@ private:
     /// Makes `wanted` the shown row `row`; the rows before it are right.
     void place(qsizetype row, const ConversationRow &wanted);
     void onChatChanged();
-    QString owner() const;
 
     ChatServices m_services;
     QString m_owner;                           ///< the account and sign-in that the rows are of

@@ -43,6 +43,16 @@ ConversationSearchModel::ConversationSearchModel(ConversationSearch &search, QOb
     connect(&search, &ConversationSearch::accountChanged, this, &ConversationSearchModel::clear);
 }
 
+ConversationSearchModel::~ConversationSearchModel() {
+    m_stop.request_stop();
+}
+
+quint64 ConversationSearchModel::askAnew() {
+    m_stop.request_stop();
+    m_stop = std::stop_source();
+    return ++m_asked;
+}
+
 int ConversationSearchModel::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : int(m_hits.size());
 }
@@ -81,7 +91,7 @@ void ConversationSearchModel::setQuery(const QString &query) {
     if (query == m_query)
         return;
     m_query = query;
-    ++m_asked;
+    askAnew();
     if (SearchTerms(query).isEmpty()) {
         m_soon.stop();
         show({}, false);
@@ -108,15 +118,15 @@ void ConversationSearchModel::fetchOlder() {
 
 QCoro::Task<> ConversationSearchModel::ask(bool further) {
     const QPointer self(this);
-    const quint64 asked = ++m_asked;
+    const quint64 asked = askAnew();
     const QString query = m_query;
     if (SearchTerms(query).isEmpty())
         co_return;
     m_fetching = true;
-    const auto below = further && !m_hits.isEmpty() ? std::optional(m_hits.last().place) : std::nullopt;
+    const auto below = further ? std::optional(m_reached) : std::nullopt;
     // What is there already is asked for again as a whole, so that nobody loses their place.
     const qsizetype limit = further ? 50 : std::max<qsizetype>(50, m_hits.size());
-    const auto page = co_await m_search.find(query, below, limit);
+    const auto page = co_await m_search.find(query, below, limit, m_stop.get_token());
     if (!self)
         co_return;
     m_fetching = false;
@@ -140,14 +150,13 @@ void ConversationSearchModel::show(const ConversationSearch::Page &page, bool fu
             endInsertRows();
         }
     } else {
-        beginResetModel();
-        m_hits = page.hits;
-        endResetModel();
+        become(page.hits);
         const auto same = std::ranges::find(m_hits, place, &ConversationSearchHit::place);
         m_current = m_hits.isEmpty() ? -1 : same == m_hits.end() ? 0 : int(same - m_hits.begin());
         m_total = page.total;
     }
     m_more = page.more;
+    m_reached = page.reached;
     if (SearchTerms(m_query).isEmpty())
         m_status.clear();
     else if (m_hits.isEmpty())
@@ -157,8 +166,37 @@ void ConversationSearchModel::show(const ConversationSearch::Page &page, bool fu
     Q_EMIT stateChanged();
 }
 
+void ConversationSearchModel::become(const QList<ConversationSearchHit> &hits) {
+    // Both go down from the latest, and no place occurs twice.
+    qsizetype row = 0;
+    for (const auto &hit : hits) {
+        qsizetype gone = row;
+        while (gone < m_hits.size() && m_hits.at(gone).place > hit.place)
+            ++gone;
+        if (gone > row) {
+            beginRemoveRows({}, int(row), int(gone) - 1);
+            m_hits.remove(row, gone - row);
+            endRemoveRows();
+        }
+        if (row == m_hits.size() || m_hits.at(row).place != hit.place) {
+            beginInsertRows({}, int(row), int(row));
+            m_hits.insert(row, hit);
+            endInsertRows();
+        } else if (m_hits.at(row) != hit) {
+            m_hits[row] = hit;
+            Q_EMIT dataChanged(index(int(row)), index(int(row)));
+        }
+        ++row;
+    }
+    if (row < m_hits.size()) {
+        beginRemoveRows({}, int(row), int(m_hits.size()) - 1);
+        m_hits.remove(row, m_hits.size() - row);
+        endRemoveRows();
+    }
+}
+
 void ConversationSearchModel::clear() {
-    ++m_asked;
+    askAnew();
     m_query.clear();
     m_soon.stop();
     m_again.stop();

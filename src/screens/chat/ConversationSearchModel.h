@@ -34,6 +34,7 @@ public:
     };
 
     explicit ConversationSearchModel(ConversationSearch &search, QObject *parent = nullptr);
+    ~ConversationSearchModel() override;
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -63,6 +64,10 @@ Q_SIGNALS:
 private:
     QCoro::Task<> ask(bool further);
     void show(const ConversationSearch::Page &page, bool further);
+    /// Makes the rows those of `hits`, and touches only what differs, so that nobody's reading is disturbed.
+    void become(const QList<ConversationSearchHit> &hits);
+    /// Lets go of what was asked before.
+    quint64 askAnew();
     void clear();
 
     ConversationSearch &m_search;
@@ -71,9 +76,11 @@ private:
     int m_current = -1;
     qint64 m_total = 0;
     bool m_more = false;
+    qint64 m_reached = 0; ///< with more: below which place it is
     bool m_fetching = false;
     QString m_status;
     quint64 m_asked = 0; ///< counts the questions
+    std::stop_source m_stop;
     QTimer m_soon;
     QTimer m_again; ///< more conversations have become known
 };

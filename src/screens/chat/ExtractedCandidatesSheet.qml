@@ -56,6 +56,14 @@ LMPSheet {
     LMPText {
         color: Theme.text2
         kind: LMPText.Caption
+        text: root.extraction.leftText
+        visible: text !== ""
+        width: parent.width
+    }
+
+    LMPText {
+        color: Theme.text2
+        kind: LMPText.Caption
         text: root.extraction.laterNote
         visible: !root.extraction.allHandled
         width: parent.width

@@ -12,12 +12,14 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 
 ExtractionModel::ExtractionModel(const APIClient &api, ConversationSession &session, std::function<bool()> isIdle,
-                                 QObject *parent)
+                                 ExtractionProgress *progress, QObject *parent)
     : QObject(parent)
     , m_service(api)
     , m_memories(api)
     , m_session(session)
-    , m_isIdle(std::move(isIdle)) {
+    , m_isIdle(std::move(isIdle))
+    , m_progress(progress ? progress : &m_own) {
+    connect(m_progress, &ExtractionProgress::changed, this, &ExtractionModel::changed);
     connect(&session, &ConversationSession::opened, this, &ExtractionModel::reset);
 }
 
@@ -41,19 +43,23 @@ QString ExtractionModel::costText() const {
     return m_open ? MemoryTexts::extractCost(m_extractCharge) : QString();
 }
 
+QString ExtractionModel::leftText() const {
+    return m_left > 0 ? MemoryTexts::extractLeft(m_left) : QString();
+}
+
 bool ExtractionModel::allHandled() const {
     return std::ranges::none_of(extracted(), [](const Row &row) { return row.handledText.isEmpty(); });
 }
 
 QString ExtractionModel::place() const {
     const auto *conversation = m_session.conversation();
-    return m_session.account().key() + u'\n' + (conversation ? conversation->id : QString());
+    return ExtractionProgress::place(m_session.account().key(), conversation ? conversation->id : QString());
 }
 
 void ExtractionModel::reset() {
     ++m_generation;
-    m_extracting = false;
     m_message.clear();
+    m_left = 0;
     m_extractCharge = 0;
     m_open = false;
     m_report.clear();
@@ -70,47 +76,51 @@ void ExtractionModel::clearMessage() {
     say({});
 }
 
+void ExtractionModel::carryOver(const QString &conversationId) {
+    m_progress->carryOver(ExtractionProgress::place(m_session.account().key(), conversationId), place());
+}
+
 void ExtractionModel::extract() {
     const auto *conversation = m_session.conversation();
-    if (m_extracting || !conversation || !m_session.belongsToCurrentAccount())
+    if (!conversation || !m_session.belongsToCurrentAccount() || extracting())
         return;
     if (m_session.incognito())
         return say(MemoryTexts::extractIncognito());
     if (!m_isIdle())
         return say(u"回复还没有结束，等它说完再整理。"_s);
-    const auto upTo = conversation->messages.size();
-    const auto body = MemoryExtractService::Body::of(*conversation, std::min(extractedUpTo(), upTo));
-    if (body.messages.isEmpty())
+    const auto from = std::min(extractedUpTo(), conversation->messages.size());
+    const auto portion = MemoryExtractService::Portion::of(*conversation, from);
+    if (portion.body.messages.isEmpty())
         return say(MemoryTexts::extractNothingNew());
-    m_extracting = true;
     m_message.clear();
-    detach(extractNow(body, place(), upTo), "reading a conversation for memories");
-    Q_EMIT changed();
+    detach(extractNow(portion, m_progress->begin(place())), "reading a conversation for memories");
 }
 
-QCoro::Task<> ExtractionModel::extractNow(MemoryExtractService::Body body, QString place, qsizetype upTo) {
+QCoro::Task<> ExtractionModel::extractNow(MemoryExtractService::Portion portion, ExtractionProgress::Ticket ticket) {
     const QPointer self(this);
-    const auto generation = m_generation;
-    const auto answer = co_await m_service.extract(body);
-    if (!self)
-        co_return;
+    const QPointer progress = m_progress;
+    const auto answer = co_await m_service.extract(portion.body);
+    // Somebody may have gone away and come back meanwhile, and is shown what it was.
+    const bool isHere = self && progress && progress->isReading(place(), ticket);
     // It was read, and paid for, whatever is open now.
-    if (answer)
-        m_extractedUpTo.insert(place, upTo);
-    if (m_generation != generation || this->place() != place)
+    if (progress)
+        progress->end(ticket, answer ? std::optional(portion.upTo) : std::nullopt);
+    if (!self || !isHere || !m_session.belongsToCurrentAccount())
         co_return;
-    m_extracting = false;
     if (!answer) {
         say(MemoryTexts::extractFailed());
         co_return;
     }
-    m_extractCharge = answer->pipCharged;
-    if (answer->candidates.isEmpty()) {
-        say(MemoryTexts::extractNoCandidates());
-        co_return;
-    }
+    m_left = portion.left;
+    take(*answer);
+}
+
+void ExtractionModel::take(const MemoryExtractService::Resp &answer) {
+    m_extractCharge = answer.pipCharged;
+    if (answer.candidates.isEmpty())
+        return say(MemoryTexts::extractNoCandidates() + leftText());
     std::vector<Row> rows;
-    for (const auto &candidate : answer->candidates)
+    for (const auto &candidate : answer.candidates)
         rows.push_back({.candidateId = candidate.id,
                         .content = candidate.content,
                         .why = candidate.why,

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "conversation/ConversationSession.h"
+#include "conversation/ExtractionProgress.h"
 #include "conversation/MemoryExtractService.h"
 #include "identity/MemoryService.h"
 #include "screens/kit/RecordListModel.h"
 
+#include <QPointer>
 #include <QtQmlIntegration>
 
 #include <functional>
@@ -13,8 +15,8 @@ namespace lmp {
 
 /// Has the open conversation read for memories, and takes the person's word on each that was found.
 ///
-/// Part of the chat's model; the session outlives it. UI thread. What is found waits at the service whatever happens
-/// here. An answer for a conversation that is no longer open is dropped; nothing is sent twice.
+/// Part of the chat's model; session and progress outlive it. UI thread. What is found waits at the service whatever
+/// happens here. An answer for a conversation that is no longer open is only counted; nothing is sent twice.
 class ExtractionModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -27,6 +29,8 @@ class ExtractionModel : public QObject {
     /// What became of the last reading, when it found nothing.
     Q_PROPERTY(QString message READ message NOTIFY changed)
     Q_PROPERTY(QString costText READ costText NOTIFY changed)
+    /// Said when the conversation is longer than what is read at once; else empty.
+    Q_PROPERTY(QString leftText READ leftText NOTIFY changed)
     /// There are candidates to be looked at; `close` puts them away.
     Q_PROPERTY(bool open READ isOpen NOTIFY changed)
     Q_PROPERTY(QAbstractItemModel *candidates READ candidates CONSTANT)
@@ -46,20 +50,22 @@ public:
     };
 
     /// @param isIdle whether the conversation is not just being added to
+    /// @param progress null where none is shared: then what was read is known as long as this is there
     ExtractionModel(const APIClient &api, ConversationSession &session, std::function<bool()> isIdle,
-                    QObject *parent = nullptr);
+                    ExtractionProgress *progress = nullptr, QObject *parent = nullptr);
 
     static QString note();
     static QString candidatesNote();
     static QString laterText();
     static QString laterNote();
-    bool extracting() const { return m_extracting; }
+    bool extracting() const { return m_progress->isReading(place()); }
     const QString &message() const { return m_message; }
     /// Pip, of the last reading.
     qint64 extractCharge() const { return m_extractCharge; }
     QString costText() const;
+    QString leftText() const;
     /// How many messages of the open conversation have been read.
-    qsizetype extractedUpTo() const { return m_extractedUpTo.value(place()); }
+    qsizetype extractedUpTo() const { return m_progress->upTo(place()); }
     const std::vector<Row> &extracted() const { return m_extracted.records(); }
     bool isOpen() const { return m_open; }
     QAbstractItemModel *candidates() { return &m_extracted; }
@@ -75,12 +81,15 @@ public:
     Q_INVOKABLE void close();
     /// Forgets what was said of the last reading.
     Q_INVOKABLE void clearMessage();
+    /// What is open went by another id before: what was read of it then need not be read again.
+    void carryOver(const QString &conversationId);
 
 Q_SIGNALS:
     void changed();
 
 private:
-    QCoro::Task<> extractNow(MemoryExtractService::Body body, QString place, qsizetype upTo);
+    QCoro::Task<> extractNow(MemoryExtractService::Portion portion, ExtractionProgress::Ticket ticket);
+    void take(const MemoryExtractService::Resp &answer);
     QCoro::Task<> confirmNow(QString candidateId);
     QCoro::Task<> dismissNow(QString candidateId);
     void reset();
@@ -94,11 +103,12 @@ private:
     MemoryService m_memories;
     ConversationSession &m_session;
     std::function<bool()> m_isIdle;
-    quint64 m_generation = 0; ///< counts the conversations, and the readings shown
-    bool m_extracting = false;
+    ExtractionProgress m_own; ///< where none is shared
+    QPointer<ExtractionProgress> m_progress;
+    quint64 m_generation = 0; ///< counts the conversations
     QString m_message;
     qint64 m_extractCharge = 0;
-    QHash<QString, qsizetype> m_extractedUpTo; ///< by account and conversation
+    qsizetype m_left = 0;
     bool m_open = false;
     QString m_report;
     bool m_reportFailed = false;

@@ -30,7 +30,7 @@ public:
 
     QString messageId() const { return speaking() ? m_messageId : QString(); }
     bool shown() const { return speaking() || !note().isEmpty(); }
-    bool speaking() const { return m_player.playing(); }
+    bool speaking() const { return m_player.playing() || m_reading; }
     bool preparing() const { return speaking() && !m_player.isPlayingAudio(); }
     QString subtitle() const { return m_player.speakingText().value_or(QString()).simplified(); }
     QString note() const;
@@ -40,16 +40,23 @@ public:
     /// Ends the reading, or puts its note away.
     Q_INVOKABLE void stop();
 
-    /// What of a reply is spoken: its words, without the signs that only lay them out.
+    /// What of a reply is spoken: its words, without the signs that only lay them out. Pure; any thread.
     static QString spokenText(const QString &markdown);
+    /// As much of a message as is read aloud at all, in UTF-16 units: hours of listening.
+    static constexpr qsizetype mostSpoken = 50'000;
 
 Q_SIGNALS:
     void changed();
 
 private:
+    QCoro::Task<> speakReply(QString markdown);
+
     ConversationSession &m_session;
     TTSPlayer m_player;
     QString m_messageId;
+    bool m_reading = false; ///< the words of a long message are still being made out
+    bool m_cut = false;     ///< the rest of it is not read
+    quint64 m_asked = 0;    ///< counts what was asked for
 };
 
 } // namespace lmp

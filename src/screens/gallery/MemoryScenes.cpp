@@ -213,7 +213,7 @@ QList<GalleryScene> MemoryScenes::ledger() {
             stage.service().reply(u"/api/app/memory/forget"_s, MemoryService::ForgetResp{some().items[0]});
             model(stage).forget(u"m1"_s);
         });
-        stage.until(u"the banner"_s, [&stage] { return model(stage).canUndo(); });
+        stage.until(u"the banner"_s, [&stage] { return !model(stage).undoText().isEmpty(); });
     });
     const auto busy = act([](GalleryStage &stage) {
         stage.service().stall(u"/api/app/memory/freeze"_s);

@@ -4,14 +4,16 @@
 #include "screens/kit/RecordListModel.h"
 #include "screens/memory/MemoryServices.h"
 
+#include <QSet>
 #include <QtQml/qqmlregistration.h>
 
 namespace lmp {
 
 /// The correction of one memory: its wording now, where it comes from, what is typed instead, and what became of that.
 ///
-/// Part of the ledger's model; UI thread. What is typed is kept (`MemoryInputs`) until it is saved or given up. Nothing
-/// is saved on top of a version that the person has not seen, and nothing is sent twice.
+/// Part of the ledger's model; UI thread. What is typed is kept (`MemoryInputs`) until it is saved or given up, with
+/// the wording that it was typed upon: nothing is saved on top of one that the person has not seen. Nothing is sent
+/// twice. A sheet that is closed while it saves is told of elsewhere.
 class MemoryCorrectionModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -69,14 +71,19 @@ public:
 
     /// What the text of a memory's correction is kept under.
     static QString keyOf(const QString &memoryId);
+    /// Gives up what was typed about a memory.
+    static void giveUp(MemoryInputs &inputs, const QString &memoryId);
 
 Q_SIGNALS:
     void changed();
     void textChanged();
     /// The service has another wording.
     void reworded(const QString &memoryId, const QString &content);
+    /// What became of a change whose sheet was closed meanwhile.
+    void settledUnseen(const QString &text, bool failed);
 
 private:
+    void read();
     QCoro::Task<> load();
     QCoro::Task<> saveNow(QString content);
     QCoro::Task<> undoNow();
@@ -84,6 +91,9 @@ private:
     QCoro::Task<> learnCurrent();
     bool isStill(quint64 generation, const QString &owner);
     void show(const MemoryHistoryResp &history);
+    void judge();
+    void onSaved(const QString &content, const MemoryCorrectionOutcome &outcome);
+    void tellUnseen(const QString &memoryId, const QString &content, const MemoryCorrectionOutcome &outcome);
     void settle(State state, const QString &message, bool mustReopen = false);
     void onInputs();
     void keep(const QString &text);
@@ -94,6 +104,9 @@ private:
     MemoryHistoryResp m_history;
     QString m_revision; ///< what the next change is based on
     QString m_text;
+    QString m_base;         ///< the wording that it is typed upon
+    QString m_told;         ///< the wording that a conflict has just been told with
+    QSet<QString> m_saving; ///< memories whose correction is under way, whatever sheet is open
     State m_state = State::Closed;
     QString m_message;
     bool m_mustReopen = false;

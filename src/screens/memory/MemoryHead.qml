@@ -26,13 +26,21 @@ Column {
     }
 
     LMPBanner {
-        actionText: root.ledger.canUndo ? "撤销" : ""
         closable: true
         text: root.ledger.banner
         tone: root.ledger.bannerFailed ? LMPBanner.Warning : LMPBanner.Info
         visible: root.ledger.banner !== ""
-        onAction: root.ledger.undoForget()
         onClosed: root.ledger.closeBanner()
+    }
+
+    // Whatever else is said meanwhile, this stays within reach.
+    LMPBanner {
+        actionText: "撤销"
+        closable: true
+        text: root.ledger.undoText
+        visible: root.ledger.undoText !== ""
+        onAction: root.ledger.undoForget()
+        onClosed: root.ledger.closeUndo()
     }
 
     Flow {
@@ -63,7 +71,11 @@ Column {
         visible: root.searchable
         width: parent.width
 
-        Keys.onDownPressed: root.downPressed()
+        Keys.onDownPressed: event => {
+            event.accepted = !find.inputMethodComposing;
+            if (event.accepted)
+                root.downPressed();
+        }
         Keys.onEscapePressed: event => {
             event.accepted = find.text !== "" && !find.inputMethodComposing;
             if (event.accepted)

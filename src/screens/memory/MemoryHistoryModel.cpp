@@ -37,7 +37,7 @@ void MemoryHistoryModel::reload() {
 QCoro::Task<> MemoryHistoryModel::load(QString told) {
     const QPointer self(this);
     const auto generation = m_generation;
-    const QString owner = m_services.account.key();
+    const QString owner = m_services.account.owner();
     const auto history = co_await m_services.service.history(m_memoryId);
     if (!self || !isStill(generation, owner))
         co_return;
@@ -61,7 +61,7 @@ QCoro::Task<> MemoryHistoryModel::load(QString told) {
 bool MemoryHistoryModel::isStill(quint64 generation, const QString &owner) {
     if (m_generation != generation)
         return false;
-    if (m_services.account.key() == owner)
+    if (m_services.account.isStill(owner))
         return true;
     drop(MemoryTexts::accountChanged());
     return false;
@@ -84,9 +84,13 @@ void MemoryHistoryModel::revert() {
 QCoro::Task<> MemoryHistoryModel::revertNow() {
     const QPointer self(this);
     const auto generation = m_generation;
-    const QString owner = m_services.account.key();
+    const QString owner = m_services.account.owner();
     const QString memoryId = m_memoryId;
     const auto outcome = co_await m_services.service.revert(memoryId, *m_history.revision);
+    if (!self)
+        co_return;
+    if (m_generation != generation && m_services.account.isStill(owner))
+        tellUnseen(memoryId, outcome);
     if (!self || !isStill(generation, owner))
         co_return;
     if (const auto *done = std::get_if<MemoryRevertOutcome::done>(&outcome.value)) {
@@ -104,6 +108,15 @@ QCoro::Task<> MemoryHistoryModel::revertNow() {
         const auto *failed = std::get_if<MemoryRevertOutcome::failed>(&outcome.value);
         settle(State::Loaded, failed ? failed->message : MemoryTexts::revertConflict(), true);
     }
+}
+
+void MemoryHistoryModel::tellUnseen(const QString &memoryId, const MemoryRevertOutcome &outcome) {
+    if (const auto *done = std::get_if<MemoryRevertOutcome::done>(&outcome.value))
+        Q_EMIT reworded(memoryId, done->content);
+    else if (const auto *failed = std::get_if<MemoryRevertOutcome::failed>(&outcome.value))
+        Q_EMIT settledUnseen(failed->message, true);
+    else if (std::holds_alternative<MemoryRevertOutcome::conflict>(outcome.value))
+        Q_EMIT settledUnseen(MemoryTexts::revertConflict(), true);
 }
 
 void MemoryHistoryModel::drop(const QString &why) {

@@ -56,11 +56,14 @@ Q_SIGNALS:
     void changed();
     /// The service has another wording.
     void reworded(const QString &memoryId, const QString &content);
+    /// What became of a change whose sheet was closed meanwhile.
+    void settledUnseen(const QString &text, bool failed);
 
 private:
     /// @param told stays when the history is there
     QCoro::Task<> load(QString told);
     QCoro::Task<> revertNow();
+    void tellUnseen(const QString &memoryId, const MemoryRevertOutcome &outcome);
     bool isStill(quint64 generation, const QString &owner);
     void settle(State state, const QString &message, bool failed);
 

@@ -2,12 +2,11 @@
 
 #include "core/Detach.h"
 #include "core/PoolAwaiter.h"
+#include "core/TextFile.h"
 #include "identity/MemoryTexts.h"
 #include "screens/memory/MemoryInputs.h"
 
-#include <QFile>
 #include <QPointer>
-#include <QStringDecoder>
 
 #include <algorithm>
 
@@ -72,12 +71,14 @@ int MemoryImportModel::picked() const {
 
 void MemoryImportModel::open() {
     if (m_step == ImportStep::done && !m_writing)
-        discard();
+        drop();
+    else if (takesText())
+        onInputs(); // another window may have typed on
     Q_EMIT changed();
 }
 
 void MemoryImportModel::setSource(Source source) {
-    if (MemoryImport::Source(int(source)) == m_source)
+    if (MemoryImport::Source(int(source)) == m_source || !takesText())
         return;
     m_source = MemoryImport::Source(int(source));
     m_errorText.clear();
@@ -86,7 +87,7 @@ void MemoryImportModel::setSource(Source source) {
 }
 
 void MemoryImportModel::setText(const QString &text) {
-    if (text == m_text)
+    if (text == m_text || !takesText())
         return;
     m_text = text;
     m_pieces = MemoryImport::countPieces(text);
@@ -106,37 +107,26 @@ void MemoryImportModel::onInputs() {
 void MemoryImportModel::readFile(const QString &place) {
     const QUrl url(place.trimmed());
     const QString path = url.isLocalFile() ? url.toLocalFile() : place.trimmed();
-    if (!path.isEmpty())
+    if (!path.isEmpty() && takesText())
         detach(readFileNow(path), "reading a text to import");
-}
-
-MemoryImportModel::FileText MemoryImportModel::readNow(const QString &path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {.text = {}, .error = u"这个文件打不开："_s + path};
-    const QByteArray bytes = file.read(maxFileBytes + 1);
-    if (bytes.size() > maxFileBytes)
-        return {.text = {}, .error = u"这个文件太大了，请先截取要导入的一段。"_s};
-    const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
-    QStringDecoder decoder(encoding);
-    const QString text = decoder(bytes);
-    if (decoder.hasError() || text.contains(QChar(u'\0')))
-        return {.text = {}, .error = u"这个文件不是 UTF-8 文本，请另存为文本文件再试。"_s};
-    if (text.size() > maxTextSize)
-        return {.text = {}, .error = u"这个文件的内容太长了，请先截取要导入的一段。"_s};
-    return {.text = text, .error = {}};
 }
 
 QCoro::Task<> MemoryImportModel::readFileNow(QString path) {
     const QPointer self(this);
     const auto generation = m_generation;
     const auto source = m_source;
-    const auto read = co_await PoolAwaiter([path] { return readNow(path); });
+    const auto read = co_await PoolAwaiter([path] { return TextFile::read(path); });
     if (!self || m_generation != generation || m_source != source || m_step != ImportStep::source)
         co_return;
-    m_errorText = read.error;
-    if (read.error.isEmpty())
-        setText(m_text.isEmpty() ? read.text : m_text + u'\n' + read.text);
+    const QString all = !read ? QString() : m_text.isEmpty() ? *read : m_text + u'\n' + *read;
+    if (!read)
+        m_errorText = read.error();
+    else if (m_scanning)
+        m_errorText = u"这个文件读到时已经开始扫描，没有加进来，扫完再读一次。"_s;
+    else
+        m_errorText = all.size() > maxTextSize ? u"内容太长了，请先截取要导入的一段。"_s : QString();
+    if (m_errorText.isEmpty())
+        setText(all);
     if (self)
         Q_EMIT changed();
 }
@@ -148,6 +138,9 @@ void MemoryImportModel::scan() {
         return;
     m_scanning = true;
     m_errorText.clear();
+    const QString rest = MemoryImport::rest(m_text);
+    m_sent = m_text.chopped(rest.size());
+    m_rest = MemoryImport::countPieces(rest);
     detach(scanNow(), "reading a text for memories");
     Q_EMIT changed();
 }
@@ -155,7 +148,7 @@ void MemoryImportModel::scan() {
 QCoro::Task<> MemoryImportModel::scanNow() {
     const QPointer self(this);
     const auto generation = m_generation;
-    const QString owner = m_services.account.key();
+    const QString owner = m_services.account.owner();
     const auto answer = co_await m_services.service.extract(MemoryImport::messages(m_text));
     if (!self || !isStill(generation, owner))
         co_return;
@@ -179,7 +172,7 @@ QCoro::Task<> MemoryImportModel::scanNow() {
 bool MemoryImportModel::isStill(quint64 generation, const QString &owner) {
     if (m_generation != generation)
         return false;
-    if (m_services.account.key() == owner)
+    if (m_services.account.isStill(owner))
         return true;
     drop(MemoryTexts::accountChanged());
     return false;
@@ -227,7 +220,7 @@ void MemoryImportModel::write() {
 QCoro::Task<> MemoryImportModel::writeNow() {
     const QPointer self(this);
     const auto generation = m_generation;
-    const QString owner = m_services.account.key();
+    const QString owner = m_services.account.owner();
     const auto rows = m_candidates.records();
     for (const auto &row : rows) {
         if (!row.picked)
@@ -244,9 +237,9 @@ QCoro::Task<> MemoryImportModel::writeNow() {
     }
     m_writing = false;
     m_step = ImportStep::done;
-    // What was written is no longer only here.
+    // What was found in it is no longer only here.
     if (m_written > 0)
-        setText({});
+        removeSent();
     if (!self)
         co_return;
     Q_EMIT changed();
@@ -271,10 +264,32 @@ QStringList MemoryImportModel::results() const {
     return lines;
 }
 
+QString MemoryImportModel::restText() const {
+    const bool told = m_step == ImportStep::done || (m_step == ImportStep::review && found() == 0);
+    return told && m_rest > 0 ? MemoryTexts::importRest(m_rest) : QString();
+}
+
+void MemoryImportModel::goOn() {
+    if (restText().isEmpty())
+        return;
+    removeSent();
+    drop();
+}
+
+void MemoryImportModel::removeSent() {
+    // Whatever stands there now that was not sent stays.
+    const QString key = keyOf(m_source);
+    const QString kept = m_services.inputs->text(key);
+    if (!m_sent.isEmpty() && kept.startsWith(m_sent))
+        m_services.inputs->setText(key, kept.sliced(m_sent.size()));
+    m_sent.clear();
+    onInputs();
+}
+
 void MemoryImportModel::discard() {
     if (m_writing)
         return;
-    setText({});
+    m_services.inputs->setText(keyOf(m_source), {});
     drop();
 }
 
@@ -284,6 +299,8 @@ void MemoryImportModel::drop(const QString &why) {
     m_scanning = m_writing = false;
     m_errorText = why;
     m_charged.reset();
+    m_sent.clear();
+    m_rest = 0;
     m_candidates.setRecords({});
     onInputs();
     Q_EMIT changed();

@@ -12,8 +12,8 @@ namespace lmp {
 
 /// Brings memories in from a text, in four steps: a text, what was found in it, what is to be written, what was.
 ///
-/// Part of the ledger's model; UI thread. The text is kept (`MemoryInputs`) until the import is done or given up;
-/// candidates that were found wait at the service whatever happens here.
+/// Part of the ledger's model; UI thread. The text is kept (`MemoryInputs`) until the import is done or given up, and
+/// what of it was never read longer than that; candidates that were found wait at the service whatever happens here.
 class MemoryImportModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -41,13 +41,13 @@ class MemoryImportModel : public QObject {
     /// How far the writing is.
     Q_PROPERTY(QString progressText READ progressText NOTIFY changed)
     Q_PROPERTY(QList<QString> results READ results NOTIFY changed)
+    /// Said of a longer text when a part of it has been dealt with; `goOn` goes on with the rest.
+    Q_PROPERTY(QString restText READ restText NOTIFY changed)
 public:
     enum class Source { ChatFile, Manual };
     Q_ENUM(Source)
     enum class Step { Text, Review, Confirm, Done };
     Q_ENUM(Step)
-    /// A file beyond this is no text that somebody would bring along.
-    static constexpr qint64 maxFileBytes = 20'000'000;
     static constexpr qsizetype maxTextSize = 400'000;
 
     explicit MemoryImportModel(MemoryServices services, QObject *parent = nullptr);
@@ -74,10 +74,12 @@ public:
     bool writing() const { return m_writing; }
     QString progressText() const;
     QStringList results() const;
+    QString restText() const;
 
-    /// Begins where it was left.
+    /// Begins where it was left; after an import with what of its text was not read.
     Q_INVOKABLE void open();
-    /// Takes the text of a file, in place of nothing or after what is there.
+    /// Takes the text of a file, in place of nothing or after what is there. Not while a text is read for memories:
+    /// what is sent is what was seen.
     /// @param place a path, or a file's address
     Q_INVOKABLE void readFile(const QString &place);
     Q_INVOKABLE void scan();
@@ -85,6 +87,8 @@ public:
     Q_INVOKABLE void goToConfirm();
     Q_INVOKABLE void back();
     Q_INVOKABLE void write();
+    /// Leaves what has been read behind and begins with the rest of the text.
+    Q_INVOKABLE void goOn();
     /// Gives up the text and what was found, and begins anew.
     Q_INVOKABLE void discard();
     /// Lets go of everything, since somebody else is signed in.
@@ -97,16 +101,12 @@ Q_SIGNALS:
     void ledgerChanged();
 
 private:
-    struct FileText {
-        QString text;
-        QString error;
-    };
-
-    static FileText readNow(const QString &path);
+    bool takesText() const { return m_step == MemoryImport::Step::source && !m_scanning; }
     QCoro::Task<> readFileNow(QString path);
     QCoro::Task<> scanNow();
     QCoro::Task<> writeNow();
     bool isStill(quint64 generation, const QString &owner);
+    void removeSent();
     void onInputs();
 
     MemoryServices m_services;
@@ -115,10 +115,12 @@ private:
     MemoryImport::Source m_source = MemoryImport::Source::chatFile;
     QString m_text;
     qsizetype m_pieces = 0;
+    QString m_sent; ///< as much of the text as was read for memories
     bool m_scanning = false;
     bool m_writing = false;
     QString m_errorText;
     std::optional<qint64> m_charged; ///< Pip
+    qsizetype m_rest = 0;            ///< pieces behind it
     qsizetype m_toWrite = 0;
     qsizetype m_written = 0;
     qsizetype m_superseded = 0;

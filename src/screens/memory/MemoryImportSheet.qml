@@ -129,6 +129,18 @@ LMPSheet {
         model: root.importer.results
     }
 
+    LMPText {
+        text: root.importer.restText
+        visible: text !== ""
+        width: parent.width
+    }
+
+    LMPButton {
+        text: "接着扫后面的"
+        visible: root.importer.restText !== ""
+        onClicked: root.importer.goOn()
+    }
+
     Flow {
         spacing: Theme.space8
         visible: root.step !== MemoryImportModel.Done && !root.primaryBusy && (root.importer.text !== "" || root.step !== MemoryImportModel.Text)

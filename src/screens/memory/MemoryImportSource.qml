@@ -23,6 +23,7 @@ Column {
     LMPSegmented {
         currentIndex: root.importer.source
         label: "从哪里来"
+        enabled: !root.importer.scanning
         model: root.importer.sources
         onActivated: index => root.importer.source = index
     }
@@ -46,7 +47,7 @@ Column {
 
         DropArea {
             anchors.fill: parent
-            enabled: root.importer.source === MemoryImportModel.ChatFile
+            enabled: root.importer.source === MemoryImportModel.ChatFile && !root.importer.scanning
             keys: ["text/uri-list"]
             onDropped: drop => {
                 for (const url of drop.urls)

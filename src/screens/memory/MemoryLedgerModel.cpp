@@ -16,10 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The words of the service's contract.
-const QString accepted = u"accept"_s;
-const QString rejected = u"reject"_s;
-
 /// What `tiers` offers.
 constexpr std::array tierKinds{MemoryItemsModel::Kind::All,        MemoryItemsModel::Kind::Fact,
                                MemoryItemsModel::Kind::Preference, MemoryItemsModel::Kind::Inference,
@@ -30,11 +26,22 @@ constexpr std::array tierKinds{MemoryItemsModel::Kind::All,        MemoryItemsMo
 MemoryLedgerModel::MemoryLedgerModel(MemoryServices services, QObject *parent)
     : QObject(parent)
     , m_services(std::move(services))
-    , m_owner(m_services.account.key())
+    , m_owner(m_services.account.owner())
+    , m_deeds(m_services, m_items, m_candidates, m_chapters)
     , m_correction(m_services)
     , m_history(m_services)
     , m_importer(m_services) {
     connect(&m_items, &MemoryItemsModel::countsChanged, this, &MemoryLedgerModel::changed);
+    connect(&m_deeds, &MemoryDeeds::changed, this, &MemoryLedgerModel::changed);
+    connect(&m_deeds, &MemoryDeeds::told, this, &MemoryLedgerModel::setBanner);
+    connect(&m_deeds, &MemoryDeeds::doubted, this, &MemoryLedgerModel::reload);
+    connect(&m_deeds, &MemoryDeeds::overtaken, this, [this] {
+        if (m_refreshing)
+            reload();
+    });
+    connect(&m_deeds, &MemoryDeeds::ownerChanged, this, [this] { putAway(true); });
+    connect(&m_correction, &MemoryCorrectionModel::settledUnseen, this, &MemoryLedgerModel::setBanner);
+    connect(&m_history, &MemoryHistoryModel::settledUnseen, this, &MemoryLedgerModel::setBanner);
     connect(&m_correction, &MemoryCorrectionModel::reworded, this, &MemoryLedgerModel::onReworded);
     connect(&m_history, &MemoryHistoryModel::reworded, this, &MemoryLedgerModel::onReworded);
     connect(&m_importer, &MemoryImportModel::ledgerChanged, this, &MemoryLedgerModel::reload);
@@ -61,7 +68,7 @@ void MemoryLedgerModel::open() {
 }
 
 void MemoryLedgerModel::reload() {
-    m_owner = m_services.account.key();
+    m_owner = m_services.account.owner();
     if (m_state == State::Loaded)
         m_refreshing = true;
     else
@@ -102,14 +109,14 @@ QCoro::Task<> MemoryLedgerModel::load(quint64 loadId, QString owner) {
     for (const auto &chapter : bundle->chapters)
         chapters.push_back(ChapterRow::of(chapter));
     m_chapters.setRecords(std::move(chapters));
-    tellBusy();
+    m_deeds.settle();
     if (const QString wanted = std::exchange(m_revealed, {}); !wanted.isEmpty())
         reveal(wanted);
     Q_EMIT changed();
 }
 
 bool MemoryLedgerModel::isFor(const QString &owner) {
-    if (m_services.account.key() == owner && m_owner == owner)
+    if (m_services.account.owner() == owner && m_owner == owner)
         return true;
     putAway(true);
     return false;
@@ -117,20 +124,18 @@ bool MemoryLedgerModel::isFor(const QString &owner) {
 
 void MemoryLedgerModel::recheckAccount() {
     m_services.inputs->recheckAccount();
-    if (m_services.account.key() != m_owner)
-        putAway(m_state == State::Loading || m_refreshing || !m_busy.isEmpty());
+    if (m_services.account.owner() != m_owner)
+        putAway(m_state == State::Loading || m_refreshing || m_deeds.underWay());
 }
 
 void MemoryLedgerModel::putAway(bool underWay) {
     ++m_loadId;
-    ++m_generation;
-    m_owner = m_services.account.key();
+    m_owner = m_services.account.owner();
     m_state = underWay ? State::Failed : State::Idle;
     m_errorText = underWay ? MemoryTexts::accountChanged() : QString();
     m_refreshing = false;
     m_banner.clear();
-    m_busy.clear();
-    m_forgotten.reset();
+    m_deeds.drop();
     m_revealed.clear();
     m_items.setItems({}, {});
     m_candidates.setRecords({});
@@ -248,37 +253,9 @@ void MemoryLedgerModel::reveal(const QString &memoryId) {
 
 // What is done
 
-bool MemoryLedgerModel::begin(const QString &id) {
-    if (m_busy.contains(id) || m_services.account.key() != m_owner)
-        return false;
-    m_busy.insert(id);
-    tellBusy();
-    return true;
-}
-
-void MemoryLedgerModel::end(const QString &id) {
-    m_busy.remove(id);
-    m_items.setBusy(id, false);
-    tellBusy();
-}
-
-void MemoryLedgerModel::tellBusy() {
-    for (const QString &id : std::as_const(m_busy))
-        m_items.setBusy(id, true);
-    auto candidates = m_candidates.records();
-    for (auto &candidate : candidates)
-        candidate.busy = m_busy.contains(candidate.candidateId);
-    m_candidates.setRecords(std::move(candidates));
-    auto chapters = m_chapters.records();
-    for (auto &chapter : chapters)
-        chapter.busy = m_busy.contains(chapter.chapterId);
-    m_chapters.setRecords(std::move(chapters));
-}
-
 void MemoryLedgerModel::setBanner(const QString &text, bool failed) {
     m_banner = text;
     m_bannerFailed = failed;
-    m_forgotten.reset();
     Q_EMIT changed();
 }
 
@@ -287,170 +264,33 @@ void MemoryLedgerModel::closeBanner() {
 }
 
 void MemoryLedgerModel::confirm(const QString &candidateId) {
-    if (begin(candidateId))
-        detach(confirmNow(candidateId), "confirming a candidate");
-}
-
-QCoro::Task<> MemoryLedgerModel::confirmNow(QString candidateId) {
-    const QPointer self(this);
-    const auto generation = m_generation;
-    const QString owner = m_owner;
-    const auto answer = co_await m_services.service.confirm(candidateId);
-    if (!self || m_generation != generation || !isFor(owner))
-        co_return;
-    end(candidateId);
-    if (!answer) {
-        setBanner(MemoryTexts::candidateNotConfirmed(), true);
-        co_return;
-    }
-    auto candidates = m_candidates.records();
-    std::erase_if(candidates, [&](const auto &candidate) { return candidate.candidateId == candidateId; });
-    m_candidates.setRecords(std::move(candidates));
-    if (answer->item)
-        m_items.put(*answer->item);
-    setBanner(answer->supersededContent ? MemoryTexts::confirmedInPlaceOf(*answer->supersededContent)
-                                        : MemoryTexts::candidateConfirmed(),
-              false);
-    // A load that was under way may have begun before.
-    if (self && (!answer->item || m_refreshing))
-        reload();
+    if (mayAct())
+        m_deeds.confirm(candidateId);
 }
 
 void MemoryLedgerModel::dismiss(const QString &candidateId) {
-    if (begin(candidateId))
-        detach(dismissNow(candidateId), "dismissing a candidate");
-}
-
-QCoro::Task<> MemoryLedgerModel::dismissNow(QString candidateId) {
-    const QPointer self(this);
-    const auto generation = m_generation;
-    const QString owner = m_owner;
-    const auto answer = co_await m_services.service.dismiss(candidateId);
-    if (!self || m_generation != generation || !isFor(owner))
-        co_return;
-    end(candidateId);
-    if (!answer) {
-        setBanner(MemoryTexts::candidateNotDropped(), true);
-        co_return;
-    }
-    auto candidates = m_candidates.records();
-    std::erase_if(candidates, [&](const auto &candidate) { return candidate.candidateId == candidateId; });
-    m_candidates.setRecords(std::move(candidates));
-    Q_EMIT changed();
-    if (self && m_refreshing)
-        reload();
+    if (mayAct())
+        m_deeds.dismiss(candidateId);
 }
 
 void MemoryLedgerModel::setFrozen(const QString &memoryId, bool frozen) {
-    if (begin(memoryId))
-        detach(freezeNow(memoryId, frozen), "freezing a memory");
-}
-
-QCoro::Task<> MemoryLedgerModel::freezeNow(QString memoryId, bool frozen) {
-    const QPointer self(this);
-    const auto generation = m_generation;
-    const QString owner = m_owner;
-    const auto answer = co_await m_services.service.freeze(memoryId, frozen);
-    if (!self || m_generation != generation || !isFor(owner))
-        co_return;
-    end(memoryId);
-    if (!answer) {
-        setBanner(MemoryTexts::notDone(frozen ? u"冻结"_s : u"解冻"_s, answer.error().reason), true);
-        co_return;
-    }
-    if (const auto *item = m_items.find(memoryId)) {
-        auto changedItem = *item;
-        changedItem.frozen = frozen;
-        m_items.put(changedItem);
-    }
-    if (self && m_refreshing)
-        reload();
+    if (mayAct())
+        m_deeds.setFrozen(memoryId, frozen);
 }
 
 void MemoryLedgerModel::forget(const QString &memoryId) {
-    if (begin(memoryId))
-        detach(forgetNow(memoryId), "forgetting a memory");
-}
-
-QCoro::Task<> MemoryLedgerModel::forgetNow(QString memoryId) {
-    const QPointer self(this);
-    const auto generation = m_generation;
-    const QString owner = m_owner;
-    const auto answer = co_await m_services.service.forget(memoryId);
-    if (!self || m_generation != generation || !isFor(owner))
-        co_return;
-    end(memoryId);
-    if (!answer) {
-        setBanner(MemoryTexts::notDone(u"忘记"_s, answer.error().reason), true);
-        co_return;
-    }
-    const auto *item = m_items.find(memoryId);
-    const QString content = item ? item->content : answer->item ? answer->item->content : QString();
-    m_banner = MemoryTexts::forgotten(content);
-    m_bannerFailed = false;
-    m_forgotten = answer->item;
-    m_forgottenPlace = std::max(0, m_items.placeOf(memoryId));
-    m_services.inputs->setText(MemoryCorrectionModel::keyOf(memoryId), {});
-    m_items.remove(memoryId);
-    Q_EMIT changed();
-    if (self && m_refreshing)
-        reload();
+    if (mayAct())
+        m_deeds.forget(memoryId);
 }
 
 void MemoryLedgerModel::undoForget() {
-    if (m_forgotten && begin(m_forgotten->id))
-        detach(restoreNow(*m_forgotten, m_forgottenPlace), "restoring a memory");
-}
-
-QCoro::Task<> MemoryLedgerModel::restoreNow(MemoryItemDTO item, int place) {
-    const QPointer self(this);
-    const auto generation = m_generation;
-    const QString owner = m_owner;
-    const auto answer = co_await m_services.service.restore(item);
-    if (!self || m_generation != generation || !isFor(owner))
-        co_return;
-    end(item.id);
-    if (!answer) {
-        // Another may have been forgotten meanwhile: what can still be taken back stays so.
-        m_banner = MemoryTexts::notDone(u"恢复"_s, answer.error().reason);
-        m_bannerFailed = true;
-        Q_EMIT changed();
-        co_return;
-    }
-    m_items.put(item, place);
-    if (!m_forgotten || m_forgotten->id == item.id)
-        setBanner(MemoryTexts::restored(), false);
-    if (self && m_refreshing)
-        reload();
+    if (mayAct())
+        m_deeds.undoForget();
 }
 
 void MemoryLedgerModel::resolveChapter(const QString &chapterId, bool accept) {
-    if (begin(chapterId))
-        detach(resolveNow(chapterId, accept), "resolving a chapter");
-}
-
-QCoro::Task<> MemoryLedgerModel::resolveNow(QString chapterId, bool accept) {
-    const QPointer self(this);
-    const auto generation = m_generation;
-    const QString owner = m_owner;
-    const auto answer = co_await m_services.service.resolveChapter(chapterId, accept ? accepted : rejected);
-    if (!self || m_generation != generation || !isFor(owner))
-        co_return;
-    end(chapterId);
-    if (!answer) {
-        setBanner(MemoryTexts::notDone(accept ? u"收下这一章"_s : u"去掉这一章"_s, answer.error().reason), true);
-        co_return;
-    }
-    auto chapters = m_chapters.records();
-    const auto chapter = std::ranges::find(chapters, chapterId, &ChapterRow::chapterId);
-    if (chapter != chapters.end() && accept)
-        chapter->pending = false;
-    else if (chapter != chapters.end())
-        chapters.erase(chapter);
-    m_chapters.setRecords(std::move(chapters));
-    Q_EMIT changed();
-    if (self && m_refreshing)
-        reload();
+    if (mayAct())
+        m_deeds.resolveChapter(chapterId, accept);
 }
 
 void MemoryLedgerModel::edit(const QString &memoryId) {

@@ -1,13 +1,10 @@
 #pragma once
 
 #include "identity/MemoryBundle.h"
-#include "screens/kit/RecordListModel.h"
-#include "screens/memory/ChapterRow.h"
-#include "screens/memory/MemoryCandidateRow.h"
 #include "screens/memory/MemoryCorrectionModel.h"
+#include "screens/memory/MemoryDeeds.h"
 #include "screens/memory/MemoryHistoryModel.h"
 #include "screens/memory/MemoryImportModel.h"
-#include "screens/memory/MemoryItemsModel.h"
 
 namespace lmp {
 
@@ -26,7 +23,6 @@ class MemoryLedgerModel : public QObject {
     Q_PROPERTY(lmp::MemoryCorrectionModel *correction READ correction CONSTANT)
     Q_PROPERTY(lmp::MemoryHistoryModel *history READ history CONSTANT)
     Q_PROPERTY(lmp::MemoryImportModel *importer READ importer CONSTANT)
-
     Q_PROPERTY(State state READ state NOTIFY changed)
     /// Asked for anew while there is something to show.
     Q_PROPERTY(bool refreshing READ refreshing NOTIFY changed)
@@ -37,11 +33,10 @@ class MemoryLedgerModel : public QObject {
     Q_PROPERTY(int pendingChapters READ pendingChapters NOTIFY changed)
     Q_PROPERTY(QString banner READ banner NOTIFY changed)
     Q_PROPERTY(bool bannerFailed READ bannerFailed NOTIFY changed)
-    /// The memory that was just forgotten can be taken back.
-    Q_PROPERTY(bool canUndo READ canUndo NOTIFY changed)
+    /// What was just forgotten and can be taken back; empty when there is nothing.
+    Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
     /// What is typed and could not be kept.
     Q_PROPERTY(QString inputNotice READ inputNotice NOTIFY changed)
-
     Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY queryChanged)
     Q_PROPERTY(int tier READ tier WRITE setTier NOTIFY queryChanged)
     Q_PROPERTY(QList<QString> tiers READ tiers CONSTANT)
@@ -75,7 +70,7 @@ public:
     int pendingChapters() const;
     const QString &banner() const { return m_banner; }
     bool bannerFailed() const { return m_bannerFailed; }
-    bool canUndo() const { return m_forgotten.has_value(); }
+    QString undoText() const { return m_deeds.undoText(); }
     const QString &inputNotice() const;
     Filter filter() const { return m_filter; }
     void setFilter(Filter filter);
@@ -104,6 +99,7 @@ public:
     Q_INVOKABLE void setFrozen(const QString &memoryId, bool frozen);
     Q_INVOKABLE void forget(const QString &memoryId);
     Q_INVOKABLE void undoForget();
+    Q_INVOKABLE void closeUndo() { m_deeds.closeUndo(); }
     Q_INVOKABLE void resolveChapter(const QString &chapterId, bool accept);
     Q_INVOKABLE void edit(const QString &memoryId);
     Q_INVOKABLE void showHistory(const QString &memoryId);
@@ -121,18 +117,11 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> load(quint64 loadId, QString owner);
-    QCoro::Task<> confirmNow(QString candidateId);
-    QCoro::Task<> dismissNow(QString candidateId);
-    QCoro::Task<> freezeNow(QString memoryId, bool frozen);
-    QCoro::Task<> forgetNow(QString memoryId);
-    QCoro::Task<> restoreNow(MemoryItemDTO item, int place);
-    QCoro::Task<> resolveNow(QString chapterId, bool accept);
     /// Whether an answer for `owner` may still be shown; where somebody else has come, everything is put away.
     bool isFor(const QString &owner);
     void putAway(bool underWay);
-    bool begin(const QString &id);
-    void end(const QString &id);
-    void tellBusy();
+    /// Whether something may be done to what is shown.
+    bool mayAct() const { return m_services.account.isStill(m_owner); }
     void setBanner(const QString &text, bool failed);
     void updateQuery();
     void onDrafts();
@@ -141,21 +130,18 @@ private:
     MemoryServices m_services;
     QString m_owner; ///< whose what is here is
     quint64 m_loadId = 0;
-    quint64 m_generation = 0; ///< counts the accounts
     State m_state = State::Idle;
     bool m_refreshing = false;
     QString m_errorText;
     QString m_banner;
     bool m_bannerFailed = false;
-    QSet<QString> m_busy; ///< ids with a request in flight
-    std::optional<MemoryItemDTO> m_forgotten;
-    int m_forgottenPlace = 0;
     QString m_revealed; ///< to be gone to when the ledger is there
     Filter m_filter = Filter::All;
     int m_tier = 0;
     MemoryItemsModel m_items;
-    RecordListModel<MemoryCandidateRow, &MemoryCandidateRow::candidateId> m_candidates;
-    RecordListModel<ChapterRow, &ChapterRow::chapterId> m_chapters;
+    MemoryDeeds::Candidates m_candidates;
+    MemoryDeeds::Chapters m_chapters;
+    MemoryDeeds m_deeds;
     MemoryCorrectionModel m_correction;
     MemoryHistoryModel m_history;
     MemoryImportModel m_importer;

@@ -91,7 +91,7 @@ FocusScope {
             width: Math.min(parent.width - 2 * Theme.space20, Theme.dp(760))
             x: Math.round((parent.width - width) / 2)
             y: Theme.space12
-            onDownPressed: root.current().go(0)
+            onDownPressed: root.current().go(0, false)
         }
 
         Item {

@@ -5,6 +5,7 @@
 #include "ChatModelFixture.h"
 
 #include <QAbstractItemModelTester>
+#include <QThreadPool>
 
 namespace lmp {
 
@@ -82,6 +83,37 @@ TEST_F(ChatFindTest, ReadingAloudEndsWithTheConversation) {
     chat->begin();
     EXPECT_FALSE(speech->shown());
     speech->toggle(u"nobody"_s);
+    EXPECT_FALSE(speech->shown());
+}
+
+TEST_F(ChatFindTest, OfAVeryLongReplyTheBeginningIsRead) {
+    // The place of the cut falls into a character of several units.
+    QByteArray text = QString(u"字"_s.repeated(SpeechModel::mostSpoken - 1) + u"👨‍👩‍👧尾"_s).toUtf8();
+    server.on("/api/app/conversation?id=c",
+              StubServer::reply(200, conversation("c", R"({"id":"m0","role":"twin","text":")" + text +
+                                                           R"("},{"id":"m1","role":"twin","text":"短的。"})")));
+    EXPECT_EQ(SpeechModel::spokenText(QString::fromUtf8(text)), u"字"_s.repeated(SpeechModel::mostSpoken - 1));
+    QByteArray asked;
+    server.on("/api/tts", [&](const StubServer::Request &request, QTcpSocket &) { asked = request.body; });
+    chat->load(u"c"_s);
+    ASSERT_TRUE(eventually([&] { return chat->messages()->total() == 2; }));
+    auto *speech = chat->speech();
+    speech->toggle(u"m0"_s);
+    EXPECT_EQ(speech->messageId(), u"m0"_s);
+    EXPECT_EQ(speech->note(), u"这段话太长，只朗读前一部分。"_s);
+    ASSERT_TRUE(eventually([&] { return !asked.isEmpty(); }));
+    EXPECT_EQ(speech->subtitle(), u"字"_s.repeated(500));
+    speech->stop();
+    // What was wished meanwhile is what is read.
+    asked.clear();
+    speech->toggle(u"m0"_s);
+    speech->toggle(u"m1"_s);
+    EXPECT_EQ(speech->subtitle(), u"短的。"_s);
+    speech->toggle(u"m0"_s);
+    speech->toggle(u"m0"_s);
+    EXPECT_FALSE(speech->shown());
+    QThreadPool::globalInstance()->waitForDone();
+    ::lmp::settle();
     EXPECT_FALSE(speech->shown());
 }
 

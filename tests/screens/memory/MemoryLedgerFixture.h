@@ -52,7 +52,7 @@ protected:
     ConversationAccount account() {
         return {[this] { return user; },
                 [this] {
-                    return user.value_or(QString());
+                    return user.value_or(QString()) + signIn;
                 }};
     }
     void open() {
@@ -104,6 +104,7 @@ protected:
     QTemporaryDir folder;
     ManualClock clock;
     std::optional<QString> user = QStringLiteral("u1");
+    QString signIn = QStringLiteral("s");
     APIClient api{server.url(QStringLiteral("/api")), [] {
                       return QStringLiteral("tok");
                   }};

@@ -82,6 +82,15 @@ TEST_F(MemoryLedgerModelTest, NobodySeesAnothersLedger) {
         open();
         EXPECT_EQ(shown().size(), 3);
     }
+    // The same person by another sign-in is another owner.
+    hold(ledgerPath);
+    ledger->reload();
+    ASSERT_TRUE(eventually([&] { return held; }));
+    signIn += u'+';
+    release(200, bundle());
+    ASSERT_TRUE(eventually([&] { return ledger->state() == State::Failed; }));
+    server.on(ledgerPath, StubServer::reply(200, bundle()));
+    open();
     // What is being done to one is put away too, and what was typed.
     ledger->edit(u"m1"_s);
     ASSERT_TRUE(eventually([&] { return ledger->correction()->state() == MemoryCorrectionModel::State::Ready; }));
@@ -157,18 +166,49 @@ TEST_F(MemoryLedgerModelTest, ACandidateIsTakenOnceOrStays) {
     EXPECT_EQ(shown().first(), u"m9"_s);
     EXPECT_TRUE(role(u"m1"_s, MemoryItemsModel::SupersededRole).toBool());
     EXPECT_EQ(ledger->waiting(), 1);
-    for (const auto &[status, body] :
-         std::initializer_list<std::pair<int, QByteArray>>{{500, "{}"}, {409, "{}"}, {200, "not json"}}) {
-        server.on(confirmPath, StubServer::reply(status, body));
-        ledger->closeBanner();
-        ledger->confirm(u"c2"_s);
-        ASSERT_TRUE(eventually([&] { return !ledger->banner().isEmpty(); }));
-        EXPECT_TRUE(ledger->bannerFailed());
-        EXPECT_EQ(ledger->waiting(), 1);
-    }
+    server.on(confirmPath, StubServer::reply(409, "{}"));
+    ledger->closeBanner();
+    ledger->confirm(u"c2"_s);
+    ASSERT_TRUE(eventually([&] { return !ledger->banner().isEmpty(); }));
+    EXPECT_EQ(ledger->banner(), u"没记下来，稍后再试——这条仍在「等你确认」里。"_s);
+    EXPECT_TRUE(ledger->bannerFailed());
+    EXPECT_EQ(ledger->waiting(), 1);
     server.on("/api/app/memory/candidate/dismiss", StubServer::reply(200, "{}"));
     ledger->dismiss(u"c2"_s);
     ASSERT_TRUE(eventually([&] { return ledger->waiting() == 0; }));
+}
+
+TEST_F(MemoryLedgerModelTest, WithoutAnAnswerTheLedgerTellsWhatWasDone) {
+    // Each deed lands and its answer is lost; what is shown afterwards is what there is.
+    const QByteArray after = R"({"items":[)" + item("m1", "喜欢江边") + R"(],"candidates":[],"chapters":[]})";
+    for (const auto &[name, path, deed, undo] :
+         std::initializer_list<std::tuple<const char *, const char *, std::function<void()>, bool>>{
+             {"confirm", confirmPath, [this] { ledger->confirm(u"c1"_s); }, false},
+             {"dismiss", "/api/app/memory/candidate/dismiss", [this] { ledger->dismiss(u"c1"_s); }, false},
+             {"forget", "/api/app/memory/forget", [this] { ledger->forget(u"m2"_s); }, true},
+             {"chapter", "/api/app/chapter/resolve", [this] { ledger->resolveChapter(u"h1"_s, false); }, false}}) {
+        for (const auto &[status, body] :
+             std::initializer_list<std::pair<int, QByteArray>>{{500, "{}"}, {404, "{}"}, {200, "not json"}, {0, {}}}) {
+            SCOPED_TRACE(name);
+            SCOPED_TRACE(status);
+            if (undo && status == 200)
+                continue; // an answer without the memory is one
+            server.on(ledgerPath, StubServer::reply(200, bundle()));
+            restart();
+            open();
+            server.on(ledgerPath, StubServer::reply(200, after));
+            server.on(
+                path,
+                status ? StubServer::reply(status, body) : [](const auto &, QTcpSocket &socket) { socket.abort(); });
+            deed();
+            ASSERT_TRUE(eventually([&] { return !ledger->banner().isEmpty(); }));
+            EXPECT_EQ(ledger->banner(), MemoryTexts::outcomeUnknown());
+            ASSERT_TRUE(eventually([&] { return !ledger->refreshing(); }));
+            EXPECT_EQ(shown(), QStringList{u"m1"_s});
+            EXPECT_EQ(ledger->waiting(), 0);
+            EXPECT_EQ(!ledger->undoText().isEmpty(), undo) << "what is gone can be taken back";
+        }
+    }
 }
 
 TEST_F(MemoryLedgerModelTest, ForgettingCanBeTakenBack) {
@@ -176,18 +216,40 @@ TEST_F(MemoryLedgerModelTest, ForgettingCanBeTakenBack) {
     server.on("/api/app/memory/forget",
               StubServer::reply(200, R"({"item":)" + item("m2", "住在成都", R"(,"later":7)") + "}"));
     ledger->forget(u"m2"_s);
-    ASSERT_TRUE(eventually([&] { return ledger->canUndo(); }));
+    const auto canUndo = [this] {
+        return ledger->undoText().contains(MemoryTexts::forgetNote());
+    };
+    ASSERT_TRUE(eventually(canUndo));
     EXPECT_EQ(shown(), (QStringList{u"m1"_s, u"m3"_s}));
-    EXPECT_TRUE(ledger->banner().contains(MemoryTexts::forgetNote()));
-    server.on("/api/app/memory/restore", StubServer::reply(500, "{}"));
+    // Whatever else happens and is said, it stays: a reading that fails, another deed, a banner that is closed.
+    server.on(ledgerPath, StubServer::reply(500, "{}"));
+    ledger->open();
+    ASSERT_TRUE(eventually([&] { return ledger->bannerFailed(); }));
+    server.on("/api/app/memory/freeze", StubServer::reply(403, "{}"));
+    ledger->setFrozen(u"m1"_s, true);
+    ASSERT_TRUE(eventually([&] { return ledger->banner().startsWith(u"没能冻结"_s); }));
+    ledger->closeBanner();
+    EXPECT_TRUE(canUndo());
+    server.on("/api/app/memory/restore", StubServer::reply(403, "{}"));
     ledger->undoForget();
     ASSERT_TRUE(eventually([&] { return ledger->bannerFailed(); }));
-    EXPECT_TRUE(ledger->canUndo()) << "it can be tried again";
+    EXPECT_TRUE(canUndo()) << "it can be tried again";
     server.on("/api/app/memory/restore", StubServer::reply(200, "{}"));
     ledger->undoForget();
-    ASSERT_TRUE(eventually([&] { return !ledger->canUndo(); }));
+    ASSERT_TRUE(eventually([&] { return !canUndo(); }));
     EXPECT_EQ(shown(), (QStringList{u"m1"_s, u"m2"_s, u"m3"_s}));
     EXPECT_TRUE(server.requests.back().body.contains(R"("later":7)"));
+    // Where the service gives nothing back, what was shown is what is taken back.
+    server.on("/api/app/memory/forget", StubServer::reply(200, "{}"));
+    ledger->forget(u"m1"_s);
+    ASSERT_TRUE(eventually(canUndo));
+    ledger->undoForget();
+    ASSERT_TRUE(eventually([&] { return !canUndo(); }));
+    EXPECT_EQ(shown().first(), u"m1"_s);
+    ledger->forget(u"m1"_s);
+    ASSERT_TRUE(eventually(canUndo));
+    ledger->closeUndo();
+    EXPECT_FALSE(canUndo());
 }
 
 TEST_F(MemoryLedgerModelTest, FreezingAndChapters) {

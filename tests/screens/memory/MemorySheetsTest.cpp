@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <sys/stat.h>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -68,6 +70,90 @@ TEST_F(MemorySheetsTest, ACorrectionEndsAsItsOutcome) {
     }
 }
 
+TEST_F(MemorySheetsTest, ASheetClosedWhileItSavesIsToldOf) {
+    const auto kept = [this] {
+        return inputs->text(MemoryCorrectionModel::keyOf(u"m1"_s));
+    };
+    struct Case {
+        int status;
+        QByteArray body;
+        QString banner;
+        bool saved;
+    };
+    const QString typed = u"更喜欢山"_s;
+    for (const auto &[status, body, banner, saved] :
+         std::initializer_list<Case>{{200, R"({"previous":"喜欢江边","revision":"r2"})", u"改好了，我记住了。"_s, true},
+                                     {409, "{}", u"这条记忆已在别处更新，输入已保留。请重新打开后修改。"_s, false},
+                                     {500, "{}", u"未确认保存结果。请先检查最新记忆，不会重复提交。"_s, false}}) {
+        // Closed, closed and another opened, closed and opened again.
+        for (const QString &next : {QString(), u"m2"_s, u"m1"_s}) {
+            SCOPED_TRACE(status);
+            SCOPED_TRACE(next.toStdString());
+            edit();
+            correction().discard();
+            correction().setText(typed);
+            hold(correctPath);
+            correction().save();
+            ASSERT_TRUE(eventually([&] { return held; }));
+            correction().close();
+            ledger->closeBanner();
+            if (!next.isEmpty())
+                ledger->edit(next);
+            const bool again = next == u"m1"_s;
+            EXPECT_EQ(correction().state() == MemoryCorrectionModel::State::Saving, again);
+            EXPECT_FALSE(correction().canSave()) << "not a second time";
+            server.on(ledgerPath, [](const auto &, QTcpSocket &socket) { socket.abort(); });
+            release(status, body);
+            ASSERT_TRUE(eventually([&] {
+                return again ? correction().state() != MemoryCorrectionModel::State::Saving
+                             : ledger->banner() == banner || ledger->banner() == MemoryTexts::loadFailed();
+            }));
+            EXPECT_EQ(kept(), saved ? QString() : typed);
+            EXPECT_EQ(role(u"m1"_s, MemoryItemsModel::ContentRole).toString(), saved ? typed : u"喜欢江边"_s);
+            ASSERT_TRUE(eventually([&] {
+                return !ledger->refreshing() && correction().state() != MemoryCorrectionModel::State::Loading;
+            }));
+            settle();
+            correction().close();
+            server.on(ledgerPath, StubServer::reply(200, bundle()));
+            open();
+        }
+    }
+}
+
+TEST_F(MemorySheetsTest, NothingIsSavedUponAWordingThatWasNotSeen) {
+    using State = MemoryCorrectionModel::State;
+    edit();
+    correction().setText(u"更喜欢山"_s);
+    correction().close();
+    ASSERT_TRUE(await(ledger->preserve()));
+    // Changed elsewhere, while the program was not there.
+    server.on(historyPath, StubServer::reply(200, history("r2", "喜欢湖边")));
+    restart();
+    ASSERT_TRUE(eventually([&] { return !inputs->keys().isEmpty(); }));
+    edit();
+    EXPECT_EQ(correction().message(), u"这条记忆已在别处更新，输入已保留。当前记忆：喜欢湖边。请重新打开后修改。"_s);
+    EXPECT_FALSE(correction().canSave());
+    EXPECT_EQ(correction().text(), u"更喜欢山"_s);
+    // Closing it is no answer; reading it again is.
+    correction().close();
+    ledger->edit(u"m1"_s);
+    ASSERT_TRUE(eventually([&] { return correction().state() == State::Ready; }));
+    EXPECT_FALSE(correction().canSave());
+    correction().reopen();
+    ASSERT_TRUE(eventually([&] { return correction().state() == State::Ready; }));
+    EXPECT_TRUE(correction().canSave()) << correction().message().toStdString();
+    // And once more changed, before that is read.
+    server.on(historyPath, StubServer::reply(200, history("r3", "喜欢海边")));
+    correction().reopen();
+    ASSERT_TRUE(eventually([&] { return correction().state() == State::Ready; }));
+    EXPECT_FALSE(correction().canSave());
+    correction().discard();
+    EXPECT_TRUE(correction().message().isEmpty());
+    EXPECT_EQ(correction().text(), u"喜欢海边"_s);
+    EXPECT_TRUE(inputs->keys().isEmpty());
+}
+
 TEST_F(MemorySheetsTest, WithoutARevisionNothingIsSaved) {
     server.on(historyPath,
               StubServer::reply(200, R"({"memoryId":"m1","current":"喜欢江边","entries":[],"canRevert":false})"));
@@ -91,7 +177,7 @@ TEST_F(MemorySheetsTest, WhatIsTypedOutlivesTheSheetAndTheProgram) {
     clock.advance(MemoryInputs::typingPause);
     ASSERT_TRUE(await(ledger->preserve()));
     restart();
-    ASSERT_TRUE(eventually([&] { return inputs->keys().size() == 2; }));
+    ASSERT_TRUE(eventually([&] { return inputs->keys().size() == 3; }));
     EXPECT_EQ(importer().text(), u"我养了猫"_s);
     edit();
     EXPECT_EQ(correction().text(), u"更喜欢山，尤其是"_s);
@@ -190,7 +276,42 @@ TEST_F(MemorySheetsTest, AnImportWritesWhatIsPickedOneAfterAnother) {
     EXPECT_EQ(importer().results(),
               (QStringList{u"写进了 2 条。"_s, u"1 条没写进去，仍留在隔离区——记忆账本的「等你确认」里能再试。"_s,
                            u"2 条取代了你更早的记忆——旧的仍留在账本里，标着「已被取代」。"_s}));
-    EXPECT_TRUE(importer().text().isEmpty());
+    // 20 lines were never read by anybody.
+    const QString rest = u"一\n二\n"_s.repeated(10);
+    EXPECT_EQ(importer().text(), rest);
+    EXPECT_EQ(importer().restText(), u"还有 20 段没有扫描，文本还在，可以接着扫。"_s);
+    importer().open();
+    EXPECT_EQ(importer().step(), MemoryImportModel::Step::Text);
+    ASSERT_TRUE(await(ledger->preserve()));
+    restart();
+    ASSERT_TRUE(eventually([&] { return importer().text() == rest; }));
+}
+
+TEST_F(MemorySheetsTest, WhatIsReadStaysWhatWasSeen) {
+    QFile file(folder.filePath(u"chat.txt"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("文件里的");
+    file.close();
+    importer().setSource(MemoryImportModel::Source::Manual);
+    importer().setText(u"自己写的"_s);
+    importer().setSource(MemoryImportModel::Source::ChatFile);
+    importer().setText(u"聊天里的\n"_s.repeated(61));
+    hold(extractPath);
+    importer().readFile(file.fileName()); // arrives when the reading has begun
+    importer().scan();
+    ASSERT_TRUE(eventually([&] { return held && !importer().errorText().isEmpty(); }));
+    importer().readFile(file.fileName());
+    importer().setText(u"别的"_s);
+    importer().setSource(MemoryImportModel::Source::Manual);
+    EXPECT_EQ(importer().source(), MemoryImportModel::Source::ChatFile);
+    release(200, R"({"candidates":[]})");
+    ASSERT_TRUE(eventually([&] { return !importer().scanning(); }));
+    EXPECT_EQ(importer().text(), u"聊天里的\n"_s.repeated(61));
+    importer().goOn();
+    EXPECT_EQ(importer().step(), MemoryImportModel::Step::Text);
+    EXPECT_EQ(importer().text(), u"聊天里的\n"_s);
+    importer().setSource(MemoryImportModel::Source::Manual);
+    EXPECT_EQ(importer().text(), u"自己写的"_s);
 }
 
 TEST_F(MemorySheetsTest, AnImportThatFindsOrWritesNothingSaysSo) {
@@ -237,8 +358,13 @@ TEST_F(MemorySheetsTest, AFileIsTakenWhenItIsText) {
         EXPECT_EQ(importer().text(), text);
         EXPECT_EQ(importer().errorText().isEmpty(), !text.isEmpty());
     }
-    importer().readFile(folder.filePath(u"none"_s));
-    ASSERT_TRUE(eventually([&] { return importer().errorText().startsWith(u"这个文件打不开"_s); }));
+    const QString pipe = folder.filePath(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &none : {folder.filePath(u"none"_s), folder.path(), pipe}) {
+        importer().discard();
+        importer().readFile(none);
+        EXPECT_TRUE(eventually([&] { return importer().errorText() == u"这个文件打不开："_s + none; }));
+    }
 }
 
 } // namespace lmp

@@ -1,4 +1,4 @@
-#include "conversation/SearchFold.h"
+#include "core/SearchFold.h"
 
 namespace lmp {
 
