@@ -1,6 +1,7 @@
 #include "app/Application.h"
 
 #include "core/RequestURL.h"
+#include "dev/DevProcessRegistry.h"
 #include "platform/SystemKeychain.h"
 #include "platform/UserDefaults.h"
 
@@ -87,6 +88,10 @@ QCoro::Task<> Application::close() {
         co_await m_telemetry->flushForExit(1s);
     if (self && m_auth)
         co_await m_auth->keychainSettled(2s);
+}
+
+void Application::endChildren() {
+    DevProcessRegistry::shared().quitAndWait();
 }
 
 void Application::rememberUser() {

@@ -51,6 +51,9 @@ public:
     QCoro::Task<std::expected<void, QString>> open();
     /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s.
     QCoro::Task<> close();
+    /// The last thing in main: ends what coding agents have started, and lets nothing more start. Blocks for 2.5 s at
+    /// most, and not at all where nothing runs.
+    static void endChildren();
 
     bool usesOwnSandbox() const { return m_options.site.isEmpty(); }
     bool tokenIsGiven() const { return m_options.token.has_value(); }
