@@ -1,6 +1,7 @@
 #include "app/Application.h"
 
 #include "core/RequestURL.h"
+#include "platform/FileThread.h"
 #include "platform/SystemKeychain.h"
 #include "platform/UserDefaults.h"
 
@@ -24,6 +25,8 @@ Application::Application(Options options)
     , m_webAuth(m_opener, m_clock) {}
 
 Application::~Application() {
+    // What closed windows gave to be written.
+    FileThread::finish();
     Telemetry::install(nullptr);
 }
 

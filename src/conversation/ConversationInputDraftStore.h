@@ -54,11 +54,14 @@ public:
     Outcome<std::optional<Entry>> read(const QString &account, const QString &id) const;
     Outcome<Listing> list(const QString &account) const;
 
-    /// Under which id a window keeps its own input of `id` while another window's stands in its place.
+    /// An id under which a window keeps its own input of `id` while another window's stands in its place; another one
+    /// each time.
     static QString copyId(const QString &id);
     /// The conversation that an entry is of, whether it is such a copy or not.
     static QString originalId(const QString &id);
 
+    /// What a failure of the folder is here.
+    static StoreError storeError(DraftFolder::Failure failure);
     /// The sentence shown.
     static QString describe(StoreError error);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/FileThread.h"
 #include "screens/chat/ChatModel.h"
 
 #include "support/Await.h"
@@ -39,6 +40,8 @@ protected:
         }
         settle();
         await(ConversationService(api).list());
+        settle();
+        FileThread::finish();
         settle();
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/FileThread.h"
 #include "screens/memory/MemoryInputs.h"
 #include "screens/memory/MemoryLedgerModel.h"
 
@@ -35,6 +36,9 @@ protected:
         // A request that nobody waits for would be left behind with its coroutine.
         eventually([this] { return !ledger || !ledger->refreshing(); });
         settle();
+        ledger.reset();
+        inputs.reset();
+        FileThread::finish();
     }
 
     /// The program again, on the same disk.
