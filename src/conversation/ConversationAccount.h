@@ -22,6 +22,8 @@ struct ConversationAccount {
     QString key() const;
     /// The current sign-in, or nothing where nobody tells.
     QString signIn() const { return generation ? generation() : QString(); }
+    /// Whose what is on the screen is: another text for another account, and for another sign-in of the same.
+    QString owner() const { return key() + QChar(u'\n') + signIn(); }
 };
 
 } // namespace lmp

@@ -539,4 +539,9 @@ void KeptTexts::takeBack(const QString &id) {
         Q_EMIT stateChanged();
 }
 
+void KeptTexts::forgetGivenUp(const QString &id) {
+    at(id).givenUp.reset();
+    Q_EMIT stateChanged();
+}
+
 } // namespace lmp

@@ -70,6 +70,7 @@ public:
     void resolve(const QString &id, const ConversationInput &input);
     /// Has back what `resolve` gave up, in exchange for what is there.
     void takeBack(const QString &id);
+    void forgetGivenUp(const QString &id);
 
 Q_SIGNALS:
     /// The text holds something else, other than by `change`.

@@ -9,6 +9,8 @@
 #include <QGuiApplication>
 #include <QPointer>
 
+#include <algorithm>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -18,10 +20,6 @@ namespace {
 
 QString pip(std::optional<qint64> amount) {
     return amount ? QString::number(*amount) + u" Pip"_s : u"—"_s;
-}
-
-QString ownerOf(const ConversationAccount &account) {
-    return account.key() + u'\n' + account.signIn();
 }
 
 } // namespace
@@ -45,10 +43,15 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_speech(m_session, m_services.api, m_services.makeAudio)
     , m_extraction(m_services.api, m_session, [this] { return isIdle(); })
     , m_inputs(m_services.inputs, *m_services.clock)
-    , m_owner(ownerOf(m_services.account)) {
+    , m_owner(m_services.account.owner())
+    , m_user(m_services.account.current())
+    , m_signIn(m_services.account.signIn()) {
     m_view.surface = u"chat"_s;
     connect(&m_session, &ConversationSession::opened, this, &ChatModel::onOpened);
     connect(&m_session, &ConversationSession::saveEnded, this, &ChatModel::onSaveEnded);
+    connect(&m_session, &ConversationSession::secured, this, &ChatModel::onSecured);
+    connect(&m_session, &ConversationSession::refused, this, &ChatModel::onRefused);
+    connect(&m_session.left(), &LeftConversations::refusedChanged, this, &ChatModel::onLeft);
     connect(&m_view, &ChatWithTwinView::stateChanged, this, &ChatModel::onViewChanged);
     connect(&m_view, &ChatWithTwinView::turnCompleted, this, &ChatModel::onTurnEnded);
     connect(&m_view, &ChatWithTwinView::turnFailed, this, &ChatModel::onTurnEnded);
@@ -64,6 +67,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
 ChatModel::~ChatModel() {
     // What the members say while they go is for nobody.
     m_session.disconnect(this);
+    m_session.left().disconnect(this);
     m_view.disconnect(this);
     m_inputs.disconnect(this);
     if (m_services.search)
@@ -150,6 +154,10 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     Q_EMIT conversationChanged();
     if (self && m_loads == loads && m_whenOpened)
         std::exchange(m_whenOpened, nullptr)();
+    if (!self || m_loads != loads)
+        co_return;
+    const QString unread = m_session.draftUnread().value_or(QString());
+    setNotice(unread);
     if (!self || m_loads != loads || !m_session.unsaved())
         co_return;
     // Whether it is saved again is the person's word: the save before may have arrived.
@@ -157,10 +165,10 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     const bool kept = co_await m_session.preserve();
     if (!self || m_loads != loads || !m_session.unsaved() || m_session.isSaving())
         co_return;
+    QString text = kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept();
     if (conflict)
-        setNotice(kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept());
-    else
-        setNotice(kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept());
+        text = kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept();
+    setNotice(unread.isEmpty() ? text : unread + u'\n' + text);
 }
 
 void ChatModel::forgetOpening() {
@@ -201,9 +209,14 @@ void ChatModel::saveAsNew() {
         return;
     const QPointer self(this);
     setNotice({});
+    const QString before = conversationId();
     m_session.saveAsNew();
     if (!self)
         return;
+    for (Sent &sent : m_sent) {
+        if (sent.conversation == before)
+            sent.conversation = conversationId();
+    }
     m_inputs.moveTo(place(), true);
     Q_EMIT conversationChanged();
     if (self)
@@ -225,13 +238,64 @@ void ChatModel::onSaveEnded(const ConversationSession::Saved &saved) {
         Q_EMIT draftsChanged();
 }
 
+void ChatModel::onSecured(const QString &conversationId, quint64 edits) {
+    // What was sent stands in its message from now on, and need not stand in the box's file any more.
+    const auto isSafe = [&](const Sent &sent) {
+        return sent.conversation == conversationId && sent.edits <= edits;
+    };
+    QList<Sent> safe;
+    std::ranges::copy_if(m_sent, std::back_inserter(safe), isSafe);
+    m_sent.removeIf(isSafe);
+    for (const Sent &sent : std::as_const(safe))
+        m_inputs.release(sent.box, sent.edits);
+    if (m_notice == ConversationTexts::notKept() && conversationId == this->conversationId() && m_session.unsaved())
+        setNotice(ConversationTexts::notSynchronised());
+}
+
+void ChatModel::onRefused() {
+    // The end of a save tells it too, and what the service said.
+    if (m_session.isSaving())
+        return;
+    const QPointer self(this);
+    setNotice(m_session.draftChangedElsewhere() ? ConversationTexts::draftChangedElsewhere()
+                                                : ConversationTexts::notKept());
+    if (self)
+        Q_EMIT conversationChanged();
+}
+
+void ChatModel::onLeft() {
+    const auto titles = m_session.left().refused(m_services.account.current());
+    const QString notice = titles.isEmpty() ? QString() : ConversationTexts::leftNotKept(titles);
+    if (std::exchange(m_leftNotice, notice) != notice)
+        Q_EMIT noticeChanged();
+}
+
+void ChatModel::emptyBox() {
+    if (m_session.incognito()) {
+        m_inputs.clear();
+        return;
+    }
+    m_sent.push_back({conversationId(), conversationId(), m_session.edits()});
+    m_inputs.hold(m_session.edits());
+    if (!m_session.unsaved())
+        onSecured(conversationId(), m_session.edits());
+}
+
 void ChatModel::setNotice(const QString &notice) {
     if (std::exchange(m_notice, notice) != notice)
         Q_EMIT noticeChanged();
 }
 
+QString ChatModel::notice() const {
+    QStringList notices{m_notice, m_leftNotice};
+    notices.removeAll(QString());
+    return notices.join(u'\n');
+}
+
 void ChatModel::closeNotice() {
+    m_leftNotice.clear();
     setNotice({});
+    Q_EMIT noticeChanged();
 }
 
 void ChatModel::closeLinkNotice() {
@@ -240,16 +304,27 @@ void ChatModel::closeLinkNotice() {
 }
 
 void ChatModel::recheckAccount() {
-    const QString owner = ownerOf(m_services.account);
+    const QString owner = m_services.account.owner();
     if (std::exchange(m_owner, owner) == owner)
         return;
     const QPointer self(this);
+    const auto before = std::exchange(m_user, m_services.account.current());
+    const QString signIn = std::exchange(m_signIn, m_services.account.signIn());
+    if (!before && m_user && signIn == m_signIn) {
+        // It was typed, and perhaps sent, before it was known by whom.
+        m_session.knowOwner();
+        m_view.knowOwner();
+        m_inputs.open(m_user, true);
+        onLeft();
+        return;
+    }
     forgetOpening();
-    m_inputs.open(m_services.account.current());
+    m_inputs.open(m_user);
     m_session.close();
     if (!self)
         return;
     m_used.show({});
+    onLeft();
     Q_EMIT conversationChanged();
 }
 
@@ -286,7 +361,7 @@ bool ChatModel::send() {
         return false;
     }
     m_inputs.describe(place());
-    m_inputs.clear();
+    emptyBox();
     m_messages.jumpToLatest();
     Q_EMIT conversationChanged();
     Q_EMIT sent();
@@ -407,7 +482,7 @@ void ChatModel::onRetryEnded(const QString &, const QString &text) {
         m_messages.setError(row, text);
     // What was typed on meanwhile stays, and says something new.
     else if (sentInput && input() == *sentInput)
-        m_inputs.clear();
+        emptyBox();
     else if (sentInput)
         clearRetryTarget();
 }
@@ -471,22 +546,14 @@ QString ChatModel::retryTargetText() const {
 }
 
 bool ChatModel::localInputSaved() const {
-    return m_inputs.isKept() && (!m_session.unsaved() || m_session.incognito());
+    return m_inputs.isKept() && m_session.left().isEmpty() && (!m_session.unsaved() || m_session.incognito());
 }
 
 QCoro::Task<bool> ChatModel::preserve() {
     const QPointer self(this);
-    const bool inputs = co_await m_inputs.keep();
-    if (!self)
-        co_return false;
+    // First the messages: what was sent stays in its box's file until its message is safe.
     const bool conversation = co_await m_session.preserve();
-    if (!self)
-        co_return false;
-    if (!conversation && !m_session.isSaving()) {
-        setNotice(m_session.draftChangedElsewhere() ? ConversationTexts::draftChangedElsewhere()
-                                                    : ConversationTexts::notKept());
-        Q_EMIT conversationChanged();
-    }
+    const bool inputs = self && co_await m_inputs.keep();
     co_return inputs &&conversation;
 }
 

@@ -64,6 +64,7 @@ public:
     /// Whether one of the two was given up, and can be had back with `takeBack`.
     bool hasGivenUp() const { return m_texts.box(m_id).givenUp.has_value() && !isConflicted(); }
     void takeBack() { m_texts.takeBack(m_id); }
+    void forgetGivenUp() { m_texts.forgetGivenUp(m_id); }
 
 Q_SIGNALS:
     /// The box in use holds something else, other than by `setText`.

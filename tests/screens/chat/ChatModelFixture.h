@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/FileThread.h"
 #include "screens/chat/ChatModel.h"
 
 #include "support/Await.h"
+#include "support/FileThreadEnd.h"
 #include "support/ManualClock.h"
 #include "support/StubServer.h"
 
@@ -40,8 +40,6 @@ protected:
         }
         settle();
         await(ConversationService(api).list());
-        settle();
-        FileThread::finish();
         settle();
     }
 
@@ -145,6 +143,7 @@ protected:
     StubServer server;
     QPointer<QTcpSocket> held;
     QTemporaryDir folder;
+    FileThreadEnd files;
     ApplicationSupport support = ApplicationSupport::at(folder.path());
     ManualClock clock;
     SafetyGateStore safety;

@@ -1,7 +1,7 @@
 #include "screens/memory/MemoryInputs.h"
 
-#include "platform/FileThread.h"
 #include "support/Await.h"
+#include "support/FileThreadEnd.h"
 #include "support/ManualClock.h"
 
 #include <gtest/gtest.h>
@@ -16,12 +16,6 @@ using namespace Qt::StringLiterals;
 
 class MemoryInputsTest : public ::testing::Test {
 protected:
-    void TearDown() override {
-        inputs.reset();
-        FileThread::finish();
-        settle();
-    }
-
     ConversationAccount account() {
         return {[this] { return user; },
                 [this] {
@@ -53,6 +47,7 @@ protected:
     }
 
     QTemporaryDir folder;
+    FileThreadEnd files;
     ManualClock clock;
     std::optional<QString> user = u"u1"_s;
     QString signIn = u"s"_s;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/FileThread.h"
 #include "screens/memory/MemoryInputs.h"
 #include "screens/memory/MemoryLedgerModel.h"
 
 #include "support/Await.h"
+#include "support/FileThreadEnd.h"
 #include "support/ManualClock.h"
 #include "support/StubServer.h"
 
@@ -36,9 +36,6 @@ protected:
         // A request that nobody waits for would be left behind with its coroutine.
         eventually([this] { return !ledger || !ledger->refreshing(); });
         settle();
-        ledger.reset();
-        inputs.reset();
-        FileThread::finish();
     }
 
     /// The program again, on the same disk.
@@ -106,6 +103,7 @@ protected:
     StubServer server;
     QPointer<QTcpSocket> held;
     QTemporaryDir folder;
+    FileThreadEnd files;
     ManualClock clock;
     std::optional<QString> user = QStringLiteral("u1");
     APIClient api{server.url(QStringLiteral("/api")), [] {
