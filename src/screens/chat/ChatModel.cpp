@@ -43,6 +43,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_speech(m_session, m_services.api, m_services.makeAudio)
     , m_extraction(m_services.api, m_session, [this] { return isIdle(); })
     , m_inputs(m_services.inputs, *m_services.clock)
+    , m_retry(m_session, m_view, m_messages, m_inputs)
     , m_owner(m_services.account.owner())
     , m_user(m_services.account.current())
     , m_signIn(m_services.account.signIn()) {
@@ -55,7 +56,10 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     connect(&m_view, &ChatWithTwinView::stateChanged, this, &ChatModel::onViewChanged);
     connect(&m_view, &ChatWithTwinView::turnCompleted, this, &ChatModel::onTurnEnded);
     connect(&m_view, &ChatWithTwinView::turnFailed, this, &ChatModel::onTurnEnded);
-    connect(&m_view, &ChatWithTwinView::retryEnded, this, &ChatModel::onRetryEnded);
+    connect(&m_retry, &ChatRetry::inputChanged, this, &ChatModel::inputChanged);
+    connect(&m_retry, &ChatRetry::held, this, &ChatModel::hold);
+    connect(&m_retry, &ChatRetry::sent, this, &ChatModel::sent);
+    connect(&m_retry, &ChatRetry::answered, this, &ChatModel::emptyBox);
     connect(&m_inputs, &ComposerInputs::replaced, this, &ChatModel::inputChanged);
     connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::inputDraftChanged);
     connect(&m_inputs, &ComposerInputs::kept, this, &ChatModel::draftsChanged);
@@ -70,6 +74,7 @@ ChatModel::~ChatModel() {
     m_session.left().disconnect(this);
     m_view.disconnect(this);
     m_inputs.disconnect(this);
+    m_retry.disconnect(this);
     if (m_services.search)
         m_services.search->holdBack(this, false);
 }
@@ -150,7 +155,7 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
         co_return;
     }
     m_inputs.describe(place());
-    dropStaleRetry();
+    m_retry.dropStale();
     Q_EMIT conversationChanged();
     if (self && m_loads == loads && m_whenOpened)
         std::exchange(m_whenOpened, nullptr)();
@@ -183,9 +188,7 @@ void ChatModel::forgetOpening() {
 }
 
 void ChatModel::onOpened() {
-    m_retryRow.clear();
-    m_retryWhenSaved.clear();
-    m_retryInput.reset();
+    m_retry.onOpened();
     Q_EMIT conversationChanged();
     Q_EMIT inputChanged();
 }
@@ -227,10 +230,7 @@ void ChatModel::onSaveEnded(const ConversationSession::Saved &saved) {
     const QPointer self(this);
     m_inputs.describe(place());
     setNotice(saved.text.value_or(QString()));
-    if (const QString waiting = std::exchange(m_retryWhenSaved, {}); !waiting.isEmpty()) {
-        m_messages.setRetrying({});
-        waiting == retryTarget() ? sendRetry() : retry(waiting);
-    }
+    m_retry.onSaveEnded();
     Q_EMIT conversationChanged();
     if (self && saved.where == ConversationSession::Saved::Where::Service)
         Q_EMIT this->saved();
@@ -354,7 +354,7 @@ void ChatModel::setCheaperMode(bool cheaper) {
 bool ChatModel::send() {
     m_heldReason.clear();
     if (!retryTarget().isEmpty())
-        return sendRetry();
+        return m_retry.send();
     const auto reference = m_view.send(input());
     if (!reference) {
         hold(reference.error());
@@ -390,118 +390,9 @@ void ChatModel::onTurnEnded(const TurnOutcome &outcome) {
 
 // Another answer
 
-bool ChatModel::retryReply(const QString &twinMessageId) {
-    return retry(twinMessageId);
-}
-
-bool ChatModel::waitsForSave(const QString &messageId) {
-    // Only what the service has can be answered again, and right after a turn it is about to have it.
-    if (!m_session.isSaving() || !isIdle())
-        return false;
-    m_retryWhenSaved = messageId;
-    m_messages.setError(messageId, {});
-    m_messages.setRetrying(messageId);
-    return true;
-}
-
-bool ChatModel::retry(const QString &messageId) {
-    if (waitsForSave(messageId))
-        return true;
-    const auto *message = messageOf(messageId);
-    const bool twin = message && message->role == TalkRole::twin;
-    return startedRetry(messageId, twin ? m_view.retryReply(messageId) : m_view.retryMessage(messageId));
-}
-
 bool ChatModel::retryMessage(const QString &userMessageId, const QString &edited) {
-    const auto *message = messageOf(userMessageId);
-    if (edited.isEmpty() || (message && message->text == edited))
-        return retry(userMessageId);
-    if (retryTarget() != userMessageId && !m_inputs.current().isEmpty()) {
-        m_messages.setError(userMessageId, ConversationTexts::inputBoxOccupied());
-        return false;
-    }
-    m_inputs.setText(edited);
-    m_inputs.setRetryMessage(userMessageId);
-    Q_EMIT inputChanged();
-    return send();
-}
-
-bool ChatModel::restoreMessage(const QString &userMessageId) {
-    const auto *message = messageOf(userMessageId);
-    if (!message || message->deliveryState != ConversationDeliveryState::failed)
-        return false;
-    if (retryTarget() == userMessageId)
-        return true;
-    if (!m_inputs.current().isEmpty()) {
-        m_messages.setError(userMessageId, ConversationTexts::inputBoxOccupied());
-        return false;
-    }
-    m_inputs.setText(message->text);
-    m_inputs.setRetryMessage(userMessageId);
-    m_messages.setError(userMessageId, {});
-    Q_EMIT inputChanged();
-    return true;
-}
-
-bool ChatModel::sendRetry() {
-    const QString target = retryTarget();
-    const QString text = input();
-    if (text.trimmed().isEmpty()) {
-        hold(ConversationTexts::nothingTyped());
-        return false;
-    }
-    if (waitsForSave(target))
-        return true;
-    const auto *message = messageOf(target);
-    const bool edited = !message || message->text != text;
-    if (const auto why = m_view.retryMessage(target, edited ? std::optional(text) : std::nullopt)) {
-        hold(*why);
-        return false;
-    }
-    m_retryInput = text;
-    startedRetry(target, std::nullopt);
-    Q_EMIT inputChanged();
-    Q_EMIT sent();
-    return true;
-}
-
-bool ChatModel::startedRetry(const QString &row, const std::optional<QString> &refusal) {
-    m_messages.setError(row, refusal.value_or(QString()));
-    if (refusal)
-        return false;
-    m_retryRow = row;
-    m_messages.setRetrying(row);
-    return true;
-}
-
-void ChatModel::onRetryEnded(const QString &, const QString &text) {
-    const QString row = std::exchange(m_retryRow, {});
-    const auto sentInput = std::exchange(m_retryInput, std::nullopt);
-    m_messages.setRetrying({});
-    if (!text.isNull())
-        m_messages.setError(row, text);
-    // What was typed on meanwhile stays, and says something new.
-    else if (sentInput && input() == *sentInput)
-        emptyBox();
-    else if (sentInput)
-        clearRetryTarget();
-}
-
-void ChatModel::dropStaleRetry() {
-    const QString target = retryTarget();
-    const auto *message = messageOf(target);
-    if (!target.isEmpty() && (!message || message->deliveryState != ConversationDeliveryState::failed))
-        clearRetryTarget();
-}
-
-void ChatModel::clearRetryTarget() {
-    m_inputs.setRetryMessage(std::nullopt);
-    Q_EMIT inputChanged();
-}
-
-const ConvMessageDTO *ChatModel::messageOf(const QString &id) const {
-    const auto *conversation = m_session.conversation();
-    return conversation ? ConversationMessageDelivery::find(*conversation, id) : nullptr;
+    m_heldReason.clear();
+    return m_retry.askEdited(userMessageId, edited);
 }
 
 // The input
@@ -537,10 +428,6 @@ QString ChatModel::otherInputText() const {
     return lines.join(u'\n');
 }
 
-QString ChatModel::retryTarget() const {
-    return m_inputs.current().retryMessageId.value_or(QString());
-}
-
 QString ChatModel::retryTargetText() const {
     return retryTarget().isEmpty() ? QString() : ConversationTexts::retryRunning();
 }
@@ -569,7 +456,8 @@ void ChatModel::copyText(const QString &text) {
 }
 
 void ChatModel::copyMessage(const QString &messageId) {
-    if (const auto *message = messageOf(messageId))
+    const auto *conversation = m_session.conversation();
+    if (const auto *message = conversation ? ConversationMessageDelivery::find(*conversation, messageId) : nullptr)
         copyText(message->text);
 }
 

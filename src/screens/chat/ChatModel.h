@@ -2,6 +2,7 @@
 
 #include "app/LocalInputRegistry.h"
 #include "screens/chat/ChatFind.h"
+#include "screens/chat/ChatRetry.h"
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
 #include "screens/chat/ExtractionModel.h"
@@ -120,7 +121,7 @@ public:
     void setInput(const QString &text);
     bool canSend() const;
     const QString &inputHeldReason() const { return m_heldReason; }
-    QString retryTarget() const;
+    QString retryTarget() const { return m_retry.target(); }
     QString retryTargetText() const;
     bool inputRestored() const { return m_inputs.isRestored(); }
     QString inputDraftError() const { return m_inputs.error(); }
@@ -158,13 +159,13 @@ public:
     Q_INVOKABLE bool send();
     Q_INVOKABLE void stop();
     /// Another answer to what a reply answered. Why not is told in the reply's own row.
-    Q_INVOKABLE bool retryReply(const QString &twinMessageId);
+    Q_INVOKABLE bool retryReply(const QString &twinMessageId) { return m_retry.ask(twinMessageId); }
     /// Sends a failed message again. An edited text goes by way of the input box, so that it cannot be lost.
     Q_INVOKABLE bool retryMessage(const QString &userMessageId, const QString &edited = {});
     /// Puts a failed message into the input box, to be edited and tried again. @return false when the box is occupied
-    Q_INVOKABLE bool restoreMessage(const QString &userMessageId);
+    Q_INVOKABLE bool restoreMessage(const QString &userMessageId) { return m_retry.restore(userMessageId); }
     /// Sending says something new again; the text stays.
-    Q_INVOKABLE void clearRetryTarget();
+    Q_INVOKABLE void clearRetryTarget() { m_retry.clearTarget(); }
     /// Puts the input here in the place of the other window's.
     Q_INVOKABLE void keepMyInput() { m_inputs.keepMine(); }
     /// Gives up the input here for the other window's.
@@ -211,18 +212,11 @@ private:
     QCoro::Task<> load(QString id, ConversationSession::Copy copy, quint64 loads);
     void forgetOpening();
     ComposerInputs::Place place() const;
-    const ConvMessageDTO *messageOf(const QString &id) const;
-    bool waitsForSave(const QString &messageId);
-    bool retry(const QString &messageId);
-    bool sendRetry();
-    bool startedRetry(const QString &row, const std::optional<QString> &refusal);
-    void dropStaleRetry();
     void hold(const QString &reason);
     void setNotice(const QString &notice);
     void onOpened();
     void onViewChanged();
     void onTurnEnded(const TurnOutcome &outcome);
-    void onRetryEnded(const QString &messageId, const QString &text);
     void onSaveEnded(const ConversationSession::Saved &saved);
     void onSecured(const QString &conversationId, quint64 edits);
     void onRefused();
@@ -238,6 +232,7 @@ private:
     SpeechModel m_speech;
     ExtractionModel m_extraction;
     ComposerInputs m_inputs;
+    ChatRetry m_retry;
     LocalInputRegistry::Registration m_localInput;
     /// An input that was sent, until its message is on disk or with the service.
     struct Sent {
@@ -257,9 +252,6 @@ private:
     QString m_leftNotice; ///< about conversations that are not open any more
     QString m_linkNotice;
     QString m_heldReason;
-    QString m_retryWhenSaved;            ///< the message to try again as soon as the service has it
-    QString m_retryRow;                  ///< whose retry is under way
-    std::optional<QString> m_retryInput; ///< what it was sent with, when that is the input
 };
 
 } // namespace lmp
