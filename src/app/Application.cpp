@@ -165,10 +165,14 @@ ChatWithTwinView::Recorder Application::recorder() const {
     };
 }
 
+QString Application::scope() const {
+    return usesOwnSandbox() ? QString() : m_site.root.toString(QUrl::RemoveUserInfo | QUrl::StripTrailingSlash);
+}
+
 QString Application::keychainSuffix() const {
     QString suffix;
     if (!usesOwnSandbox())
-        suffix += u'@' + m_site.root.toString(QUrl::RemoveUserInfo | QUrl::StripTrailingSlash);
+        suffix += u'@' + scope();
     if (!m_options.profile.isEmpty())
         suffix += u'#' + m_options.profile;
     return suffix;

@@ -71,10 +71,12 @@ public:
     LocalInputRegistry &localInput() { return m_localInput; }
     /// Where this profile's files live.
     const ApplicationSupport &support() const { return m_support; }
-    ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
+    /// Sets this service's local records apart from those of others; empty for the sandbox that comes with the program.
+    QString scope() const;
+    ConversationDraftCache drafts() const { return ConversationDraftCache(m_support, scope()); }
     /// The search over conversations, made when it is first asked for.
     ConversationSearch &search();
-    ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support); }
+    ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support, scope()); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
     WebAuthPresenter &webAuth() { return m_webAuth; }

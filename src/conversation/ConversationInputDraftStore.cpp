@@ -18,8 +18,8 @@ const QString copyMark = QStringLiteral(" copy");
 
 } // namespace
 
-ConversationInputDraftStore::ConversationInputDraftStore(const ApplicationSupport &support)
-    : m_folder(support, QStringLiteral("UnsentInput/v1")) {}
+ConversationInputDraftStore::ConversationInputDraftStore(const ApplicationSupport &support, const QString &scope)
+    : m_folder(support, QStringLiteral("UnsentInput/v1"), scope) {}
 
 ConversationInputDraftStore::Outcome<std::optional<QString>>
 ConversationInputDraftStore::save(const QString &account, Entry entry, const std::optional<QString> &known,
@@ -66,7 +66,7 @@ ConversationInputDraftStore::list(const QString &account) const {
     if (!listing)
         return std::unexpected(storeError(listing.error()));
     std::ranges::sort(listing->records, std::greater(), &Entry::updatedAt);
-    return Listing{std::move(listing->records), listing->unreadable};
+    return Listing{std::move(listing->records), listing->unreadable, std::move(listing->spoilt)};
 }
 
 ConversationInputDraftStore::StoreError ConversationInputDraftStore::storeError(DraftFolder::Failure failure) {

@@ -34,14 +34,16 @@ public:
     };
     struct Listing {
         QList<Entry> entries;     ///< of the account, newest first
-        qsizetype unreadable = 0; ///< files of whatever account that could not be read
+        qsizetype unreadable = 0; ///< how many files could not be read
+        QStringList spoilt = {};  ///< of them, those that are no drafts, whenever one looks
     };
     template <class T>
     using Outcome = std::expected<T, StoreError>;
 
     static constexpr qsizetype maxBytes = 2'000'000;
 
-    explicit ConversationInputDraftStore(const ApplicationSupport &support);
+    /// @param scope as with DraftFolder
+    explicit ConversationInputDraftStore(const ApplicationSupport &support, const QString &scope = {});
 
     /// Replaces the input of `entry.id`, stamped with a fresh write id and the time; one that is empty removes the
     /// file.

@@ -219,7 +219,8 @@ TEST_F(TerminalTest, DraftsAreListedAndDiscardedWhenAsked) {
     const QString user = run({u"whoami"_s}).out.section(u'\n', 0, 0).section(u'：', 1);
     const QString folder = m_home.filePath(u"data/Lumenpair/UnsentInput/v1/"_s);
     ASSERT_TRUE(QDir().mkpath(folder));
-    const QByteArray key = Json::encode(QList<QString>{user, id});
+    const QString site = m_site.toString(QUrl::StripTrailingSlash);
+    const QByteArray key = Json::encode(QList<QString>{site, user, id});
     const auto name = QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex();
     QFile box(folder + QString::fromLatin1(name) + u".json"_s);
     ASSERT_TRUE(box.open(QIODevice::WriteOnly));
@@ -255,6 +256,11 @@ TEST_F(TerminalTest, DraftsAreListedAndDiscardedWhenAsked) {
     EXPECT_TRUE(broken.err.contains(u"有未发送输入暂时无法读取，原文件已保留。"_s)) << broken.err.toStdString();
     EXPECT_EQ(run({u"drafts"_s, u"discard"_s, id, u"--yes"_s}).code, 1);
     EXPECT_TRUE(box.exists());
+    EXPECT_TRUE(broken.err.contains(box.fileName())) << "it can be found";
+    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"--unreadable"_s}, "\n").code, 130);
+    EXPECT_TRUE(box.exists());
+    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"--unreadable"_s, u"--yes"_s}).code, 0);
+    EXPECT_EQ(run({u"drafts"_s, u"list"_s}).code, 0);
 }
 
 TEST_F(TerminalTest, ADraftIsKeptWhileNobodyCanSayWhoIsThere) {

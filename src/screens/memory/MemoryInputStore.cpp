@@ -19,8 +19,8 @@ ConversationInputDraftStore::Entry entryOf(const MemoryInputStore::Record &recor
 
 } // namespace
 
-MemoryInputStore::MemoryInputStore(const ApplicationSupport &support)
-    : m_folder(support, u"MemoryInput/v1"_s) {}
+MemoryInputStore::MemoryInputStore(const ApplicationSupport &support, const QString &scope)
+    : m_folder(support, u"MemoryInput/v1"_s, scope) {}
 
 MemoryInputStore::Outcome<std::optional<QString>> MemoryInputStore::save(const QString &account, const Entry &entry,
                                                                          const std::optional<QString> &known,
@@ -60,7 +60,7 @@ MemoryInputStore::Outcome<MemoryInputStore::Listing> MemoryInputStore::list(cons
     const auto records = m_folder.list<Record>(account, [](const Record &record) { return record.id; });
     if (!records)
         return std::unexpected(ConversationInputDraftStore::storeError(records.error()));
-    Listing listing{.entries = {}, .unreadable = records->unreadable};
+    Listing listing{.entries = {}, .unreadable = records->unreadable, .spoilt = records->spoilt};
     for (const Record &record : records->records)
         listing.entries.push_back(entryOf(record));
     return listing;

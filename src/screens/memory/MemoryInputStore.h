@@ -24,7 +24,7 @@ public:
 
     static constexpr qsizetype maxBytes = ConversationInputDraftStore::maxBytes;
 
-    explicit MemoryInputStore(const ApplicationSupport &support);
+    explicit MemoryInputStore(const ApplicationSupport &support, const QString &scope);
 
     // As with ConversationInputDraftStore.
     Outcome<std::optional<QString>> save(const QString &account, const Entry &entry,

@@ -21,11 +21,11 @@ QString joined(const QString &mine, const QString &theirs) {
 } // namespace
 
 MemoryInputs::MemoryInputs(const ApplicationSupport &support, ConversationAccount account, Clock &clock,
-                           QObject *parent)
+                           const QString &scope, QObject *parent)
     : QObject(parent)
     , m_who(std::move(account))
     , m_signIn(m_who.signIn())
-    , m_texts(KeptTextStore(MemoryInputStore(support)), clock) {
+    , m_texts(KeptTextStore(MemoryInputStore(support, scope)), clock) {
     connect(&m_texts, &KeptTexts::replaced, this, &MemoryInputs::onReplaced);
     connect(&m_texts, &KeptTexts::restored, this, &MemoryInputs::onReplaced);
     connect(&m_texts, &KeptTexts::stateChanged, this, &MemoryInputs::onStateChanged);

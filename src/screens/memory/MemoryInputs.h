@@ -20,8 +20,9 @@ public:
     static constexpr auto typingPause = KeptTexts::typingPause;
     static constexpr auto retryPause = KeptTexts::retryPause;
 
+    /// @param scope as with DraftFolder
     MemoryInputs(const ApplicationSupport &support, ConversationAccount account, Clock &clock,
-                 QObject *parent = nullptr);
+                 const QString &scope = {}, QObject *parent = nullptr);
 
     /// What was typed for `key`; empty when nothing was.
     QString text(const QString &key) const { return m_texts.box(key).input.text; }
