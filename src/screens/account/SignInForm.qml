@@ -21,7 +21,7 @@ FocusScope {
     }
 
     function goTo(field: int): void {
-        const items = [null, address, address, code, secret];
+        const items = [null, address, address, code, secret.item];
         if (items[field])
             items[field].forceActiveFocus(Qt.TabFocusReason);
     }
@@ -63,13 +63,13 @@ FocusScope {
             onActivated: index => root.signIn.chooseWay(index)
         }
 
-        LMPSegmented {
-            currentIndex: root.signIn.resetByEmail ? 1 : 0
-            enabled: !root.signIn.submitting
-            label: "用什么重设"
-            model: ["用手机号", "用邮箱"]
+        Loader {
+            active: root.resets
             visible: root.resets
-            onActivated: index => root.signIn.resetByEmail = index === 1
+            width: parent.width
+            Component.onCompleted: setSource("SignInResetWay.qml", {
+                signIn: root.signIn
+            })
         }
 
         LMPBanner {
@@ -159,36 +159,28 @@ FocusScope {
             }
         }
 
-        LMPTextField {
+        Loader {
             id: secret
 
-            errorText: root.signIn.passwordMessage
-            label: root.resets ? "新密码" : root.registers ? "设一个密码" : "密码"
-            readOnly: root.signIn.submitting
-            secret: true
-            text: root.resets ? root.signIn.newPassword : root.signIn.password
-            visible: root.signIn.asksPassword || root.resets
+            active: root.signIn.asksPassword || root.resets
+            visible: secret.active
             width: parent.width
-            onAccepted: root.submit()
-            onTextEdited: {
-                if (root.resets)
-                    root.signIn.newPassword = secret.text;
-                else
-                    root.signIn.password = secret.text;
-            }
+            Component.onCompleted: secret.setSource("SignInSecret.qml", {
+                signIn: root.signIn
+            })
+            onLoaded: (secret.item as SignInSecret).accepted.connect(root.submit)
         }
 
-        LMPTextField {
+        Loader {
             id: invite
 
-            helpText: "没有就不用填。"
-            label: "邀请码"
-            readOnly: root.signIn.submitting
-            text: root.signIn.inviteCode
-            visible: root.signIn.asksInvite && root.invited
+            active: root.signIn.asksInvite && root.invited
+            visible: invite.active
             width: parent.width
-            onAccepted: root.submit()
-            onTextEdited: root.signIn.inviteCode = invite.text
+            Component.onCompleted: invite.setSource("SignInInvite.qml", {
+                signIn: root.signIn
+            })
+            onLoaded: (invite.item as SignInInvite).accepted.connect(root.submit)
         }
 
         LMPBanner {
@@ -218,48 +210,16 @@ FocusScope {
             width: parent.width
         }
 
-        Flow {
-            spacing: Theme.space8
-            width: parent.width + Theme.space4
+        SignInLinks {
+            invited: root.invited
+            signIn: root.signIn
             // A link's own margin, so that its words stand below the others.
+            width: parent.width + Theme.space4
             x: -Theme.space4
-
-            LMPButton {
-                enabled: !root.signIn.submitting
-                kind: LMPButton.Link
-                text: "注册新账号"
-                visible: root.signIn.mode === SignInModel.EmailSignIn
-                onClicked: root.change(SignInModel.EmailRegister)
-            }
-
-            LMPButton {
-                enabled: !root.signIn.submitting
-                kind: LMPButton.Link
-                text: "忘了密码"
-                visible: root.signIn.mode === SignInModel.Password || root.signIn.mode === SignInModel.EmailSignIn
-                onClicked: {
-                    root.signIn.resetByEmail = root.signIn.mode === SignInModel.EmailSignIn;
-                    root.change(SignInModel.Reset);
-                }
-            }
-
-            LMPButton {
-                enabled: !root.signIn.submitting
-                kind: LMPButton.Link
-                text: "有邀请码"
-                visible: root.signIn.asksInvite && !root.invited
-                onClicked: {
-                    root.invited = true;
-                    invite.forceActiveFocus(Qt.TabFocusReason);
-                }
-            }
-
-            LMPButton {
-                enabled: !root.signIn.submitting
-                kind: LMPButton.Link
-                text: "返回登录"
-                visible: root.resets || root.registers
-                onClicked: root.change(root.registers || root.signIn.resetByEmail ? SignInModel.EmailSignIn : SignInModel.Password)
+            onModeChosen: mode => root.change(mode)
+            onInviteChosen: {
+                root.invited = true;
+                (invite.item as SignInInvite).forceActiveFocus(Qt.TabFocusReason);
             }
         }
 

@@ -28,7 +28,8 @@ WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanosec
     , m_appearance(*m_settings)
     , m_application(WindowApplication::options(m_options, processStartAt))
     , m_quitting([this] { return m_application.localInput().saveAll(); }, m_application.clock())
-    , m_macLifecycle(m_quitting) {
+    , m_macLifecycle(m_quitting)
+    , m_firstPane(*m_settings) {
     QmlModules::provide(m_engine);
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::endSession);
@@ -56,6 +57,8 @@ Application::Options WindowApplication::options(const WindowOptions &options, st
 bool WindowApplication::start() {
     // The keychain answers from another thread: it is asked while the window is still being made.
     detach(open(), "opening the service");
+    m_windowType = std::make_unique<QQmlComponent>(&m_engine, QUrl(u"qrc:/qt/qml/Lumenpair/Shell/Main.qml"_s));
+    m_firstPane.begin(m_engine, qEnvironmentVariableIsEmpty("LMP_TOKEN") ? std::nullopt : std::optional(true));
     WindowScene *scene = openWindow();
     if (scene && !m_options.link.isEmpty())
         scene->navigation()->openLink(m_options.link);
@@ -63,8 +66,6 @@ bool WindowApplication::start() {
 }
 
 WindowScene *WindowApplication::openWindow() {
-    if (!m_windowType)
-        m_windowType = std::make_unique<QQmlComponent>(&m_engine, QUrl(u"qrc:/qt/qml/Lumenpair/Shell/Main.qml"_s));
     if (!m_windowType->isReady()) {
         qCCritical(logApplication) << "no window:" << m_windowType->errorString();
         return nullptr;
@@ -176,6 +177,8 @@ QCoro::Task<> WindowApplication::leave() {
         shown.scene->layout()->keep(shown.window->width(), shown.window->height());
         shown.window->hide();
     }
+    if (!m_windows.empty())
+        m_firstPane.keep(m_windows.back().scene->stage() == WindowScene::Stage::Shell);
     co_await m_application.close();
     if (self)
         QCoreApplication::exit(0);

@@ -4,6 +4,7 @@
 #include "app/MacAppLifecycle.h"
 #include "app/SingleInstance.h"
 #include "screens/shell/AppearanceModel.h"
+#include "screens/shell/PreloadedPane.h"
 #include "screens/shell/WindowOptions.h"
 
 #include <QQmlEngine>
@@ -78,6 +79,7 @@ private:
     QString m_openError; ///< why the service was not found; for windows that open after that
     QQmlEngine m_engine;
     std::unique_ptr<QQmlComponent> m_windowType;
+    PreloadedPane m_firstPane;
     std::vector<Shown> m_windows;
 };
 
