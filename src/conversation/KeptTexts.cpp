@@ -1,11 +1,12 @@
 #include "conversation/KeptTexts.h"
 
+#include "conversation/KeptTextClaim.h"
+#include "conversation/KeptTextWrite.h"
 #include "core/Detach.h"
 #include "core/PoolAwaiter.h"
 #include "platform/FileThread.h"
 
 #include <QPointer>
-#include <QSet>
 #include <QUuid>
 
 #include <algorithm>
@@ -17,29 +18,6 @@ using Entry = KeptText::Entry;
 using Copy = KeptText::Copy;
 
 namespace {
-
-/// A copy that some window of this program writes. Those that nobody holds were left behind.
-class Claim {
-public:
-    static std::shared_ptr<const void> take(const QString &id) {
-        return held().contains(id) ? nullptr : std::shared_ptr<const Claim>(new Claim(id));
-    }
-    ~Claim() { held().remove(m_id); }
-    Claim(const Claim &) = delete;
-    Claim &operator=(const Claim &) = delete;
-
-private:
-    explicit Claim(const QString &id)
-        : m_id(id) {
-        held().insert(m_id);
-    }
-    static QSet<QString> &held() {
-        static QSet<QString> ids;
-        return ids;
-    }
-
-    QString m_id;
-};
 
 /// On the file thread, in the order of what is written there.
 void setKnown(const KeptText::WriteId &known, const std::optional<QString> &writeId) {
@@ -58,20 +36,6 @@ ConversationInput joined(const ConversationInput &first, const ConversationInput
 
 } // namespace
 
-struct KeptTexts::Write {
-    std::optional<QString> account;
-    QString box; ///< whose text it is
-    bool copy = false;
-    Entry entry;
-    QDateTime now;
-    KeptText::WriteId writeId;
-
-    // What became of it.
-    std::optional<QString> written;
-    std::optional<StoreError> error;
-    std::optional<Entry> theirs;
-};
-
 KeptTexts::KeptTexts(KeptTextStore store, Clock &clock, QObject *parent)
     : QObject(parent)
     , m_store(std::move(store))
@@ -80,7 +44,7 @@ KeptTexts::KeptTexts(KeptTextStore store, Clock &clock, QObject *parent)
 KeptTexts::~KeptTexts() {
     m_stop.request_stop();
     if (const auto writes = dirty(true); !writes.isEmpty())
-        FileThread::pool().start([store = m_store, writes] { (void)write(store, writes); });
+        FileThread::pool().start([store = m_store, writes] { (void)KeptTextWrite::run(store, writes); });
 }
 
 // The texts
@@ -196,17 +160,17 @@ void KeptTexts::open(const std::optional<QString> &account, bool samePerson) {
 
 // Onto the disk
 
-void KeptTexts::collect(Boxes &boxes, bool last, QList<Write> &writes) const {
+void KeptTexts::collect(Boxes &boxes, bool last, QList<KeptTextWrite> &writes) const {
     for (auto &&[id, box] : boxes.asKeyValueRange()) {
         if (!box.isDirty() || !(box.restored || last))
             continue;
-        Write write;
+        KeptTextWrite write;
         write.account = box.account;
         write.box = id;
         write.copy = box.isBeside();
         if (write.copy && box.copy.id.isEmpty()) {
             box.copy.id = ConversationInputDraftStore::copyId(box.keptAs);
-            box.copy.claim = Claim::take(box.copy.id);
+            box.copy.claim = KeptTextClaim::take(box.copy.id);
         }
         write.entry.id = write.copy ? box.copy.id : box.keptAs;
         write.entry.title = box.place.title;
@@ -219,43 +183,13 @@ void KeptTexts::collect(Boxes &boxes, bool last, QList<Write> &writes) const {
     }
 }
 
-QList<KeptTexts::Write> KeptTexts::dirty(bool last) {
-    QList<Write> writes;
+QList<KeptTextWrite> KeptTexts::dirty(bool last) {
+    QList<KeptTextWrite> writes;
     collect(m_boxes, last, writes);
     for (Boxes &boxes : m_left)
         collect(boxes, last, writes);
     // What moves from one box to another is written before it is removed.
-    std::ranges::partition(writes, [](const Write &write) { return !write.entry.input.isEmpty(); });
-    return writes;
-}
-
-QList<KeptTexts::Write> KeptTexts::write(const KeptTextStore &store, QList<Write> writes) {
-    QHash<QString, StoreError> refused;
-    for (Write &write : writes) {
-        const QString account = write.account.value_or(QString());
-        // What is removed may be what could not be written elsewhere; a disk without room still removes.
-        if (write.entry.input.isEmpty() && refused.contains(account)) {
-            write.error = refused.value(account);
-            continue;
-        }
-        const auto saved = store.save(account, write.entry, *write.writeId, write.now);
-        if (saved) {
-            write.written = *write.writeId = *saved;
-            continue;
-        }
-        // An empty box has nothing that could be lost, and leaves the other window's input alone.
-        if (saved.error() == StoreError::changedElsewhere && write.entry.input.isEmpty())
-            continue;
-        write.error = saved.error();
-        if (saved.error() == StoreError::changedElsewhere && !write.copy) {
-            write.theirs = store.read(account, write.entry.id).value_or(std::nullopt);
-            continue;
-        }
-        // A copy is nobody else's; with a stranger's in its place ours is simply not on disk.
-        if (saved.error() == StoreError::changedElsewhere)
-            write.error = StoreError::storage;
-        refused.insert(account, *write.error);
-    }
+    std::ranges::partition(writes, [](const KeptTextWrite &write) { return !write.entry.input.isEmpty(); });
     return writes;
 }
 
@@ -281,24 +215,26 @@ QCoro::Task<bool> KeptTexts::keep() {
     if (!self)
         co_return false;
     auto beside = dirty();
-    beside.removeIf([](const Write &write) { return !write.copy; });
+    beside.removeIf([](const KeptTextWrite &write) { return !write.copy; });
     co_return co_await keepWritten(std::move(beside)) && self &&isKept();
 }
 
-QCoro::Task<bool> KeptTexts::keepWritten(QList<Write> writes) {
+QCoro::Task<bool> KeptTexts::keepWritten(QList<KeptTextWrite> writes) {
     const QPointer self(this);
     if (writes.isEmpty())
         co_return true;
     ++m_writing;
     const auto done = co_await PoolAwaiter(
-        [store = m_store, writes = std::move(writes)]() mutable { return write(store, std::move(writes)); },
+        [store = m_store, writes = std::move(writes)]() mutable {
+            return KeptTextWrite::run(store, std::move(writes));
+        },
         &FileThread::pool());
-    const bool all = std::ranges::none_of(done, [](const Write &write) { return write.error.has_value(); });
+    const bool all = std::ranges::none_of(done, [](const KeptTextWrite &write) { return write.error.has_value(); });
     if (!self)
         co_return all;
     --m_writing;
     QStringList ids;
-    for (const Write &write : done) {
+    for (const KeptTextWrite &write : done) {
         ids.push_back(write.box);
         if (auto *box = find(write.account, write.box))
             settle(*box, write);
@@ -312,7 +248,7 @@ QCoro::Task<bool> KeptTexts::keepWritten(QList<Write> writes) {
     co_return all;
 }
 
-void KeptTexts::settle(KeptText &box, const Write &write) {
+void KeptTexts::settle(KeptText &box, const KeptTextWrite &write) {
     box.error = write.error;
     if (!write.error && !write.copy)
         box.draftWriteId = write.written;
@@ -346,11 +282,12 @@ void KeptTexts::removeCopy(const KeptText &box, const Copy &copy) {
         return;
     Entry nothing;
     nothing.id = copy.id;
-    FileThread::pool().start(
-        [store = m_store, account = box.account.value_or(QString()), nothing, copy, now = m_clock.now()] {
-            if (const auto removed = store.save(account, nothing, *copy.writeId, now))
-                *copy.writeId = *removed;
-        });
+    // Without its claim, which is this thread's.
+    FileThread::pool().start([store = m_store, account = box.account.value_or(QString()), nothing, known = copy.writeId,
+                              now = m_clock.now()] {
+        if (const auto removed = store.save(account, nothing, *known, now))
+            *known = *removed;
+    });
 }
 
 QCoro::Task<> KeptTexts::keepAfterPause() {
@@ -370,7 +307,7 @@ QCoro::Task<> KeptTexts::keepNow() {
         detach(retry(), "keeping what is typed");
 }
 
-QCoro::Task<> KeptTexts::putAway(QList<Write> writes) {
+QCoro::Task<> KeptTexts::putAway(QList<KeptTextWrite> writes) {
     const QPointer self(this);
     const bool kept = co_await keepWritten(std::move(writes));
     if (self && !kept && !m_retryWaits)
@@ -483,7 +420,7 @@ void KeptTexts::adoptCopy(const Entry &entry) {
     // What was typed here meanwhile has a copy of its own, and this one waits for its turn.
     if (box.checkpoint.edited || box.theirs || !box.copy.id.isEmpty())
         return;
-    const auto claim = Claim::take(entry.id);
+    const auto claim = KeptTextClaim::take(entry.id);
     if (!claim)
         return;
     box.copy.id = entry.id;

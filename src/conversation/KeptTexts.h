@@ -12,6 +12,8 @@
 
 namespace lmp {
 
+struct KeptTextWrite;
+
 /// Texts that somebody is typing, by what they are for, put on disk soon after they were typed.
 ///
 /// Owned by what shows them; the clock outlives it. UI thread; files are read and written on the file thread, in order.
@@ -83,20 +85,17 @@ Q_SIGNALS:
     void written(const QStringList &ids);
 
 private:
-    struct Write;
-
     KeptText &at(const QString &id);
     KeptText *find(const std::optional<QString> &account, const QString &id);
     QCoro::Task<> keepAfterPause();
     QCoro::Task<> keepNow();
-    QCoro::Task<> putAway(QList<Write> writes);
+    QCoro::Task<> putAway(QList<KeptTextWrite> writes);
     QCoro::Task<> retry();
     /// @param last there is no time to learn what the disk has: what was not restored is kept beside it
-    QList<Write> dirty(bool last = false);
-    void collect(Boxes &boxes, bool last, QList<Write> &writes) const;
-    static QList<Write> write(const KeptTextStore &store, QList<Write> writes);
-    QCoro::Task<bool> keepWritten(QList<Write> writes);
-    void settle(KeptText &box, const Write &write);
+    QList<KeptTextWrite> dirty(bool last = false);
+    void collect(Boxes &boxes, bool last, QList<KeptTextWrite> &writes) const;
+    QCoro::Task<bool> keepWritten(QList<KeptTextWrite> writes);
+    void settle(KeptText &box, const KeptTextWrite &write);
     /// The text goes on from what the disk has. The file thread learns of it in the order of what is written there.
     void goOnFrom(KeptText &box, const KeptText::Entry &entry);
     void removeCopy(const KeptText &box, const KeptText::Copy &copy);
