@@ -137,6 +137,8 @@ QCoro::Task<Result<void>> ConversationSession::load(QString id, Copy copy) {
         co_return notOpened(ConversationTexts::anotherConversation());
     adopt(answer ? std::optional(answer->conversation) : std::nullopt, draft, copy);
     m_left.remove(m_userId, id);
+    if (!self || m_generation != generation)
+        co_return notOpened(ConversationTexts::switchedAway());
     Q_EMIT opened();
     co_return Result<void>();
 }
