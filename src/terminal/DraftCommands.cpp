@@ -66,6 +66,14 @@ std::optional<Found> find(Application *application, Console *console) {
     return found;
 }
 
+/// The files that are no drafts, without a word.
+QStringList spoiltNow(Application *application) {
+    const auto user = application->account().current();
+    const auto drafts = application->drafts().list(user);
+    const auto inputs = application->inputs().list(user.value_or(QString()));
+    return (drafts ? drafts->spoilt : QStringList()) + (inputs ? inputs->spoilt : QStringList());
+}
+
 /// The beginning of a text on one line.
 QString brief(const QString &text) {
     const QString flat = text.simplified();
@@ -221,8 +229,12 @@ QCoro::Task<ExitCode> DraftCommands::discardUnreadable(Application *application,
         console->note(path);
     if (!sure && !co_await isSure(console, input))
         co_return ExitCode::Stopped;
+    // While the person was asked a window may have put a draft into the place of one of them.
+    const QStringList still = spoiltNow(application);
     bool all = true;
     for (const QString &path : found->spoilt) {
+        if (!still.contains(path))
+            continue;
         if (const auto removed = AtomicFile::remove(path); !removed) {
             console->error(u"没能丢弃："_s + path + u'（' + removed.error().reason + u'）');
             all = false;
