@@ -80,7 +80,7 @@ void ComposerInputs::takeOver() {
         last = id;
         lastAt = left.changedAt;
     }
-    if (lastAt.isValid())
+    if (!last.isEmpty())
         m_texts.move(last, m_id);
 }
 
