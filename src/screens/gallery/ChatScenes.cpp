@@ -250,9 +250,11 @@ QList<GalleryScene> ChatScenes::ways() {
         });
     };
     const auto used = [](GalleryStage &stage) {
+        stage.until(u"the reply"_s, [&stage] { return stage.visibleItem(u"MessageActions"_s) != nullptr; });
         stage.then([&stage] { chat(stage).openUsed(u"a"_s); });
     };
     const auto reasons = [](GalleryStage &stage) {
+        stage.until(u"the reply"_s, [&stage] { return stage.visibleItem(u"MessageActions"_s) != nullptr; });
         stage.then([&stage] { chat(stage).openReasons(u"a"_s); });
     };
     const auto feedback = [](GalleryStage &stage) {

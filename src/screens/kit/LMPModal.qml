@@ -13,13 +13,6 @@ T.Popup {
     property Item before: null
     /// From when it is asked to open until it is asked to close.
     property bool held: false
-    readonly property Timer keeper: Timer {
-        id: keeper
-
-        interval: 0
-
-        onTriggered: root.keepKeyboard()
-    }
     /// Gets the keys that nothing else took, so that long words can be read with the keyboard on a button.
     property Item scroller: null
     readonly property real windowHeight: root.parent ? root.parent.height : 0
@@ -86,7 +79,7 @@ T.Popup {
 
     onActiveFocusChanged: {
         if (root.held && !root.activeFocus)
-            keeper.start();
+            Qt.callLater(root.keepKeyboard);
     }
     onAboutToHide: root.held = false
     onAboutToShow: {

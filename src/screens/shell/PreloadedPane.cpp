@@ -1,5 +1,6 @@
 #include "screens/shell/PreloadedPane.h"
 
+#include <QCoreApplication>
 #include <QQmlComponent>
 
 namespace lmp {
@@ -18,15 +19,19 @@ PreloadedPane::PreloadedPane(Settings &settings)
 
 PreloadedPane::~PreloadedPane() = default;
 
+QUrl PreloadedPane::file(QLatin1StringView screen) {
+    return QUrl(u"qrc:/qt/qml/Lumenpair/Shell/%1.qml"_s.arg(screen));
+}
+
 void PreloadedPane::begin(QQmlEngine &engine, std::optional<bool> signedIn) {
     const bool shell = signedIn.value_or(m_settings.value(signedInKey).has_value());
-    const auto file = [](QLatin1StringView pane) {
-        return QUrl(u"qrc:/qt/qml/Lumenpair/Shell/%1.qml"_s.arg(pane));
-    };
-    // The window is made with this one, and one thread reads them in turn: behind the other it would hold the window up.
-    m_first = std::make_unique<QQmlComponent>(&engine, file("LaunchPane"_L1));
-    m_pane = std::make_unique<QQmlComponent>(&engine, file(shell ? "MainShell"_L1 : "SignedOutPane"_L1),
-                                             QQmlComponent::Asynchronous);
+    // One thread reads them in turn: what the window is made with must not wait behind what comes after it.
+    for (const auto pane : {"Main"_L1, "LaunchPane"_L1, shell ? "MainShell"_L1 : "SignedOutPane"_L1})
+        m_read.push_back(std::make_unique<QQmlComponent>(&engine, file(pane), QQmlComponent::Asynchronous));
+}
+
+void PreloadedPane::goOn() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::User);
 }
 
 void PreloadedPane::keep(bool signedIn) {

@@ -25,5 +25,6 @@ LMPModal {
         }
     }
 
+    onAboutToHide: root.model.close()
     onAboutToShow: (root.contentItem as SwitcherPanel).begin()
 }

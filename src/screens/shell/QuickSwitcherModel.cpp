@@ -75,7 +75,47 @@ QHash<int, QByteArray> QuickSwitcherModel::roleNames() const {
             {UnreadRole, "unread"},     {DraftRole, "draft"}};
 }
 
+void QuickSwitcherModel::keepUpWith(const QAbstractItemModel *list) {
+    connect(list, &QAbstractItemModel::modelReset, this, &QuickSwitcherModel::refresh);
+    connect(list, &QAbstractItemModel::rowsInserted, this, &QuickSwitcherModel::refresh);
+    connect(list, &QAbstractItemModel::rowsRemoved, this, &QuickSwitcherModel::refresh);
+    connect(list, &QAbstractItemModel::rowsMoved, this, &QuickSwitcherModel::refresh);
+    connect(list, &QAbstractItemModel::dataChanged, this, &QuickSwitcherModel::refresh);
+}
+
+void QuickSwitcherModel::close() {
+    m_open = false;
+}
+
+void QuickSwitcherModel::refresh() {
+    if (!m_open || m_stale)
+        return;
+    // Changes come in bursts, and some while the list itself is half changed.
+    m_stale = true;
+    QMetaObject::invokeMethod(this, &QuickSwitcherModel::lookAgain, Qt::QueuedConnection);
+}
+
+void QuickSwitcherModel::lookAgain() {
+    m_stale = false;
+    if (!m_open)
+        return;
+    const auto there = m_source();
+    if (there == m_all)
+        return;
+    m_all = there;
+    const auto chosen = m_shown.value(m_current);
+    show();
+    const auto same = [&](const SwitcherEntry &entry) {
+        return entry.kind == chosen.kind && entry.key == chosen.key;
+    };
+    if (const auto kept = std::ranges::find_if(std::as_const(m_shown), same); kept != m_shown.cend())
+        setCurrent(int(kept - m_shown.cbegin()));
+    if (!m_learning)
+        detach(learnReadings(), "reading the switcher's titles");
+}
+
 void QuickSwitcherModel::open() {
+    m_open = true;
     m_all = m_source();
     m_query.clear();
     Q_EMIT queryChanged();
@@ -112,24 +152,28 @@ void QuickSwitcherModel::choose(int row) {
     Q_EMIT chosen(entry);
 }
 
-QCoro::Task<> QuickSwitcherModel::learnReadings() {
-    const QPointer self(this);
+QStringList QuickSwitcherModel::unspelledTitles() const {
     QStringList titles;
-    for (const auto &entry : std::as_const(m_all)) {
+    for (const auto &entry : m_all) {
         if (!m_spelled.contains(entry.title))
             titles << entry.title;
     }
-    if (titles.isEmpty())
-        co_return;
+    return titles;
+}
+
+QCoro::Task<> QuickSwitcherModel::learnReadings() {
+    const QPointer self(this);
     m_learning = true;
-    const auto spelled = co_await PoolAwaiter([titles] { return Pinyin::spell(titles); });
-    if (!self)
-        co_return;
+    for (auto titles = unspelledTitles(); !titles.isEmpty(); titles = unspelledTitles()) {
+        const auto spelled = co_await PoolAwaiter([titles] { return Pinyin::spell(titles); });
+        if (!self)
+            co_return;
+        for (qsizetype at = 0; at < titles.size(); ++at)
+            m_spelled.insert(titles[at], spelled[std::size_t(at)]);
+        if (!m_query.isEmpty())
+            show();
+    }
     m_learning = false;
-    for (qsizetype at = 0; at < titles.size(); ++at)
-        m_spelled.insert(titles[at], spelled[std::size_t(at)]);
-    if (!m_query.isEmpty())
-        show();
 }
 
 void QuickSwitcherModel::show() {

@@ -33,7 +33,8 @@ public:
     };
     using Source = std::function<QList<SwitcherEntry>()>;
 
-    /// @param source what there is to go to, the likeliest first; asked when the switcher opens
+    /// @param source what there is to go to, the likeliest first; asked when the switcher opens, and as `keepUpWith`
+    /// says
     explicit QuickSwitcherModel(Source source, QObject *parent = nullptr);
     ~QuickSwitcherModel() override;
 
@@ -48,8 +49,12 @@ public:
     void setCurrent(int row);
     int count() const { return int(m_shown.size()); }
 
+    /// Looks anew, while the switcher is open, whenever `list` changes: what is typed and chosen stays.
+    void keepUpWith(const QAbstractItemModel *list);
     /// Looks anew at what there is, with nothing typed.
     Q_INVOKABLE void open();
+    /// From here to the next opening nobody looks.
+    Q_INVOKABLE void close();
     /// Moves the current row by `step`, around the ends.
     Q_INVOKABLE void move(int step);
     /// Goes to the entry of `row`.
@@ -63,6 +68,9 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> learnReadings();
+    QStringList unspelledTitles() const;
+    void lookAgain();
+    void refresh();
     void show();
 
     Source m_source;
@@ -72,6 +80,8 @@ private:
     QString m_query;
     int m_current = -1;
     bool m_learning = false;
+    bool m_open = false;
+    bool m_stale = false; ///< a look is on its way
 };
 
 } // namespace lmp

@@ -7,6 +7,9 @@ import Lumenpair.Shell
 TabPage {
     id: root
 
+    /// The part that is to be shown as soon as it has its place; -1 for none.
+    property int sought: -1
+
     function show(section: int): void {
         const item = parts.children[section];
         const top = item.mapToItem(page.contentItem, 0, 0).y - Theme.space4;
@@ -18,21 +21,23 @@ TabPage {
 
     Connections {
         function onSectionRequested(section: int): void {
-            going.section = section;
-            going.start();
+            root.sought = section;
+            root.Window.window.requestUpdate();
         }
 
         target: root.scene.navigation
     }
 
-    // A page that was made just now has no places to go to yet.
-    Timer {
-        id: going
+    // A page that was made just now has no places to go to before it is laid out.
+    Connections {
+        function onAfterAnimating(): void {
+            const section = root.sought;
+            root.sought = -1;
+            root.show(section);
+        }
 
-        property int section: 0
-
-        interval: 0
-        onTriggered: root.show(going.section)
+        enabled: root.sought >= 0
+        target: root.Window.window
     }
 
     LMPPage {

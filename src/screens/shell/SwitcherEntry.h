@@ -9,9 +9,9 @@ struct SwitcherEntry {
     enum class Kind { Conversation, Page, Command };
 
     Kind kind = Kind::Conversation;
-    QString key; ///< a conversation's id, or the name of a page or command
-    QString title;
-    QString iconName;
+    QString key = {}; ///< a conversation's id, or the name of a page or command
+    QString title = {};
+    QString iconName = {};
     QString shortcutText = {};
     int unread = 0;
     bool draft = false;

@@ -8,6 +8,7 @@
 #include "screens/shell/WindowScene.h"
 
 #include <QFileOpenEvent>
+#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQuickWindow>
@@ -55,10 +56,13 @@ Application::Options WindowApplication::options(const WindowOptions &options, st
 }
 
 bool WindowApplication::start() {
-    // The keychain answers from another thread: it is asked while the window is still being made.
-    detach(open(), "opening the service");
-    m_windowType = std::make_unique<QQmlComponent>(&m_engine, QUrl(u"qrc:/qt/qml/Lumenpair/Shell/Main.qml"_s));
+    // Screens are read and the keychain answers in threads of their own, and the first text needs its font: all at
+    // once.
     m_firstPane.begin(m_engine, qEnvironmentVariableIsEmpty("LMP_TOKEN") ? std::nullopt : std::optional(true));
+    detach(open(), "opening the service");
+    PreloadedPane::goOn();
+    QFontMetrics(QGuiApplication::font()).horizontalAdvance(u'正');
+    PreloadedPane::goOn();
     WindowScene *scene = openWindow();
     if (scene && !m_options.link.isEmpty())
         scene->navigation()->openLink(m_options.link);
@@ -66,6 +70,8 @@ bool WindowApplication::start() {
 }
 
 WindowScene *WindowApplication::openWindow() {
+    if (!m_windowType)
+        m_windowType = std::make_unique<QQmlComponent>(&m_engine, PreloadedPane::file("Main"_L1));
     if (!m_windowType->isReady()) {
         qCCritical(logApplication) << "no window:" << m_windowType->errorString();
         return nullptr;
@@ -74,6 +80,7 @@ WindowScene *WindowApplication::openWindow() {
     WindowScene *scene = made.get();
     QQmlEngine::setObjectOwnership(scene, QQmlEngine::CppOwnership);
     join(scene);
+    PreloadedPane::goOn();
     QObject *object = m_windowType->createWithInitialProperties({{u"scene"_s, QVariant::fromValue(scene)}});
     auto *window = qobject_cast<QQuickWindow *>(object);
     if (!window) {
@@ -85,7 +92,9 @@ WindowScene *WindowApplication::openWindow() {
         connect(window, &QQuickWindow::frameSwapped, this, &WindowApplication::onFirstFrame,
                 Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
     m_windows.push_back({std::move(made), std::unique_ptr<QQuickWindow>(window)});
+    PreloadedPane::goOn();
     window->show();
+    PreloadedPane::goOn();
     return scene;
 }
 

@@ -31,6 +31,7 @@ void WindowScene::adopt(SharedModels &shared) {
     m_chat = std::make_unique<ChatModel>(application);
     m_conversations = std::make_unique<ConversationListModel>(application);
     m_conversations->follow(m_chat.get());
+    m_switcher.keepUpWith(m_conversations.get());
     m_search = std::make_unique<ConversationSearchModel>(application.search());
     connect(m_search.get(), &ConversationSearchModel::chosen, this, &WindowScene::openMessage);
     adoptLedger(application);

@@ -4,6 +4,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QElapsedTimer>
+#include <QStringListModel>
 
 #include <gtest/gtest.h>
 
@@ -82,6 +83,30 @@ TEST(QuickSwitcherModelTest, OffersTheLikeliestFirst) {
     there.clear();
     model.open();
     EXPECT_EQ(model.count(), 0);
+}
+
+TEST(QuickSwitcherModelTest, KeepsUpWithTitlesThatComeWhileItIsOpen) {
+    QStringListModel titles({u"新对话"_s, u"晚饭"_s});
+    QuickSwitcherModel model([&] {
+        QList<SwitcherEntry> there;
+        for (int row = 0; row < titles.rowCount(); ++row)
+            there << SwitcherEntry{.key = QString::number(row), .title = titles.stringList()[row], .iconName = {}};
+        return there;
+    });
+    model.keepUpWith(&titles);
+    model.open();
+    model.setCurrent(1);
+    titles.setStringList({u"重庆的春天"_s, u"晚饭"_s});
+    EXPECT_TRUE(eventually([&] { return model.index(0).data() == u"重庆的春天"_s; }));
+    EXPECT_EQ(model.current(), 1);
+    model.setQuery(u"cq"_s);
+    EXPECT_TRUE(eventually([&] { return model.count() == 1; }));
+    titles.setData(titles.index(1), u"常去的店"_s);
+    EXPECT_TRUE(eventually([&] { return model.count() == 2; }));
+    model.close();
+    titles.setStringList({});
+    settle();
+    EXPECT_EQ(model.count(), 2);
 }
 
 TEST(AppCommandsTest, TheTableIsWhole) {

@@ -127,7 +127,10 @@ TEST_F(WindowTest, TheSwitcherGoesByPinyin) {
     window.key(Qt::Key_K, Qt::ControlModifier);
     ASSERT_TRUE(window.shows(u"检查更新"_s));
     // The new conversation asks for the keyboard when it is there, and the switcher takes it back.
-    settle();
+    ASSERT_TRUE(eventually([&] {
+        const QQuickItem *panel = window.find(u"SwitcherPanel"_s);
+        return panel && panel->hasActiveFocus();
+    }));
     window.type(u"cq"_s);
     ASSERT_TRUE(eventually([&] { return switcher->count() == 1; }));
     // Keys belong to what is being composed, as long as it is.
@@ -142,6 +145,10 @@ TEST_F(WindowTest, TheSwitcherGoesByPinyin) {
 
     window.key(Qt::Key_K, Qt::ControlModifier);
     ASSERT_TRUE(window.shows(u"检查更新"_s));
+    ASSERT_TRUE(eventually([&] {
+        const QQuickItem *panel = window.find(u"SwitcherPanel"_s);
+        return panel && panel->hasActiveFocus();
+    }));
     window.type(u"shezhi"_s);
     ASSERT_TRUE(eventually([&] { return switcher->count() >= 1; }));
     window.key(Qt::Key_Return);
