@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "core/PoolAwaiter.h"
 #include "core/RequestURL.h"
 #include "platform/FileThread.h"
 #include "platform/SystemKeychain.h"
@@ -88,6 +89,8 @@ QCoro::Task<> Application::close() {
         co_await m_telemetry->flushForExit(1s);
     if (self && m_auth)
         co_await m_auth->keychainSettled(2s);
+    // Behind what is being written, so that whoever waits for it hears of it while there is a loop to be told by.
+    co_await PoolAwaiter([] { return true; }, &FileThread::pool());
 }
 
 void Application::rememberUser() {

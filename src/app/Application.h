@@ -48,7 +48,7 @@ public:
 
     /// Finds the service (starting the sandbox where that is it), makes the stores and begins to restore the session.
     QCoro::Task<std::expected<void, QString>> open();
-    /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s.
+    /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s, and what is being written.
     QCoro::Task<> close();
 
     bool usesOwnSandbox() const { return m_options.site.isEmpty(); }

@@ -139,7 +139,7 @@ TEST_F(TerminalTest, EventsOfATurn) {
     EXPECT_FALSE(done.as_object().contains("notice"));
 
     const auto again = run({u"chat"_s, u"-c"_s, u"--jsonl"_s, u"--cheaper"_s, u"你记得我叫什么吗"_s});
-    EXPECT_EQ(again.code, 0);
+    EXPECT_EQ(again.code, 0) << again.err.toStdString() << again.out.toStdString();
     EXPECT_TRUE(again.types().contains(u"memories"_s));
     EXPECT_EQ(again.events().front().at("conversationId"), events.front().at("conversationId"));
     EXPECT_EQ(again.events().back().at("charged"), 1);
@@ -205,7 +205,8 @@ TEST_F(TerminalTest, FailedSaveIsANoteAndADraft) {
     EXPECT_TRUE(run({u"conversations"_s, u"show"_s, id}).out.contains(u"别丢了我"_s));
 
     fault({});
-    EXPECT_EQ(run({u"chat"_s, u"--conversation"_s, id, u"现在呢"_s}).code, 0);
+    const auto next = run({u"chat"_s, u"--conversation"_s, id, u"现在呢"_s});
+    EXPECT_EQ(next.code, 0) << next.err.toStdString();
     EXPECT_EQ(look(u"/api/app/conversations"_s, m_token).at("conversations").as_array().size(), 1u);
     EXPECT_FALSE(run({u"conversations"_s, u"list"_s}).out.contains(u"草稿"_s));
 }
