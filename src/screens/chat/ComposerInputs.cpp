@@ -71,7 +71,7 @@ void ComposerInputs::takeOver() {
     const KeptText now = m_texts.box(m_id);
     if (m_id.isEmpty() || !now.place.isFresh() || now.place.incognito || !now.input.isEmpty())
         return;
-    QString last;
+    std::optional<QString> last; // what was typed before anything was open has no id
     QDateTime lastAt;
     for (const auto &[id, left] : m_texts.boxes().asKeyValueRange()) {
         if (id == m_id || !left.place.isFresh() || left.place.incognito || left.theirs || freshInUse().contains(id) ||
@@ -80,8 +80,8 @@ void ComposerInputs::takeOver() {
         last = id;
         lastAt = left.changedAt;
     }
-    if (!last.isEmpty())
-        m_texts.move(last, m_id);
+    if (last)
+        m_texts.move(*last, m_id);
 }
 
 void ComposerInputs::setText(const QString &text) {
