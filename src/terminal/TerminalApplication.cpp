@@ -108,7 +108,9 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
     case CommandLine::Command::DraftShow:
         return DraftCommands::show(&m_application, &m_console, m_line.draftId, m_line.draftJson);
     case CommandLine::Command::DraftDiscard:
-        return DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
+        return m_line.discardUnreadable
+                   ? DraftCommands::discardUnreadable(&m_application, &m_console, &m_input, m_line.discardSurely)
+                   : DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
     case CommandLine::Command::Memory:
         return MemoryCommands::run(&m_application, &m_console, &m_input, m_line.memory);
     case CommandLine::Command::Crisis:
