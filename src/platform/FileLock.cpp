@@ -25,6 +25,16 @@ std::unexpected<AtomicFile::Error> failed(const QString &path, const QString &st
 } // namespace
 
 std::expected<FileLock, AtomicFile::Error> FileLock::hold(const QString &path, std::chrono::milliseconds limit) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    if (limit.count() <= 0)
+        return take(path, deadline);
+    // Only one waits at the lock itself. A holder that comes back in a moment would else win against all who look at
+    // it now and then, on a busy machine for seconds.
+    const auto turn = take(path + u".turn"_s, deadline);
+    return turn ? take(path, deadline) : std::unexpected(turn.error());
+}
+
+std::expected<FileLock, AtomicFile::Error> FileLock::take(const QString &path, Deadline deadline) {
     int fd = -1, interruptions = 0;
     do
         fd = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
@@ -33,7 +43,6 @@ std::expected<FileLock, AtomicFile::Error> FileLock::hold(const QString &path, s
         return failed(path, u"open"_s, errno);
     FileLock lock(fd);
     // The system's own lock belongs to the open file, so two threads exclude each other as two processes do.
-    const auto deadline = std::chrono::steady_clock::now() + limit;
     while (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
         if (errno == EINTR && ++interruptions < maxInterruptions)
             continue;

@@ -11,7 +11,8 @@ namespace lmp {
 /// A lock that one holder has at a time, among threads and processes alike; let go of when this is destroyed, and by
 /// the system when the process dies.
 ///
-/// Held by the scope that takes it; blocks; any thread. The file it is taken on stays behind, empty and private.
+/// Held by the scope that takes it; blocks; any thread. Who lets go and comes back at once gets behind those who wait.
+/// The file it is taken on stays behind, empty and private, and so does the one beside it that they wait at (".turn").
 class FileLock {
 public:
     /// @param path of the lock's own file; never the file that it guards, since that one is replaced
@@ -25,6 +26,10 @@ public:
     ~FileLock();
 
 private:
+    using Deadline = std::chrono::steady_clock::time_point;
+
+    static std::expected<FileLock, AtomicFile::Error> take(const QString &path, Deadline deadline);
+
     explicit FileLock(int fd)
         : m_fd(fd) {}
 
