@@ -154,7 +154,10 @@ FocusScope {
                     if (event.button === Qt.RightButton)
                         root.menu(false);
                 }
-                onTextChanged: root.edited()
+                onTextChanged: {
+                    InputKeys.goOnAtEnd(field);
+                    root.edited();
+                }
             }
             boundsBehavior: Flickable.StopAtBounds
             clip: true

@@ -102,7 +102,10 @@ FocusScope {
                         if (event.button === Qt.RightButton)
                             root.menu(false);
                     }
-                    onTextChanged: root.textEdited()
+                    onTextChanged: {
+                        InputKeys.goOnAtEnd(field);
+                        root.textEdited();
+                    }
                 }
                 anchors.bottomMargin: Theme.space8
                 anchors.fill: parent
