@@ -4,6 +4,7 @@
 #include "conversation/ConversationSearch.h"
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -81,7 +82,8 @@ QString ChatModel::title() const {
     const auto *conversation = m_session.conversation();
     if (!conversation)
         return {};
-    return conversation->title.isEmpty() ? u"新对话"_s : conversation->title;
+    const QString title = PlainLabel::line(conversation->title);
+    return title.isEmpty() ? u"新对话"_s : title;
 }
 
 QString ChatModel::incognitoText() const {
@@ -514,7 +516,7 @@ bool ChatModel::openLink(const QUrl &link) {
     if (!link.isValid() || link.host().isEmpty() || (scheme != u"http"_s && scheme != u"https"_s))
         m_linkNotice = u"只打开 http 或 https 开头的链接，这个链接没有打开。"_s;
     else if (!m_services.opener->open(link))
-        m_linkNotice = u"没有程序能打开这个链接："_s + link.toString();
+        m_linkNotice = u"没有程序能打开这个链接："_s + PlainLabel::line(link.toString(), PlainLabel::longestSentence);
     else
         m_linkNotice.clear();
     Q_EMIT noticeChanged();

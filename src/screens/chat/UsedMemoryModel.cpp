@@ -1,6 +1,7 @@
 #include "screens/chat/UsedMemoryModel.h"
 
 #include "conversation/ConversationTexts.h"
+#include "core/PlainLabel.h"
 
 namespace lmp {
 
@@ -17,7 +18,7 @@ QVariant UsedMemoryModel::data(const QModelIndex &index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
     case ContentRole:
-        return memory.content;
+        return PlainLabel::content(memory.content);
     case TruthRole:
         return memory.truth;
     case TruthTextRole:
@@ -47,7 +48,7 @@ void UsedMemoryModel::show(const QList<UsedMemory> &memories) {
 QString UsedMemoryModel::truthText(const QString &truth) {
     static const QHash<QString, QString> known{
         {u"fact"_s, u"事实"_s}, {u"pref"_s, u"偏好"_s}, {u"inf"_s, u"推断"_s}, {u"canon"_s, u"设定"_s}};
-    return known.value(truth, truth);
+    return known.value(truth, PlainLabel::line(truth));
 }
 
 } // namespace lmp
