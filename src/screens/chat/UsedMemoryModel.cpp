@@ -7,8 +7,15 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// All of them are laid out at once; nobody reads more.
+constexpr qsizetype mostShown = 100;
+
+} // namespace
+
 int UsedMemoryModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : int(m_memories.size());
+    return parent.isValid() ? 0 : int(std::min(m_memories.size(), mostShown));
 }
 
 QVariant UsedMemoryModel::data(const QModelIndex &index, int role) const {
@@ -33,7 +40,8 @@ QHash<int, QByteArray> UsedMemoryModel::roleNames() const {
 }
 
 QString UsedMemoryModel::note() const {
-    return ConversationTexts::usedMemoriesNote(m_memories.size());
+    const QString note = ConversationTexts::usedMemoriesNote(m_memories.size());
+    return m_memories.size() > mostShown ? note + u"下面只显示前 %1 条。"_s.arg(mostShown) : note;
 }
 
 void UsedMemoryModel::show(const QList<UsedMemory> &memories) {
