@@ -94,6 +94,7 @@ void ChatModel::begin(bool incognito) {
     const auto *open = m_session.belongsToCurrentAccount() ? m_session.conversation() : nullptr;
     if (open && open->messages.isEmpty() && !m_session.known() && m_session.incognito() == incognito)
         return;
+    endTurn();
     forgetOpening();
     m_session.begin({}, incognito);
     m_inputs.moveTo(place());
@@ -129,6 +130,7 @@ void ChatModel::openServiceCopy() {
 }
 
 void ChatModel::openAs(const QString &id, Copy copy) {
+    endTurn();
     forgetOpening();
     m_wantedId = id;
     m_loading = true;
@@ -164,6 +166,12 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
         setNotice(kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept());
     else
         setNotice(kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept());
+}
+
+void ChatModel::endTurn() {
+    // What has arrived is saved with its conversation, which would otherwise be left as if nobody had answered.
+    if (sending())
+        stop();
 }
 
 void ChatModel::forgetOpening() {
