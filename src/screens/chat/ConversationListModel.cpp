@@ -15,6 +15,13 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// The list is narrow, and its rows are to be seen below what went wrong.
+constexpr qsizetype longestReason = 80;
+
+} // namespace
+
 ConversationListModel::ConversationListModel(Application &application, QObject *parent)
     : ConversationListModel(ChatServices::of(application), parent) {
     for (const auto signal :
@@ -96,7 +103,8 @@ QCoro::Task<> ConversationListModel::load() {
     if (!self || m_generation != generation)
         co_return;
     m_loading = false;
-    m_errorText = answer ? QString() : ConversationTexts::recentUnreadable(answer.error().reason);
+    m_errorText = answer ? QString()
+                         : ConversationTexts::recentUnreadable(PlainLabel::line(answer.error().reason, longestReason));
     if (answer) {
         m_summaries = answer->conversations;
         m_loaded = true;

@@ -8,14 +8,15 @@ TapHandler {
     readonly property TextEdit read: root.parent as TextEdit
     readonly property Component made: Component {
         LMPTextMenu {
-            area: root.read
         }
     }
     property LMPTextMenu menu: null
 
     function options(): LMPTextMenu {
         if (!root.menu)
-            root.menu = root.made.createObject(root.read) as LMPTextMenu;
+            root.menu = root.made.createObject(root.read, {
+                    "area": root.read
+                }) as LMPTextMenu;
         return root.menu;
     }
 

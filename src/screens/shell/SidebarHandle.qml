@@ -12,7 +12,7 @@ Item {
     readonly property int maximumValue: root.layout.widestSidebar
     readonly property int minimumValue: root.layout.narrowestSidebar
     readonly property int stepSize: 8
-    property int value: 0
+    property int value
 
     function move(by: int): void {
         root.layout.sidebarWidth += by;
