@@ -1,4 +1,4 @@
-// Drafts: bench_drafts kill N | grid | race WRITERS N | durable N | typing N
+// Drafts: bench_drafts kill N | sends N | grid | race WRITERS N | durable N | typing N
 #include "screens/chat/ComposerInputs.h"
 #include "support/DraftTrials.h"
 
@@ -39,6 +39,12 @@ int kill(const QString &folder, int kills) {
     const auto one = DraftTrials::kill(folder, kills);
     std::printf("kills=%d mid_save=%d acknowledged=%lld lost=%d torn=%d left=%d looks=%lld open=%lld\n", one.kills,
                 one.midSave, one.acknowledged, one.lost, one.torn, one.leftBeside, one.looks, one.open);
+    return 0;
+}
+
+int sends(const QString &folder, int kills) {
+    const auto one = DraftTrials::killSends(folder + u"/sends"_s, kills);
+    std::printf("kills=%d typed=%lld lost=%d both=%d\n", one.kills, one.typed, one.lost, one.both);
     return 0;
 }
 
@@ -168,6 +174,8 @@ int main(int argc, char **argv) {
     const QString path = folder.path();
     if (what == "kill" && number > 0)
         return kill(path, number);
+    if (what == "sends" && number > 0)
+        return sends(path, number);
     if (what == "grid")
         return grid(path);
     if (what == "race" && number > 0 && argc > 3)
@@ -177,6 +185,6 @@ int main(int argc, char **argv) {
     WatchedApplication application(argc, argv);
     if (what == "typing" && number > 0)
         return typing(application, path, number);
-    std::fputs("bench_drafts kill N | grid | race WRITERS N | durable N | typing N\n", stderr);
+    std::fputs("bench_drafts kill N | sends N | grid | race WRITERS N | durable N | typing N\n", stderr);
     return 2;
 }

@@ -1,5 +1,6 @@
 """The figures of agents: their lines as events, how soon they start, and what a verdict costs. Called by figures.py."""
 
+import json
 import sys
 import tempfile
 from pathlib import Path
@@ -32,6 +33,31 @@ def events(figures, alternate):
     figures.note(", ".join(f"{name} {LINES / one['ms'] / 1e3:.2f} M/s" for name, one in medians.items()))
     ratio = medians["qt_json"]["ms"] / medians["ours"]["ms"]
     figures.hold("agent events", f"{ratio:.2f} x QProcess with QJsonDocument (at least 1.0)", ratio >= 1.0)
+
+
+def stalled(figures, alternate):
+    with tempfile.TemporaryDirectory() as folder:
+        said = {"method": "item/agentMessage/delta", "params": {"itemId": "m", "delta": "x" * 120}}
+        replies = [{}, {"account": {}}, {"thread": {"id": "t"}, "model": "m"}]
+        reads = ("read -r line", "read -r line; read -r line", "read -r line")
+        talk = "".join(
+            f"{read}\necho '{json.dumps({'id': number, 'result': reply})}'\n"
+            for number, (read, reply) in enumerate(zip(reads, replies), 1)
+        )
+        agents = {
+            "claude": script(
+                folder, "claude", f"#!/bin/sh\nexec {figures.program('bench_line_producer')} 0 {LENGTH} says\n"
+            ),
+            "codex": script(folder, "codex", f"#!/bin/sh\n{talk}exec yes '{json.dumps(said)}'\n"),
+        }
+        events = figures.program("bench_engine_events")
+        medians = alternate({name: [events, path, "stall", name] for name, path in agents.items()}, 3)
+    for name, one in medians.items():
+        growth = one["growth_kb"] / 1024
+        good = growth < 16 and one["flows"] == 1 and one["waited"] > 0
+        figures.hold(
+            f"stalled {name}", f"the engine grows by {growth:.1f} MB (under 16), {one['waited']:.0f} events waited", good
+        )
 
 
 def start(figures, alternate):

@@ -307,6 +307,7 @@ def child_lines(figures):
 def agents(figures):
     """500,000 lines of an agent into events, the start of an engine, permission verdicts"""
     agent_figures.events(figures, alternate)
+    agent_figures.stalled(figures, alternate)
     agent_figures.start(figures, alternate)
     agent_figures.verdict(figures, alternate)
 

@@ -3,17 +3,15 @@
 // read: all lines to the end of the output. stall: takes one line of a flood and then none for a second; prints how
 // much the memory has grown in that time, and how much the child has been able to write.
 
+#include "../Resident.h"
 #include "core/Detach.h"
 #include "dev/DevExecutable.h"
 #include "dev/DevProcessRegistry.h"
 #include "platform/SystemClock.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 
 #include <cstdio>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -31,13 +29,6 @@ std::shared_ptr<lmp::DevProcess> start(const QStringList &command) {
         std::exit(1);
     }
     return *child;
-}
-
-long residentKB() {
-    QFile statm(u"/proc/self/statm"_s);
-    if (!statm.open(QIODevice::ReadOnly))
-        return 0;
-    return statm.readAll().split(' ').value(1).toLong() * ::sysconf(_SC_PAGESIZE) / 1024;
 }
 
 QCoro::Task<> readAll(QStringList command) {
@@ -63,9 +54,9 @@ QCoro::Task<> stall(QStringList command) {
     const auto child = start(command);
     auto lines = child->lines();
     const bool flows = (co_await lines.next()).has_value();
-    const long before = residentKB();
+    const long before = lmp::bench::residentKB();
     co_await clock.sleep(1s, {});
-    const long growth = std::max(residentKB() - before, 0L);
+    const long growth = std::max(lmp::bench::residentKB() - before, 0L);
     // The flood goes on where it was held: what was not written cannot be taken.
     qint64 taken = 0;
     while (const auto line = lines.tryNext())

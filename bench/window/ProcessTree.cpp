@@ -50,6 +50,10 @@ std::optional<Stat> statOf(pid_t pid) {
 
 long pssOf(pid_t pid) {
     std::ifstream file("/proc/" + std::to_string(pid) + "/smaps_rollup");
+    // Nothing would look better than it is.
+    if (!file && (errno == EACCES || errno == EPERM))
+        throw std::system_error(errno, std::generic_category(),
+                                "the program keeps its memory private: measure as root");
     for (std::string line; std::getline(file, line);) {
         if (line.starts_with("Pss:"))
             return std::stol(line.substr(4));

@@ -1,6 +1,9 @@
 #include "app/Application.h"
 
+#include "core/PoolAwaiter.h"
 #include "core/RequestURL.h"
+#include "dev/DevProcessRegistry.h"
+#include "platform/FileThread.h"
 #include "platform/SystemKeychain.h"
 #include "platform/UserDefaults.h"
 
@@ -24,6 +27,8 @@ Application::Application(Options options)
     , m_webAuth(m_opener, m_clock) {}
 
 Application::~Application() {
+    // What closed windows gave to be written.
+    FileThread::finish();
     Telemetry::install(nullptr);
 }
 
@@ -87,6 +92,12 @@ QCoro::Task<> Application::close() {
         co_await m_telemetry->flushForExit(1s);
     if (self && m_auth)
         co_await m_auth->keychainSettled(2s);
+    // Behind what is being written, so that whoever waits for it hears of it while there is a loop to be told by.
+    co_await PoolAwaiter([] { return true; }, &FileThread::pool());
+}
+
+void Application::endChildren() {
+    DevProcessRegistry::shared().quitAndWait();
 }
 
 void Application::rememberUser() {
@@ -164,10 +175,14 @@ ChatWithTwinView::Recorder Application::recorder() const {
     };
 }
 
+QString Application::scope() const {
+    return usesOwnSandbox() ? QString() : m_site.root.toString(QUrl::RemoveUserInfo | QUrl::StripTrailingSlash);
+}
+
 QString Application::keychainSuffix() const {
     QString suffix;
     if (!usesOwnSandbox())
-        suffix += u'@' + m_site.root.toString(QUrl::RemoveUserInfo | QUrl::StripTrailingSlash);
+        suffix += u'@' + scope();
     if (!m_options.profile.isEmpty())
         suffix += u'#' + m_options.profile;
     return suffix;

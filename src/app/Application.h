@@ -49,8 +49,11 @@ public:
 
     /// Finds the service (starting the sandbox where that is it), makes the stores and begins to restore the session.
     QCoro::Task<std::expected<void, QString>> open();
-    /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s.
+    /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s, and what is being written.
     QCoro::Task<> close();
+    /// The last thing in main: ends what coding agents have started, and lets nothing more start. Blocks for 2.5 s at
+    /// most, and not at all where nothing runs.
+    static void endChildren();
 
     bool usesOwnSandbox() const { return m_options.site.isEmpty(); }
     bool tokenIsGiven() const { return m_options.token.has_value(); }
@@ -72,12 +75,14 @@ public:
     LocalInputRegistry &localInput() { return m_localInput; }
     /// Where this profile's files live.
     const ApplicationSupport &support() const { return m_support; }
-    ConversationDraftCache drafts() const { return ConversationDraftCache(m_support); }
+    /// Sets this service's local records apart from those of others; empty for the sandbox that comes with the program.
+    QString scope() const;
+    ConversationDraftCache drafts() const { return ConversationDraftCache(m_support, scope()); }
     /// The search over conversations, made when it is first asked for.
     ConversationSearch &search();
     /// How far the conversations have been read for memories.
     ExtractionProgress &extractions() { return *m_extractions; }
-    ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support); }
+    ConversationInputDraftStore inputs() const { return ConversationInputDraftStore(m_support, scope()); }
     /// The state of one sign-in, with the providers that this service has. The application outlives it.
     std::unique_ptr<LoginModel> makeLoginModel();
     WebAuthPresenter &webAuth() { return m_webAuth; }

@@ -211,6 +211,11 @@ void ChatWithTwinView::recheck() {
         isCurrent(TurnPtr(m_turn));
 }
 
+void ChatWithTwinView::knowOwner() {
+    if (m_turn)
+        m_turn->reference = m_session.referenceTo(m_turn->reference.messageId);
+}
+
 void ChatWithTwinView::letGo() {
     const QPointer self(this);
     release();
@@ -264,6 +269,8 @@ void ChatWithTwinView::absorb(const TurnPtr &turn, const ChatStreamFrame &frame)
 void ChatWithTwinView::grow(const TurnPtr &turn, const QString &delta) {
     if (delta.isEmpty())
         return;
+    // A reply is paid for as it comes.
+    m_session.keepSoon();
     if (std::exchange(turn->textArrived, true)) {
         m_session.appendText(turn->replyId, delta);
         return;

@@ -65,6 +65,8 @@ public:
     /// Lets go of a turn that is no longer the current one; to be called when somebody else is signed in, since a
     /// stream that is silent finds out only with its next event.
     void recheck();
+    /// The session has learned whose the open conversation is: the turn under way goes on.
+    void knowOwner();
     /// Ends the turn under way at once: the text stays, and what became of it is unknown.
     void stop();
 

@@ -34,8 +34,8 @@ std::unexpected<ConversationDraftCache::CacheError> failed(DraftFolder::Failure 
 
 } // namespace
 
-ConversationDraftCache::ConversationDraftCache(const ApplicationSupport &support)
-    : m_folder(support, u"ConversationDrafts/v1"_s) {}
+ConversationDraftCache::ConversationDraftCache(const ApplicationSupport &support, const QString &scope)
+    : m_folder(support, u"ConversationDrafts/v1"_s, scope) {}
 
 ConversationDraftCache::Outcome<void> ConversationDraftCache::check(const std::optional<QString> &account,
                                                                     const QString &id) {
@@ -91,7 +91,7 @@ ConversationDraftCache::list(const std::optional<QString> &account) const {
     if (!listing)
         return failed(listing.error(), ConversationTexts::draftsUnreadable());
     std::ranges::sort(listing->records, std::greater(), &Entry::updatedAt);
-    return Listing{std::move(listing->records), listing->unreadable};
+    return Listing{std::move(listing->records), listing->unreadable, std::move(listing->spoilt)};
 }
 
 } // namespace lmp

@@ -32,12 +32,14 @@ public:
     };
     struct Listing {
         QList<Entry> entries;     ///< of the account, newest first
-        qsizetype unreadable = 0; ///< files of whatever account that could not be read
+        qsizetype unreadable = 0; ///< how many files could not be read
+        QStringList spoilt = {};  ///< of them, those that are no drafts, whenever one looks
     };
     template <class T>
     using Outcome = std::expected<T, CacheError>;
 
-    explicit ConversationDraftCache(const ApplicationSupport &support);
+    /// @param scope as with DraftFolder
+    explicit ConversationDraftCache(const ApplicationSupport &support, const QString &scope = {});
 
     /// Replaces the conversation's file, stamped with a fresh write id and the time. A file there that is no draft is
     /// moved beside it first.

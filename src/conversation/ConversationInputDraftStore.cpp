@@ -12,25 +12,14 @@ namespace {
 
 using StoreError = ConversationInputDraftStore::StoreError;
 
-/// No id of the service's ends like this: it would not be one word in an address.
+/// No id of the service's has this in it: it would not be one word in an address. What follows tells the copies of one
+/// conversation apart; older ones end here.
 const QString copyMark = QStringLiteral(" copy");
-
-StoreError storeError(DraftFolder::Failure failure) {
-    switch (failure) {
-    case DraftFolder::Failure::unreadable:
-        return StoreError::unreadable;
-    case DraftFolder::Failure::changedElsewhere:
-        return StoreError::changedElsewhere;
-    case DraftFolder::Failure::storage:
-        break;
-    }
-    return StoreError::storage;
-}
 
 } // namespace
 
-ConversationInputDraftStore::ConversationInputDraftStore(const ApplicationSupport &support)
-    : m_folder(support, QStringLiteral("UnsentInput/v1")) {}
+ConversationInputDraftStore::ConversationInputDraftStore(const ApplicationSupport &support, const QString &scope)
+    : m_folder(support, QStringLiteral("UnsentInput/v1"), scope) {}
 
 ConversationInputDraftStore::Outcome<std::optional<QString>>
 ConversationInputDraftStore::save(const QString &account, Entry entry, const std::optional<QString> &known,
@@ -77,15 +66,29 @@ ConversationInputDraftStore::list(const QString &account) const {
     if (!listing)
         return std::unexpected(storeError(listing.error()));
     std::ranges::sort(listing->records, std::greater(), &Entry::updatedAt);
-    return Listing{std::move(listing->records), listing->unreadable};
+    return Listing{std::move(listing->records), listing->unreadable, std::move(listing->spoilt)};
+}
+
+ConversationInputDraftStore::StoreError ConversationInputDraftStore::storeError(DraftFolder::Failure failure) {
+    switch (failure) {
+    case DraftFolder::Failure::unreadable:
+        return StoreError::unreadable;
+    case DraftFolder::Failure::changedElsewhere:
+        return StoreError::changedElsewhere;
+    case DraftFolder::Failure::storage:
+        break;
+    }
+    return StoreError::storage;
 }
 
 QString ConversationInputDraftStore::copyId(const QString &id) {
-    return id + copyMark;
+    return id + copyMark + u' ' + QUuid::createUuid().toString(QUuid::WithoutBraces);
 }
 
 QString ConversationInputDraftStore::originalId(const QString &id) {
-    return id.endsWith(copyMark) ? id.chopped(copyMark.size()) : id;
+    const auto mark = id.lastIndexOf(copyMark);
+    const auto end = mark + copyMark.size();
+    return mark > 0 && (end == id.size() || id.at(end) == u' ') ? id.first(mark) : id;
 }
 
 QString ConversationInputDraftStore::describe(StoreError error) {

@@ -34,14 +34,16 @@ public:
     };
     struct Listing {
         QList<Entry> entries;     ///< of the account, newest first
-        qsizetype unreadable = 0; ///< files of whatever account that could not be read
+        qsizetype unreadable = 0; ///< how many files could not be read
+        QStringList spoilt = {};  ///< of them, those that are no drafts, whenever one looks
     };
     template <class T>
     using Outcome = std::expected<T, StoreError>;
 
     static constexpr qsizetype maxBytes = 2'000'000;
 
-    explicit ConversationInputDraftStore(const ApplicationSupport &support);
+    /// @param scope as with DraftFolder
+    explicit ConversationInputDraftStore(const ApplicationSupport &support, const QString &scope = {});
 
     /// Replaces the input of `entry.id`, stamped with a fresh write id and the time; one that is empty removes the
     /// file.
@@ -54,11 +56,14 @@ public:
     Outcome<std::optional<Entry>> read(const QString &account, const QString &id) const;
     Outcome<Listing> list(const QString &account) const;
 
-    /// Under which id a window keeps its own input of `id` while another window's stands in its place.
+    /// An id under which a window keeps its own input of `id` while another window's stands in its place; another one
+    /// each time.
     static QString copyId(const QString &id);
     /// The conversation that an entry is of, whether it is such a copy or not.
     static QString originalId(const QString &id);
 
+    /// What a failure of the folder is here.
+    static StoreError storeError(DraftFolder::Failure failure);
     /// The sentence shown.
     static QString describe(StoreError error);
 

@@ -1,8 +1,8 @@
 #include "conversation/ConversationSearchIndex.h"
 
 #include "conversation/SearchExcerpt.h"
-#include "core/SearchFold.h"
 #include "conversation/SearchGrams.h"
+#include "core/SearchFold.h"
 #include "platform/Log.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

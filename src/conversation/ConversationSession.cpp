@@ -3,7 +3,7 @@
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
 #include "core/PoolAwaiter.h"
-#include "platform/Log.h"
+#include "platform/FileThread.h"
 
 #include <QHash>
 #include <QPointer>
@@ -40,29 +40,49 @@ bool isElsewhere(const ConversationDraftCache::Outcome<QString> &kept) {
 } // namespace
 
 ConversationSession::ConversationSession(ConversationService service, ConversationDraftCache drafts,
-                                         ConversationAccount account, const Clock &clock, QObject *parent)
+                                         ConversationAccount account, Clock &clock, QObject *parent)
     : QObject(parent)
     , m_service(std::move(service))
     , m_drafts(std::move(drafts))
     , m_account(std::move(account))
-    , m_clock(clock) {
-    m_files.setMaxThreadCount(1);
+    , m_clock(clock)
+    , m_left(m_drafts, clock) {
+    connect(&m_left, &LeftConversations::kept, this, &ConversationSession::secured);
 }
 
 ConversationSession::~ConversationSession() {
-    keep();
-    m_files.waitForDone();
+    m_stop.request_stop();
+    // What is written must not come back here.
+    if (m_conversation && !m_incognito && unsaved())
+        FileThread::pool().start([drafts = m_drafts, open = snapshot(), now = m_clock.now()] {
+            (void)LeftConversations::write(drafts, open, now);
+        });
+}
+
+LeftConversations::Left ConversationSession::snapshot() const {
+    return {.user = m_userId, .snapshot = *m_conversation, .draft = m_draft, .edits = m_edits};
 }
 
 void ConversationSession::leave() {
-    keep();
+    // For nobody nothing can be kept, and nobody could open it again.
+    if (m_conversation && !m_incognito && m_userId && unsaved() && m_keptEdits != m_edits)
+        m_left.add(snapshot());
     ++m_generation;
     m_conversation.reset();
     m_draft = std::make_shared<std::optional<QString>>();
+    m_draftUnread.reset();
     m_incognito = m_conflicted = m_draftElsewhere = m_known = m_saving = m_saveAgain = false;
-    m_edits = m_savedEdits = 0;
+    m_savedEdits = m_keptEdits = m_edits;
     m_userId = m_account.current();
     m_accountKey = m_account.key();
+}
+
+void ConversationSession::knowOwner() {
+    if (m_userId)
+        return;
+    m_userId = m_account.current();
+    m_accountKey = m_account.key();
+    keep();
 }
 
 void ConversationSession::begin(std::optional<QString> mode, bool incognito) {
@@ -86,15 +106,27 @@ QCoro::Task<Result<void>> ConversationSession::load(QString id, Copy copy) {
     Q_EMIT opened();
     if (!self || m_generation != generation)
         co_return notOpened(ConversationTexts::switchedAway());
-    const auto draft = co_await PoolAwaiter(
-        [drafts = m_drafts, user = m_userId, id, ours = m_draft] {
-            auto read = drafts.read(user, id).value_or(std::nullopt);
-            *ours = read ? std::optional(read->writeId) : std::nullopt;
-            return read;
-        },
-        &m_files);
-    if (!self || m_generation != generation)
-        co_return notOpened(ConversationTexts::switchedAway());
+    // What the disk has refused is newer than what the disk has.
+    const auto left = m_left.find(m_userId, id);
+    std::optional<ConversationDraftCache::Entry> draft;
+    if (left) {
+        m_draft = left->draft;
+        draft.emplace().snapshot = left->snapshot;
+    } else {
+        auto read = co_await PoolAwaiter(
+            [drafts = m_drafts, user = m_userId, id, ours = m_draft] {
+                auto there = drafts.read(user, id);
+                *ours = there && *there ? std::optional((*there)->writeId) : std::nullopt;
+                return there;
+            },
+            &FileThread::pool());
+        if (!self || m_generation != generation)
+            co_return notOpened(ConversationTexts::switchedAway());
+        if (read)
+            draft = *std::move(read);
+        else if (m_userId)
+            m_draftUnread = read.error().reason;
+    }
     const auto answer = co_await m_service.load(id);
     if (!self || m_generation != generation || m_account.key() != m_accountKey)
         co_return notOpened(ConversationTexts::switchedAway());
@@ -104,6 +136,9 @@ QCoro::Task<Result<void>> ConversationSession::load(QString id, Copy copy) {
     if (answer && answer->conversation.id != id)
         co_return notOpened(ConversationTexts::anotherConversation());
     adopt(answer ? std::optional(answer->conversation) : std::nullopt, draft, copy);
+    m_left.remove(m_userId, id);
+    if (!self || m_generation != generation)
+        co_return notOpened(ConversationTexts::switchedAway());
     Q_EMIT opened();
     co_return Result<void>();
 }
@@ -146,38 +181,68 @@ void ConversationSession::appendText(const QString &messageId, const QString &te
     ++m_edits;
 }
 
-std::function<ConversationSession::Kept()> ConversationSession::keeping() const {
-    return [drafts = m_drafts, user = m_userId, snapshot = *m_conversation, now = m_clock.now(), ours = m_draft] {
-        auto kept = drafts.save(user, snapshot, *ours, now);
-        if (kept)
-            *ours = *kept;
-        else if (kept.error().kind != ConversationDraftCache::CacheError::Kind::missingAccount)
-            qCWarning(logConversation) << "a draft could not be kept";
-        return kept;
-    };
+QCoro::Task<ConversationSession::Kept> ConversationSession::write() {
+    const QPointer self(this);
+    const auto generation = m_generation;
+    const auto open = snapshot();
+    // Behind what is being written already, so that the newest is what remains.
+    const auto kept = co_await PoolAwaiter(
+        [drafts = m_drafts, open, now = m_clock.now()] { return LeftConversations::write(drafts, open, now); },
+        &FileThread::pool());
+    if (!self)
+        co_return kept;
+    const bool current = m_generation == generation;
+    if (current) {
+        m_draftElsewhere = isElsewhere(kept);
+        m_keptEdits = kept ? std::max(m_keptEdits, open.edits) : m_keptEdits;
+    }
+    if (current && !kept && !m_draftElsewhere)
+        keepSoon();
+    if (kept)
+        Q_EMIT secured(open.snapshot.id, open.edits);
+    else if (current)
+        Q_EMIT refused();
+    co_return kept;
 }
 
 void ConversationSession::keep() {
     if (m_conversation && !m_incognito && unsaved())
-        m_files.start([keep = keeping()] { (void)keep(); });
+        detach(keepOnce(), "keeping a conversation");
+}
+
+QCoro::Task<> ConversationSession::keepOnce() {
+    co_await write();
+}
+
+void ConversationSession::keepSoon() {
+    if (!m_keepWaits && m_conversation && !m_incognito)
+        detach(keepAfterPause(), "keeping a conversation");
+}
+
+QCoro::Task<> ConversationSession::keepAfterPause() {
+    const QPointer self(this);
+    m_keepWaits = true;
+    co_await m_clock.sleep(LeftConversations::retryPause, m_stop.get_token());
+    if (!self || m_stop.stop_requested())
+        co_return;
+    m_keepWaits = false;
+    if (m_keptEdits != m_edits)
+        keep();
 }
 
 QCoro::Task<bool> ConversationSession::preserve() {
-    if (!m_conversation || m_incognito || !unsaved())
-        co_return true;
     const QPointer self(this);
-    const auto generation = m_generation;
-    // Behind what is being written already, so that the newest is what remains.
-    const auto kept = co_await PoolAwaiter(keeping(), &m_files);
-    if (self && m_generation == generation)
-        m_draftElsewhere = isElsewhere(kept);
-    co_return kept.has_value();
+    const bool left = co_await m_left.keep();
+    if (!self || !m_conversation || m_incognito || !unsaved())
+        co_return left;
+    const auto kept = co_await write();
+    co_return left &&kept;
 }
 
 void ConversationSession::forgetDraft() {
     if (!m_conversation)
         return;
-    m_files.start([drafts = m_drafts, user = m_userId, id = m_conversation->id, ours = m_draft] {
+    FileThread::pool().start([drafts = m_drafts, user = m_userId, id = m_conversation->id, ours = m_draft] {
         if (!*ours)
             return;
         if (drafts.remove(user, id, **ours))
@@ -199,8 +264,8 @@ void ConversationSession::saveAsNew() {
     m_conflicted = m_draftElsewhere = m_known = m_saving = m_saveAgain = false;
     ++m_edits;
     // What it was kept as before goes only once it is kept anew.
-    m_files.start([keep = keeping(), drafts = m_drafts, user = m_userId, before, old] {
-        if (keep() && *old)
+    FileThread::pool().start([drafts = m_drafts, open = snapshot(), now = m_clock.now(), user = m_userId, before, old] {
+        if (LeftConversations::write(drafts, open, now) && *old)
             (void)drafts.remove(user, before, **old);
     });
     const QPointer self(this);
@@ -234,15 +299,16 @@ QCoro::Task<> ConversationSession::saveOnce() {
             co_return;
         if (answer && answer->ok) {
             settle(edits, answer->revision);
+            if (!self || m_generation != generation)
+                co_return;
             endSave({Saved::Where::Service, false, {}});
             co_return;
         }
         m_conflicted = !answer && answer.error().status == 409;
     }
-    const auto kept = co_await PoolAwaiter(keeping(), &m_files);
+    const auto kept = co_await write();
     if (!self || m_generation != generation)
         co_return;
-    m_draftElsewhere = isElsewhere(kept);
     auto text = m_conflicted ? (kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept())
                              : (kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept());
     if (m_draftElsewhere)
@@ -261,6 +327,7 @@ void ConversationSession::settle(quint64 edits, std::optional<qint64> revision) 
         keep();
     else
         forgetDraft();
+    Q_EMIT secured(m_conversation->id, edits);
 }
 
 void ConversationSession::endSave(const Saved &saved) {

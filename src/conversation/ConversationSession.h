@@ -3,11 +3,9 @@
 #include "conversation/ConversationAccount.h"
 #include "conversation/ConversationDraftCache.h"
 #include "conversation/ConversationMessageDelivery.h"
+#include "conversation/ConversationSaved.h"
 #include "conversation/ConversationService.h"
-#include "platform/Clock.h"
-
-#include <QObject>
-#include <QThreadPool>
+#include "conversation/LeftConversations.h"
 
 #include <functional>
 
@@ -16,24 +14,14 @@ namespace lmp {
 /// The one conversation that is open, for one account: what it holds, whether the service has it, and where it is kept
 /// while the service has not.
 ///
-/// Owned by whoever shows the conversation; UI thread. Nothing that was typed is dropped: what cannot be saved goes
-/// into the draft cache, also when the conversation is closed with something unsaved. An incognito conversation is
-/// neither saved nor kept. Late answers for a conversation that is no longer open are dropped.
+/// Owned by whoever shows the conversation; the clock outlives it. UI thread. Nothing that was typed is dropped: what
+/// cannot be saved goes into the draft cache, also when the conversation is closed with something unsaved, and what
+/// that cannot take stays in memory and is tried again. An incognito conversation is neither saved nor kept. Late
+/// answers for a conversation that is no longer open are dropped.
 class ConversationSession : public QObject {
     Q_OBJECT
 public:
-    /// What became of a save.
-    struct Saved {
-        enum class Where {
-            Nowhere, ///< there was nothing to save, or the conversation is incognito
-            Service,
-            Local, ///< in the draft cache alone
-            Lost,  ///< nowhere but in memory: `text` says so
-        };
-        Where where = Where::Nowhere;
-        bool conflict = false;
-        std::optional<QString> text; ///< the sentence shown, when it is not with the service
-    };
+    using Saved = ConversationSaved;
     /// Which copy to open when this machine holds unsaved changes that the service's copy does not.
     enum class Copy {
         Local,   ///< the local one, marked as in conflict when the service's has moved on
@@ -41,7 +29,7 @@ public:
     };
 
     ConversationSession(ConversationService service, ConversationDraftCache drafts, ConversationAccount account,
-                        const Clock &clock, QObject *parent = nullptr);
+                        Clock &clock, QObject *parent = nullptr);
     ~ConversationSession() override;
 
     /// Opens a fresh conversation in place of the open one. Nothing is sent or kept before its first message.
@@ -59,6 +47,12 @@ public:
     /// The service holds a newer revision: nothing more is sent to it until the conversation is opened again.
     bool conflicted() const { return m_conflicted; }
     bool unsaved() const { return m_edits != m_savedEdits; }
+    /// Counts what was changed in all conversations; see `secured`.
+    quint64 edits() const { return m_edits; }
+    /// What was left unsaved, and is not on disk yet.
+    const LeftConversations &left() const { return m_left; }
+    /// Why this machine's draft of the open conversation could not be read; what is open may not be all there is.
+    const std::optional<QString> &draftUnread() const { return m_draftUnread; }
     /// Another window or process has written this conversation's draft, and nothing here goes over it.
     bool draftChangedElsewhere() const { return m_draftElsewhere; }
     /// Whether the service has ever had this conversation.
@@ -73,6 +67,9 @@ public:
     bool holds(const ConversationMessageDelivery::Reference &reference) const;
     ConversationMessageDelivery::Reference referenceTo(const QString &messageId) const;
 
+    /// Only now it is known whose the open conversation is: the sign-in is the same.
+    void knowOwner();
+
     /// Changes the open conversation; nothing happens when none is open. `changed` follows.
     void edit(const std::function<void(ConversationDTO &)> &change);
     /// Adds `text` to the end of a message, at the price of `text` alone. `changed` does not follow: a growing reply is
@@ -82,7 +79,9 @@ public:
     /// Keeps what there is now in the draft cache without waiting, so that a crash in the middle of a turn costs no
     /// input. Incognito: nothing.
     void keep();
-    /// The same, waiting for the disk; for a program that is about to end.
+    /// The same after a pause, for what grows by small pieces.
+    void keepSoon();
+    /// The same at once, waiting for the disk; and with what was left; for a program that is about to end.
     /// @return false when what is unsaved could not be kept, and would be lost
     QCoro::Task<bool> preserve();
     /// Sends the conversation to the service, after the save under way if there is one. `saveEnded` follows once, when
@@ -99,14 +98,20 @@ Q_SIGNALS:
     void changed();
     void saveEnded(const lmp::ConversationSession::Saved &saved);
 
-private:
-    /// The write id of our draft of one conversation, if there is one. Touched on the file thread alone, where what was
-    /// written last is known.
-    using DraftId = std::shared_ptr<std::optional<QString>>;
-    using Kept = ConversationDraftCache::Outcome<QString>;
+    /// What was changed in a conversation up to `edits` is on disk or with the service.
+    void secured(const QString &conversationId, quint64 edits);
+    /// The open conversation could not be written to the disk. It is tried again, unless another window has written it.
+    void refused();
 
-    /// How what is open now is kept, to be run on the file thread.
-    std::function<Kept()> keeping() const;
+private:
+    using Kept = LeftConversations::Kept;
+    using DraftId = decltype(LeftConversations::Left::draft);
+
+    /// What is open now, as it is kept.
+    LeftConversations::Left snapshot() const;
+    QCoro::Task<Kept> write();
+    QCoro::Task<> keepOnce();
+    QCoro::Task<> keepAfterPause();
     /// Puts away what is open.
     void leave();
     /// Opens what the service has, or what this machine kept; one of them is there.
@@ -120,13 +125,15 @@ private:
     ConversationService m_service;
     ConversationDraftCache m_drafts;
     ConversationAccount m_account;
-    const Clock &m_clock;
+    Clock &m_clock;
 
     std::optional<ConversationDTO> m_conversation;
     std::optional<QString> m_userId; ///< the account the conversation was opened for
     QString m_accountKey;
     DraftId m_draft = std::make_shared<std::optional<QString>>();
+    std::optional<QString> m_draftUnread;
     bool m_draftElsewhere = false;
+    bool m_keepWaits = false;
     bool m_incognito = false;
     bool m_conflicted = false;
     bool m_known = false;
@@ -135,7 +142,9 @@ private:
     quint64 m_generation = 0; ///< counts what was opened
     quint64 m_edits = 0;
     quint64 m_savedEdits = 0;
-    QThreadPool m_files; ///< of one thread: drafts are written and removed in the order in which that was decided
+    quint64 m_keptEdits = 0; ///< on disk
+    std::stop_source m_stop;
+    LeftConversations m_left;
 };
 
 } // namespace lmp

@@ -76,6 +76,10 @@ QString ConversationTexts::notKept() {
     return u"尚未同步，草稿也未能保存在本机。关闭前请先复制需要保留的内容。"_s;
 }
 
+QString ConversationTexts::leftNotKept(const QStringList &titles) {
+    return u"「"_s + titles.join(u"」「"_s) + u"」还没有存到本机，会继续重试。关闭前请先打开它，复制需要保留的内容。"_s;
+}
+
 QString ConversationTexts::conflict() {
     return u"这段对话在别处有更新，尚未同步，本机内容已存为草稿。请先处理保存状态。"_s;
 }

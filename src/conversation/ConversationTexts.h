@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 namespace lmp {
 
@@ -30,6 +30,8 @@ public:
     // Saving and opening.
     static QString notSynchronised();
     static QString notKept();
+    /// @param titles of conversations that were left before the disk had taken them
+    static QString leftNotKept(const QStringList &titles);
     static QString conflict();
     static QString conflictNotKept();
     /// After the title of a conversation that was saved as one of its own.

@@ -2,7 +2,6 @@
 
 #include "platform/Log.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QUuid>
@@ -19,15 +18,22 @@ const QString suffix = u".json"_s;
 const QString asideSuffix = u".unreadable"_s;
 /// With what QDir calls system files: links that lead nowhere, pipes. All of them count as drafts that cannot be read.
 constexpr QDir::Filters allFiles = QDir::Files | QDir::Dirs | QDir::System | QDir::NoDotAndDotDot;
+constexpr int tagLength = 16;
 /// Holders keep the lock for one small write; longer means that one of them hangs.
-constexpr std::chrono::milliseconds lockLimit(2000);
+constexpr std::chrono::milliseconds lockLimit(5000);
 
 } // namespace
 
-QString DraftFolder::fileName(const QString &account, const QString &id) {
+QString DraftFolder::fileName(const QString &account, const QString &id) const {
     // A list in JSON, so that no account and conversation together look like another pair.
-    const QByteArray key = Json::encode(QList<QString>{account, id});
-    return QString::fromLatin1(QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex()) + suffix;
+    QList<QString> key{account, id};
+    if (!m_scope.isEmpty())
+        key.push_front(m_scope);
+    return digestOf(Json::encode(key)) + suffix;
+}
+
+QString DraftFolder::tagOf(const QString &account) const {
+    return u'.' + digestOf(Json::encode(QList<QString>{m_scope, account})).first(tagLength) + u'.';
 }
 
 DraftFolder::Failure DraftFolder::failureOf(const AtomicFile::Error &error) {
@@ -72,7 +78,7 @@ DraftFolder::Outcome<FileLock> DraftFolder::hold() const {
     return std::unexpected(Failure::storage);
 }
 
-DraftFolder::Outcome<DraftFolder::Files> DraftFolder::files() const {
+DraftFolder::Outcome<DraftFolder::Files> DraftFolder::files(const QString &account) const {
     const auto folder = this->folder();
     if (!folder || !QDir(*folder).isReadable())
         return std::unexpected(Failure::storage);
@@ -80,15 +86,18 @@ DraftFolder::Outcome<DraftFolder::Files> DraftFolder::files() const {
     if (const auto lock = FileLock::hold(*folder + u"/.lock"_s, {}))
         AtomicFile::sweep(*folder);
     const QDir dir(*folder);
-    Files files{.records = {}, .aside = dir.entryList({u'*' + asideSuffix}, allFiles).size()};
+    Files files;
+    for (const QString &name : dir.entryList({u'*' + tagOf(account) + u'*' + asideSuffix}, allFiles))
+        files.aside.push_back(dir.filePath(name));
     for (const QString &name : dir.entryList({u'*' + suffix}, allFiles))
         files.records.push_back(dir.filePath(name));
     return files;
 }
 
-bool DraftFolder::moveAside(const QString &path) {
-    const QString aside = path.chopped(suffix.size()) + u'.' + QUuid::createUuid().toString(QUuid::Id128) + asideSuffix;
-    const bool moved = QFile::rename(path, aside);
+bool DraftFolder::moveAside(const QString &path, const QString &account) const {
+    const QString aside =
+        path.chopped(suffix.size()) + tagOf(account) + QUuid::createUuid().toString(QUuid::Id128) + asideSuffix;
+    const bool moved = AtomicFile::moveAside(path, aside).has_value();
     qCWarning(logConversation) << "a draft could not be read and was kept aside:" << moved;
     return moved;
 }

@@ -5,6 +5,8 @@
 #include "platform/AtomicFile.h"
 #include "platform/FileLock.h"
 
+#include <QCryptographicHash>
+
 #include <cerrno>
 
 namespace lmp {
@@ -27,13 +29,16 @@ public:
     template <class Record>
     struct Listing {
         QList<Record> records;    ///< of the account
-        qsizetype unreadable = 0; ///< files of whatever account that could not be read
+        qsizetype unreadable = 0; ///< how many files could not be read
+        QStringList spoilt = {};  ///< of them, those that are no records, whenever one looks
     };
 
     /// @param name of the folder, below the application's own
-    DraftFolder(ApplicationSupport support, QString name)
+    /// @param scope sets apart the services whose accounts may have the same ids; empty for the ordinary one
+    DraftFolder(ApplicationSupport support, QString name, QString scope = {})
         : m_support(std::move(support))
-        , m_name(std::move(name)) {}
+        , m_name(std::move(name))
+        , m_scope(std::move(scope)) {}
 
     /// The record, or none when there is no file.
     template <class Record>
@@ -57,25 +62,28 @@ public:
         const auto there = readFile<Record>(*path);
         if (bytes && bytes->size() > AtomicFile::maxRead)
             return std::unexpected(Failure::storage);
-        if (!there && (there.error() != Failure::unreadable || !bytes || !moveAside(*path)))
+        if (!there && (there.error() != Failure::unreadable || !bytes || !moveAside(*path, account)))
             return std::unexpected(there.error());
-        if (there && *there && std::optional<QString>((*there)->writeId) != known)
+        if (there && *there && (!known || std::optional<QString>((*there)->writeId) != known))
             return std::unexpected(Failure::changedElsewhere);
         const auto done = bytes ? AtomicFile::write(*path, *bytes) : AtomicFile::remove(*path);
         return done ? Outcome<void>() : std::unexpected(Failure::storage);
     }
 
-    /// Every record of `account`. `idOf` tells the conversation of a record.
+    /// Every record of `account`. `idOf` tells the conversation of a record. What cannot be read where it lies may be
+    /// anybody's; what was moved aside is its account's.
     template <class Record, class IdOf>
     Outcome<Listing<Record>> list(const QString &account, IdOf idOf) const {
-        const auto files = this->files();
+        const auto files = this->files(account);
         if (!files)
             return std::unexpected(files.error());
-        Listing<Record> listing{.records = {}, .unreadable = files->aside};
+        Listing<Record> listing{.records = {}, .unreadable = files->aside.size(), .spoilt = files->aside};
         for (const QString &path : files->records) {
             auto record = readFile<Record>(path);
             if (!record)
                 ++listing.unreadable;
+            if (!record && record.error() == Failure::unreadable)
+                listing.spoilt.push_back(path);
             // The name is the only place that knows the account.
             else if (*record && path.endsWith(u'/' + fileName(account, idOf(**record))))
                 listing.records.push_back(**std::move(record));
@@ -86,19 +94,24 @@ public:
 private:
     struct Files {
         QStringList records;
-        qsizetype aside = 0;
+        QStringList aside;
     };
 
+    static QString digestOf(const QByteArray &bytes) {
+        return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+    }
     /// What a file is that could not be read: none of ours, or one of ours that the system did not give.
     static Failure failureOf(const AtomicFile::Error &error);
-    static QString fileName(const QString &account, const QString &id);
+    QString fileName(const QString &account, const QString &id) const;
+    /// What is in the name of a file of `account` that was moved aside.
+    QString tagOf(const QString &account) const;
     /// The folder, closed to everybody else.
     Outcome<QString> folder() const;
     Outcome<QString> path(const QString &account, const QString &id) const;
     Outcome<FileLock> hold() const;
-    Outcome<Files> files() const;
+    Outcome<Files> files(const QString &account) const;
     /// Moves what is no record out of the way under a name of its own, next to where it was.
-    static bool moveAside(const QString &path);
+    bool moveAside(const QString &path, const QString &account) const;
 
     template <class Record>
     static Outcome<std::optional<Record>> readFile(const QString &path) {
@@ -110,11 +123,17 @@ private:
         auto record = Json::decode<Record>(*bytes);
         if (!record)
             return std::unexpected(Failure::unreadable);
+        // A file that somebody wrote without one is known by what is in it.
+        if constexpr (std::is_same_v<decltype(record->writeId), std::optional<QString>>) {
+            if (!record->writeId)
+                record->writeId = digestOf(*bytes);
+        }
         return *std::move(record);
     }
 
     ApplicationSupport m_support;
     QString m_name;
+    QString m_scope;
 };
 
 } // namespace lmp

@@ -20,7 +20,8 @@ class Channel {
 public:
     using Pushed = detail::Pushed;
 
-    /// @param capacity how much may wait, in items or in whatever `weight` counts; an empty channel takes anything
+    /// @param capacity how much may wait, in items or in whatever `weight` counts; an empty channel takes anything,
+    ///                 and what weighs nothing always has room
     explicit Channel(std::size_t capacity = 64)
         : m_state(std::make_shared<State>(capacity)) {}
 
@@ -30,8 +31,8 @@ public:
     /// @return whether it was taken; after Full, the call set by `whenRoom` comes once there is room
     Pushed tryPush(T &item, std::size_t weight = 1) const { return m_state->tryPush(item, weight); }
 
-    /// Set before the first push: called after a Full, once half of the capacity is free again or the channel is over.
-    /// It runs on the consumer's thread, must be short and must not throw.
+    /// Set before the first push: called after a Full, once half of the capacity is free again and what was refused has
+    /// room, or the channel is over. It runs on the consumer's thread, must be short and must not throw.
     void whenRoom(std::function<void()> call) const { m_state->setWhenRoom(std::move(call)); }
 
     /// `co_await push(item)`: waits for room.
@@ -53,7 +54,7 @@ public:
             m_pushed = m_state->tryPush(m_item, m_weight);
             return m_pushed != Pushed::Full;
         }
-        bool await_suspend(std::coroutine_handle<> handle) { return m_waits = m_state->waitForRoom(handle); }
+        bool await_suspend(std::coroutine_handle<> handle) { return m_waits = m_state->waitForRoom(handle, m_weight); }
         bool await_resume() {
             m_waits = false;
             if (m_pushed == Pushed::Full)

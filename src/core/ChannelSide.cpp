@@ -19,6 +19,13 @@ void ChannelSide::wait(std::coroutine_handle<> handle) {
     m_posted = false;
 }
 
+void ChannelSide::resume(std::unique_lock<std::mutex> &guard) {
+    const auto handle = take();
+    guard.unlock();
+    if (handle)
+        handle.resume();
+}
+
 void ChannelSide::post(std::function<void()> call) {
     if (m_handle && !std::exchange(m_posted, true))
         QMetaObject::invokeMethod(m_receiver, std::move(call), Qt::QueuedConnection);

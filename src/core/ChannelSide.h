@@ -2,6 +2,7 @@
 
 #include <coroutine>
 #include <functional>
+#include <mutex>
 #include <utility>
 
 class QObject;
@@ -28,6 +29,8 @@ public:
         m_posted = false;
         return std::exchange(m_handle, nullptr);
     }
+    /// Goes on with the coroutine, if there is one, on its own thread and without the lock.
+    void resume(std::unique_lock<std::mutex> &guard);
     /// Runs `call` on the thread of the coroutine that waits; does nothing while none does or while a call is still
     /// to come. The call either takes the coroutine or says that it keeps waiting.
     void post(std::function<void()> call);

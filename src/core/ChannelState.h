@@ -1,8 +1,9 @@
 #pragma once
 
 #include "core/ChannelSide.h"
+#include "core/Pushed.h"
+#include "core/WeighedQueue.h"
 
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -11,26 +12,22 @@
 
 namespace lmp::detail {
 
-/// What became of an item that was pushed.
-enum class Pushed { Taken, Full, Over };
-
 /// What the copies of a Channel share. Any thread; see Channel for the contract.
 template <class T>
 class ChannelState : public std::enable_shared_from_this<ChannelState<T>> {
 public:
     explicit ChannelState(std::size_t capacity)
-        : m_capacity(capacity) {}
+        : m_items(capacity) {}
 
     Pushed tryPush(T &item, std::size_t weight) {
         const std::scoped_lock guard(m_lock);
         if (m_over)
             return Pushed::Over;
-        if (!m_items.empty() && m_load + weight > m_capacity) {
-            m_refused = true;
+        if (!m_items.fits(weight)) {
+            refuse(weight);
             return Pushed::Full;
         }
-        m_items.push_back({std::move(item), weight});
-        m_load += weight;
+        m_items.push(std::move(item), weight);
         wakeConsumer();
         return Pushed::Taken;
     }
@@ -41,10 +38,11 @@ public:
     }
 
     /// @return false when there is room already
-    bool waitForRoom(std::coroutine_handle<> handle) {
+    bool waitForRoom(std::coroutine_handle<> handle, std::size_t weight) {
         const std::scoped_lock guard(m_lock);
-        if (m_over || !m_refused)
+        if (m_over || m_items.fits(weight))
             return false;
+        refuse(weight);
         m_producer.wait(handle);
         return true;
     }
@@ -55,12 +53,12 @@ public:
 
     bool isReady() const {
         const std::scoped_lock guard(m_lock);
-        return m_over || !m_items.empty();
+        return m_over || !m_items.isEmpty();
     }
     /// @return false when there is something to take already
     bool waitForItem(std::coroutine_handle<> handle) {
         const std::scoped_lock guard(m_lock);
-        if (m_over || !m_items.empty())
+        if (m_over || !m_items.isEmpty())
             return false;
         m_stopped = false;
         m_consumer.wait(handle);
@@ -78,30 +76,22 @@ public:
 
     std::optional<T> take() {
         std::unique_lock guard(m_lock);
-        if (m_items.empty())
-            return std::nullopt;
-        std::optional<T> item(std::move(m_items.front().value));
-        m_load -= m_items.front().weight;
-        m_items.pop_front();
+        auto item = m_items.take();
         // Not at the first free place: the two threads would then wake each other for every single item.
-        if (m_refused && m_load <= m_capacity / 2)
+        if (item && m_refused && m_items.isHalfFree() && m_items.fits(m_wanted))
             tellProducer(guard);
         return item;
     }
 
     void end(bool drop) {
-        std::deque<Item> dropped;
+        std::optional<WeighedQueue<T>> dropped; // goes without the lock
         std::unique_lock guard(m_lock);
-        if (drop) {
-            dropped.swap(m_items);
-            m_load = 0;
-        }
+        if (drop)
+            dropped = m_items.takeAll();
         if (std::exchange(m_over, true))
             return;
         wakeConsumer();
         tellProducer(guard);
-        if (guard)
-            guard.unlock();
     }
 
     bool isOver() const {
@@ -110,10 +100,12 @@ public:
     }
 
 private:
-    struct Item {
-        T value;
-        std::size_t weight;
-    };
+    void refuse(std::size_t weight) {
+        m_refused = true;
+        // Whoever waits knows what it waits for; a push beside it does not change that.
+        if (!m_producer.isWaiting())
+            m_wanted = weight;
+    }
 
     void wakeConsumer() {
         m_consumer.post([state = this->shared_from_this()] { state->resumeConsumer(); });
@@ -121,12 +113,9 @@ private:
     /// A wake may have been meant for a wait that is over, so each looks again whether there is a reason.
     void resumeConsumer() {
         std::unique_lock guard(m_lock);
-        if (!m_over && !m_stopped && m_items.empty())
+        if (!m_over && !m_stopped && m_items.isEmpty())
             return m_consumer.keepWaiting();
-        const auto handle = m_consumer.take();
-        guard.unlock();
-        if (handle)
-            handle.resume();
+        m_consumer.resume(guard);
     }
     void tellProducer(std::unique_lock<std::mutex> &guard) {
         m_refused = false;
@@ -138,21 +127,20 @@ private:
     }
     void resumeProducer() {
         std::unique_lock guard(m_lock);
-        if (!m_over && m_refused)
+        // What was pushed beside it since may have taken the room again; it will not ask a second time.
+        if (!m_over && !m_items.fits(m_wanted)) {
+            m_refused = true;
             return m_producer.keepWaiting();
-        const auto handle = m_producer.take();
-        guard.unlock();
-        if (handle)
-            handle.resume();
+        }
+        m_producer.resume(guard);
     }
 
-    const std::size_t m_capacity;
     mutable std::mutex m_lock;
-    std::deque<Item> m_items;
-    std::size_t m_load = 0;
+    WeighedQueue<T> m_items;
     bool m_over = false;
-    bool m_refused = false; ///< a push was turned away and nobody has been told of room since
-    bool m_stopped = false; ///< the wait that is going on is to end without an item
+    bool m_refused = false;   ///< a push was turned away and nobody has been told of room since
+    std::size_t m_wanted = 0; ///< what that push weighed
+    bool m_stopped = false;   ///< the wait that is going on is to end without an item
     std::function<void()> m_whenRoom;
     ChannelSide m_consumer;
     ChannelSide m_producer;

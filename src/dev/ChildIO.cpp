@@ -26,6 +26,9 @@ constexpr qsizetype chunkSize = 128 * 1024;
 /// What a queued batch costs beside its bytes.
 constexpr std::size_t batchCost = 128;
 
+/// At the end. Each takes 16 KiB, and a pipe holds 64.
+constexpr int errorReads = 5;
+
 /// For the guardian's word: it has only to start one program, on a machine that may be busy.
 constexpr int startLimit = 20000;
 
@@ -101,14 +104,19 @@ std::expected<void, DevProcess::Failure> ChildIO::awaitStart(const QString &prog
         DevProcess::Failure::launch(systemText(message.value, directoryFailed ? directory : program)));
 }
 
-void ChildIO::write(QByteArray bytes) {
+bool ChildIO::write(QByteArray bytes) {
     {
         const std::scoped_lock guard(m_lock);
         if (m_inputEnd < 0 || m_inputClosing)
-            return;
+            return true;
+        // A line that is longer than that waits alone.
+        if (!m_toWrite.empty() && m_unread + bytes.size() > DevProcess::maxUnread)
+            return false;
+        m_unread += bytes.size();
         m_toWrite.push_back(std::move(bytes));
     }
     ChildLoop::shared().wake();
+    return true;
 }
 
 void ChildIO::closeInput() {
@@ -127,13 +135,17 @@ void ChildIO::terminate(std::chrono::milliseconds grace) {
     const auto value = static_cast<std::int32_t>(std::clamp<qint64>(grace.count(), 0, 3600 * 1000));
     const GuardianMessage message{.kind = GuardianMessage::Stop, .value = value};
     [[maybe_unused]] const ssize_t sent = ::send(m_control, &message, sizeof message, sendFlags);
+    // In case somebody has stopped it. Its number is its own as long as the socket is open here: see `announce`.
+    ::kill(m_guardian, SIGCONT);
 }
 
 void ChildIO::abandon() {
     const std::scoped_lock guard(m_lock);
-    // Its number is its own as long as the socket is open here, since only then is it waited for.
-    if (m_control >= 0)
-        ::kill(m_guardian, SIGKILL);
+    if (m_control < 0)
+        return;
+    // It alone knows what the child has started, so it is the last that may be killed.
+    ::kill(m_guardian, SIGCONT);
+    ::shutdown(m_control, SHUT_WR);
 }
 
 std::optional<DevProcess::Exit> ChildIO::exit() const {
@@ -217,10 +229,12 @@ void ChildIO::readOutput() {
     case Read::Some:
         break;
     }
+    if (m_exitKnown)
+        m_restLimit -= size;
     m_waiting.bytes = lines ? m_framer.take(size) : takeChunk(size);
     if (waits())
         deliver();
-    if (m_framer.isBroken())
+    if (m_framer.isBroken() || m_restLimit <= 0)
         stopReading();
 }
 
@@ -263,7 +277,7 @@ void ChildIO::stopReading() {
 
 void ChildIO::closeOutput() {
     if (m_framer.isBroken()) {
-        // It weighs nothing and so finds room in a full channel.
+        // It weighs nothing and so finds room, however full the channel is.
         DevLines::Batch notice{.tooLong = true};
         m_output.tryPush(notice, 0);
     }
@@ -282,34 +296,42 @@ void ChildIO::readError() {
 }
 
 void ChildIO::writeInput() {
-    const std::scoped_lock guard(m_lock);
-    while (m_inputEnd >= 0 && !m_toWrite.empty()) {
-        const auto rest = QByteArrayView(m_toWrite.front()).sliced(m_written);
+    while (const auto next = nextInput()) {
+        // Without the lock: whoever has more to write does not wait for the child.
+        const auto rest = QByteArrayView(*next).sliced(m_written);
         const ssize_t size = ::write(m_inputEnd, rest.data(), static_cast<std::size_t>(rest.size()));
         if (size < 0 && (errno == EAGAIN || errno == EINTR))
             return;
+        const std::scoped_lock guard(m_lock);
         if (size < 0)
             return dropInput();
         m_written += size;
-        if (m_written < m_toWrite.front().size())
+        if (m_written < next->size())
             return;
+        m_unread -= next->size();
         m_toWrite.pop_front();
         m_written = 0;
     }
+}
+
+std::optional<QByteArray> ChildIO::nextInput() const {
+    const std::scoped_lock guard(m_lock);
+    return m_inputEnd < 0 || m_toWrite.empty() ? std::nullopt : std::optional(m_toWrite.front());
 }
 
 /// Nobody reads any more.
 void ChildIO::dropInput() {
     closeEnd(m_inputEnd);
     m_toWrite.clear();
-    m_written = 0;
+    m_written = m_unread = 0;
 }
 
-/// The guardian is gone, and with it everything the child has started.
+/// The guardian is gone, and with it, unless it was killed, everything the child has started.
 void ChildIO::end() {
     m_exitKnown = true;
-    // All that was written lies in the pipes. Whoever learns of the end shall find it, where there is room.
-    while (isReadable(m_errorEnd))
+    // All that was written lies in the pipes. Whoever learns of the end shall find it, where there is room. There is an
+    // end to it also when somebody who got away goes on writing.
+    for (int reads = 0; reads < errorReads && isReadable(m_errorEnd); ++reads)
         readError();
     closeEnd(m_errorEnd);
     while (!waits() && !m_finishing && isReadable(m_outputEnd))
@@ -317,14 +339,32 @@ void ChildIO::end() {
     announce();
 }
 
-/// Says that the guardian is gone, to whoever waits for it.
-void ChildIO::announce() {
-    ::waitpid(m_guardian, nullptr, 0);
-    std::vector<Channel<DevProcess::Exit>> awaiting;
+/// Waits for the guardian, whose number may be another's afterwards.
+/// @return whether it was killed
+bool ChildIO::reapGuardian() {
     {
         const std::scoped_lock guard(m_lock);
         closeEnd(m_control);
         dropInput();
+    }
+    int status = 0;
+    pid_t reaped = 0;
+    do {
+        reaped = ::waitpid(m_guardian, &status, 0);
+    } while (reaped < 0 && errno == EINTR);
+    return reaped == m_guardian && WIFSIGNALED(status);
+}
+
+/// Says that the guardian is gone, to whoever waits for it.
+void ChildIO::announce() {
+    const bool killed = reapGuardian();
+    // The system has ended the child itself; who is still in its group can be found too.
+    if (killed && m_pid > 0)
+        ::kill(-m_pid, SIGKILL);
+    std::vector<Channel<DevProcess::Exit>> awaiting;
+    {
+        const std::scoped_lock guard(m_lock);
+        m_status.unwatched = killed && m_pid > 0;
         m_exit = m_status;
         awaiting.swap(m_awaiting);
     }

@@ -24,6 +24,8 @@ public:
     /// Output that waits for its consumer, in bytes; a longer line waits alone.
     static constexpr std::size_t maxWaiting = 1024 * 1024;
     static constexpr int descriptors = 4;
+    /// More than fits into a pipe was not there yet when the child ended: it comes from somebody who got away.
+    static constexpr qsizetype maxRest = 1024 * 1024;
 
     ChildIO(ChildSpawn spawned, DevProcess::Output kind);
     ~ChildIO();
@@ -39,10 +41,12 @@ public:
     /// Called once, on the loop's thread, when the child has ended; set before the loop has it.
     void whenEnded(std::function<void()> call) { m_whenEnded = std::move(call); }
 
-    void write(QByteArray bytes);
+    /// @return false when too much waits already
+    bool write(QByteArray bytes);
     void closeInput();
     void terminate(std::chrono::milliseconds grace);
-    /// Without any politeness, for a guardian that does not answer.
+    /// For a child whose end is not waited for any longer: its guardian is told that the program is gone and ends what
+    /// is left, in its own time.
     void abandon();
     std::optional<DevProcess::Exit> exit() const;
     /// Gives the exit once, and at once when it has ended already.
@@ -68,7 +72,9 @@ private:
     void closeOutput();
     QByteArray takeChunk(qsizetype size);
     void writeInput();
+    std::optional<QByteArray> nextInput() const;
     void dropInput();
+    bool reapGuardian();
     void end();
     void announce();
 
@@ -87,6 +93,7 @@ private:
     DevLines::Batch m_waiting; ///< read, and refused for want of room
     bool m_finishing = false;  ///< nothing more is read: what waits is the last
     bool m_exitKnown = false;
+    qsizetype m_restLimit = maxRest; ///< how much is still read once the child has ended
     /// There may be room again. Shared with the channel, which may outlive this.
     std::shared_ptr<std::atomic_bool> m_room = std::make_shared<std::atomic_bool>(false);
 
@@ -96,9 +103,10 @@ private:
     int m_inputEnd;
     std::deque<QByteArray> m_toWrite;
     qsizetype m_written = 0; ///< of the first of them
+    qsizetype m_unread = 0;  ///< of all of them together
     bool m_inputClosing = false;
     StderrTail m_stderr;
-    DevProcess::Exit m_status{.signal = 9}; ///< as told; a guardian that is killed takes its child along
+    DevProcess::Exit m_status{.signal = 9}; ///< as told; a guardian that is killed takes its own child along
     std::optional<DevProcess::Exit> m_exit;
     std::vector<Channel<DevProcess::Exit>> m_awaiting;
 };

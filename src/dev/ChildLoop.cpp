@@ -3,6 +3,8 @@
 #include "dev/ChildIO.h"
 #include "dev/ChildSpawn.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
@@ -10,6 +12,12 @@
 #include <unistd.h>
 
 namespace lmp {
+
+namespace {
+
+constexpr int retryAfter = 50; // milliseconds
+
+} // namespace
 
 ChildLoop &ChildLoop::shared() {
     static auto *const loop = new ChildLoop;
@@ -51,13 +59,30 @@ void ChildLoop::run() {
             const auto wanted = child->interests();
             interests.insert(interests.end(), wanted.begin(), wanted.end());
         }
-        if (::poll(interests.data(), static_cast<nfds_t>(interests.size()), -1) <= 0)
-            continue;
+        wait(interests);
         if (interests.front().revents != 0)
             emptyPipe();
         for (std::size_t at = 0; at < m_children.size(); ++at)
             m_children[at]->handle(std::span(interests).subspan(1 + at * ChildIO::descriptors, ChildIO::descriptors));
         std::erase_if(m_children, [](const auto &child) { return child->isDone(); });
+    }
+}
+
+/// Sleeps until one of them is ready.
+void ChildLoop::wait(std::vector<pollfd> &interests) {
+    // Those that are closed count against the limit of descriptors too, although they are none.
+    m_polled.clear();
+    std::ranges::copy_if(interests, std::back_inserter(m_polled), [](const pollfd &one) { return one.fd >= 0; });
+    if (::poll(m_polled.data(), static_cast<nfds_t>(m_polled.size()), -1) < 0) {
+        // Whatever is wrong will not be better for being asked for all the time.
+        if (errno != EINTR)
+            ::poll(nullptr, 0, retryAfter);
+        return;
+    }
+    auto answer = m_polled.begin();
+    for (pollfd &one : interests) {
+        if (one.fd >= 0)
+            one.revents = (answer++)->revents;
     }
 }
 

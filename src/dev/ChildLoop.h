@@ -5,6 +5,8 @@
 #include <mutex>
 #include <vector>
 
+#include <poll.h>
+
 namespace lmp {
 
 class ChildIO;
@@ -25,6 +27,7 @@ public:
 private:
     ChildLoop();
     void run();
+    void wait(std::vector<pollfd> &interests);
     void collectAdded();
     void emptyPipe();
 
@@ -32,7 +35,8 @@ private:
     std::atomic_bool m_woken = false;
     std::mutex m_lock;
     std::vector<std::shared_ptr<ChildIO>> m_added;
-    std::vector<std::shared_ptr<ChildIO>> m_children; ///< the loop's own
+    std::vector<std::shared_ptr<ChildIO>> m_children; ///< the loop's own, as is the next
+    std::vector<pollfd> m_polled;
 };
 
 } // namespace lmp

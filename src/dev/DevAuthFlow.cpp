@@ -2,7 +2,6 @@
 
 #include "core/Detach.h"
 #include "core/JsonEncodingError.h"
-#include "core/PoolAwaiter.h"
 
 namespace lmp {
 
@@ -69,7 +68,7 @@ QCoro::Task<> DevAuthFlow::run(DevEngineKind kind) {
     if (!opening)
         co_return finish(kind, {.kind = Phase::Kind::failed, .message = u"请求组装失败"_s});
     const auto command = signIn->command();
-    const auto launched = co_await PoolAwaiter([command] { return DevProcess::launch(command); });
+    const auto launched = (co_await DevProcess::start(command)).process;
     if (isStale())
         co_return;
     if (!launched)

@@ -11,6 +11,10 @@ QCoro::Task<DevEngine::Done> done(F call) {
     co_return DevEngine::Done();
 }
 
+QCoro::Task<bool> told(bool answer) {
+    co_return answer;
+}
+
 } // namespace
 
 DevEngine::~DevEngine() = default;
@@ -28,10 +32,9 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Done>> DevEngine::send(QString text) {
     co_return co_await m_executor.run([this, text = std::move(text)] { return onSend(text); });
 }
 
-QCoro::Task<DevEngine::Done> DevEngine::respond(QString requestId, DevPermissionDecision decision) {
-    co_return co_await m_executor.run([this, id = std::move(requestId), decision = std::move(decision)] {
-        return done([this, &id, &decision] { onRespond(id, decision); });
-    });
+QCoro::Task<bool> DevEngine::respond(QString requestId, DevPermissionDecision decision) {
+    co_return co_await m_executor.run(
+        [this, id = std::move(requestId), decision = std::move(decision)] { return told(onRespond(id, decision)); });
 }
 
 QCoro::Task<DevEngine::Done> DevEngine::setMode(DevMode mode) {

@@ -30,8 +30,12 @@ public:
     using Outcome = std::expected<T, DevEngineFailure>;
     /// Done, where there is nothing else to tell.
     struct Done {};
+    static constexpr std::size_t maxWithdrawn = 256;
     struct Session {
         Channel<DevEvent> events; ///< for one consumer on the caller's thread; closed at the end
+        /// The ids of questions that nobody has to answer any more: the agent took them back, or their turn is over.
+        /// Beside the events, so the word may come before its question has been taken from there. May be left unread.
+        Channel<QString> withdrawn = Channel<QString>(maxWithdrawn);
     };
     struct Start {
         QUrl cwd = {};                      ///< the repository; a file URL
@@ -59,11 +63,13 @@ public:
     QCoro::Task<Outcome<Session>> start(Start request);
     /// Begins a turn, or queues one where the engine can.
     QCoro::Task<Outcome<Done>> send(QString text);
-    /// Answers a permission request; one that is no longer pending is left alone.
-    QCoro::Task<Done> respond(QString requestId, DevPermissionDecision decision);
+    /// Answers a permission request; one that does not wait any more is left alone.
+    /// @return whether it waited
+    QCoro::Task<bool> respond(QString requestId, DevPermissionDecision decision);
     /// Later calls of tools are judged by `mode`.
     QCoro::Task<Done> setMode(DevMode mode);
-    /// Asks the running turn to stop; the stream then has `Interrupted`. Nothing happens between turns.
+    /// Asks the running turn to stop; the stream then has `Interrupted`. Between turns nothing is
+    /// stopped, and not every engine says anything.
     QCoro::Task<Done> interrupt();
     /// Ends the session and its child, which is given 3 s to leave by itself.
     QCoro::Task<Done> stop();
@@ -77,7 +83,7 @@ protected:
 
     virtual QCoro::Task<Outcome<Session>> onStart(Start request) = 0;
     virtual QCoro::Task<Outcome<Done>> onSend(QString text) = 0;
-    virtual void onRespond(const QString &requestId, const DevPermissionDecision &decision) = 0;
+    virtual bool onRespond(const QString &requestId, const DevPermissionDecision &decision) = 0;
     virtual void onSetMode(DevMode mode) = 0;
     virtual void onInterrupt() = 0;
     /// May be called more than once, and before `onStart`.

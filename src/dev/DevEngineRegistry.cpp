@@ -46,8 +46,13 @@ QCoro::Task<> DevEngineRegistry::probe() {
     Q_EMIT changed();
     if (!self || m_generation != generation)
         co_return;
-    for (const auto &[kind, probe] : m_probes)
+    const auto probes = m_probes;
+    for (const auto &[kind, probe] : probes) {
+        // One that answers at once may have told somebody who deletes this, or asks again.
+        if (!self || m_generation != generation)
+            break;
         running.push_back(probeOne(kind));
+    }
     for (auto &one : running)
         co_await one;
     if (!self || m_generation != generation)

@@ -13,7 +13,8 @@ public:
     static std::string clean(std::string_view path, std::string_view folder);
 
     /// The same on disk, with symbolic links followed as far as there is something to follow. Reads the disk.
-    /// @return none where nothing could be opened anyway
+    /// @return none where that cannot be told: too long, a loop of links, a folder that may not be read. That it is not
+    ///         there (yet) is no reason
     static std::optional<std::string> resolved(std::string_view path, std::string_view folder);
 };
 

@@ -18,10 +18,11 @@ using Outcome = Verdict::Outcome;
 /// A command as it was given and in the forms a shell might see.
 class CommandText {
 public:
-    CommandText(const QString &command, const QString &directory)
+    /// @param elsewhere where it runs, when that is not `directory`
+    CommandText(const QString &command, const std::optional<QString> &elsewhere, const QString &directory)
         : m_text(command.toStdString()) {
         if (m_text.size() <= DevPatterns::maxText)
-            m_forms = DevCommandForms::of(m_text, directory.toStdString());
+            m_forms = DevCommandForms::of(m_text, elsewhere.value_or(directory).toStdString(), elsewhere.has_value());
     }
 
     /// Too long or too entangled to be looked at counts as a hit.
@@ -40,8 +41,23 @@ bool isSensitivePath(const QString &path, const QString &directory) {
     if (given.size() > DevPatterns::maxText || DevPatterns::isSensitive(given) ||
         DevPatterns::isSensitive(DevPathForms::clean(given, folder)))
         return true;
+    // Where it leads may be unknown to us alone: a long path of dots can be opened from its folder.
     const auto resolved = DevPathForms::resolved(given, folder);
-    return resolved && DevPatterns::isSensitive(*resolved);
+    return !resolved || DevPatterns::isSensitive(*resolved);
+}
+
+/// Whether a call of the tool is nothing without a command, so that one which cannot be read is hidden.
+bool runsCommands(const QString &tool) {
+    return tool.compare(QLatin1String("bash"), Qt::CaseInsensitive) == 0;
+}
+
+/// Where a call runs, as a clean path, unless that is the session's own folder.
+std::optional<QString> elsewhere(const DevPermissionPolicy::Call &call, const QString &directory) {
+    if (!call.directory)
+        return std::nullopt;
+    const auto place = DevPathForms::clean(call.directory->toStdString(), directory.toStdString());
+    const bool isHere = place == DevPathForms::clean(directory.toStdString(), {});
+    return isHere ? std::nullopt : std::optional(QString::fromStdString(place));
 }
 
 QString readOnlyReason(DevTools::Kind kind) {
@@ -70,9 +86,12 @@ DevPermissionPolicy::Call DevPermissionPolicy::Call::of(QString tool, const boos
 
 Verdict DevPermissionPolicy::evaluate(const Call &call, DevMode mode, const QString &directory) const {
     const auto ask = Verdict{.outcome = Outcome::ask}, allow = Verdict{.outcome = Outcome::allow};
+    const auto place = elsewhere(call, directory);
+    if (place && isSensitivePath(*place, directory))
+        return ask;
     std::optional<CommandText> command;
     if (call.command)
-        command.emplace(*call.command, directory);
+        command.emplace(*call.command, place, directory);
     // Before anything else, and no matter what was allowed before: these places are always asked about.
     if (command && command->hits(DevPatterns::isSensitive))
         return ask;
@@ -86,7 +105,7 @@ Verdict DevPermissionPolicy::evaluate(const Call &call, DevMode mode, const QStr
         return {.outcome = Outcome::deny, .reason = readOnlyReason(kind)};
     if (kind != DevTools::Kind::bash)
         return allow;
-    if (command && command->hits(DevPatterns::isRisky))
+    if (command ? command->hits(DevPatterns::isRisky) : runsCommands(call.tool))
         return ask;
     if (mode == DevMode::full)
         return allow;

@@ -22,6 +22,8 @@ public:
         QString tool = {};                   ///< as the engine names it
         std::optional<QString> command = {}; ///< of a shell
         QStringList paths = {};              ///< of the files it works on
+        /// Where the command runs, when the engine says so: the agent may have chosen any place.
+        std::optional<QString> directory = {};
 
         /// Out of a tool's input: `command`, and `path`, `file_path` and `notebook_path`.
         static Call of(QString tool, const boost::json::object &input);

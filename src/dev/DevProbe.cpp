@@ -3,6 +3,7 @@
 #include "core/Json.h"
 #include "core/PoolAwaiter.h"
 #include "dev/DevExecutable.h"
+#include "dev/DevPool.h"
 #include "dev/codex/CodexLogin.h"
 
 #include <QDir>
@@ -62,7 +63,8 @@ QCoro::Task<std::expected<DevRun, DevProcess::Failure>> DevProbe::ask(QString pa
 
 QCoro::Task<DevReadiness> DevProbe::run(Tool tool) {
     // Looking may ask the login shell for its PATH.
-    const auto path = co_await PoolAwaiter([name = tool.name] { return DevExecutable::find(name); });
+    const auto path =
+        co_await PoolAwaiter([name = tool.name] { return DevExecutable::find(name); }, &DevPool::waiting());
     if (!path)
         co_return DevReadiness{.state = DevReadiness::State::missing, .detail = tool.missingHint};
     const auto version = co_await ask(*path, {u"--version"_s});

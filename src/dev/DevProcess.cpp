@@ -3,11 +3,13 @@
 #include "dev/ChildIO.h"
 #include "dev/ChildLoop.h"
 #include "dev/DevExecutable.h"
+#include "dev/DevPool.h"
 #include "dev/DevProcessRegistry.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <cstring>
@@ -59,8 +61,10 @@ std::expected<std::shared_ptr<ChildIO>, DevProcess::Failure> spawn(const ChildSp
     return std::make_shared<ChildIO>(*spawned, kind);
 }
 
-QCoro::Task<DevProcess::Exit> exitOf(std::shared_ptr<ChildIO> io) {
-    const auto exit = co_await io->nextExit().next();
+QCoro::Task<DevProcess::Exit> exitOf(std::shared_ptr<ChildIO> io, std::stop_token stop) {
+    const auto coming = io->nextExit();
+    const auto exit = co_await coming.next(stop);
+    coming.cancel();
     co_return exit.value_or(DevProcess::Exit{});
 }
 
@@ -112,12 +116,33 @@ DevProcess::launch(Command command, QList<QByteArray> environment, DevProcessReg
     return std::make_shared<DevProcess>(Key(), *std::move(io));
 }
 
+QCoro::Task<DevProcess::Started> DevProcess::start(Command command, std::stop_token stop) {
+    using Launched = std::expected<std::shared_ptr<DevProcess>, Failure>;
+    const Channel<Launched> arriving(1);
+    DevPool::waiting().start([arriving, command = std::move(command), stop] {
+        if (!stop.stop_requested()) {
+            auto launched = launch(command);
+            // What nobody waits for any more is let go of here, and so ends.
+            arriving.tryPush(launched);
+        }
+        arriving.close();
+    });
+    auto launched = co_await arriving.next(stop);
+    arriving.cancel();
+    if (!launched)
+        launched = std::unexpected(Failure::launch(u"已经不用了"_s));
+    co_return Started{*std::move(launched)};
+}
+
 DevProcess::DevProcess(Key, std::shared_ptr<ChildIO> io)
     : m_io(std::move(io)) {}
 
 DevProcess::~DevProcess() {
     if (!m_asked)
         m_io->terminate(releaseGrace);
+    // Nobody will, and the child would be held back, or its pipe kept, for ever.
+    if (!m_outputTaken)
+        m_io->output().cancel();
 }
 
 QUuid DevProcess::ownershipID() const {
@@ -129,19 +154,21 @@ qint64 DevProcess::pid() const {
 }
 
 DevLines DevProcess::lines() {
+    m_outputTaken = true;
     return DevLines(m_io->output());
 }
 
-Channel<DevLines::Batch> DevProcess::output() const {
+Channel<DevLines::Batch> DevProcess::output() {
+    m_outputTaken = true;
     return m_io->output();
 }
 
-void DevProcess::writeLine(QByteArrayView line) {
+bool DevProcess::writeLine(QByteArrayView line) {
     QByteArray bytes;
     bytes.reserve(line.size() + 1);
     bytes += line;
     bytes += '\n';
-    m_io->write(std::move(bytes));
+    return m_io->write(std::move(bytes));
 }
 
 void DevProcess::closeStdin() {
@@ -162,8 +189,8 @@ bool DevProcess::isRunning() const {
     return !m_io->exit();
 }
 
-QCoro::Task<DevProcess::Exit> DevProcess::exited() {
-    return exitOf(m_io);
+QCoro::Task<DevProcess::Exit> DevProcess::exited(std::stop_token stop) {
+    return exitOf(m_io, std::move(stop));
 }
 
 std::optional<DevProcess::Exit> DevProcess::exit() const {

@@ -42,8 +42,9 @@ public:
 
     /// How a child ended.
     struct Exit {
-        int code = 0;   ///< when it left by itself
-        int signal = 0; ///< otherwise what ended it
+        int code = 0;           ///< when it left by itself
+        int signal = 0;         ///< otherwise what ended it
+        bool unwatched = false; ///< its guardian was killed: what it has started may live on
         bool isSuccess() const { return code == 0 && signal == 0; }
         bool operator==(const Exit &) const = default;
     };
@@ -63,9 +64,17 @@ public:
         Output output = Output::Lines;
     };
 
+    /// What became of a start that was waited for.
+    struct Started {
+        std::expected<std::shared_ptr<DevProcess>, Failure> process;
+    };
+
     /// Finds the program and starts it. Takes a few milliseconds, and the very first time up to three seconds (see
-    /// LoginShell): not for the UI thread, which uses DevRun or a PoolAwaiter.
+    /// LoginShell): not for the UI thread, which uses DevRun or `start`.
     static std::expected<std::shared_ptr<DevProcess>, Failure> launch(Command command);
+    /// The same on a thread of its own. Once `stop` is requested it is not waited for any more, with a failure that
+    /// nobody needs to see, and what starts all the same is ended.
+    static QCoro::Task<Started> start(Command command, std::stop_token stop = {});
     static std::expected<std::shared_ptr<DevProcess>, Failure> launch(Command command, DevProcessRegistry &registry);
 
     /// With everything given: `program` a path, and the whole environment of the child but for `extra`.
@@ -79,14 +88,18 @@ public:
     QUuid ownershipID() const;
     qint64 pid() const;
 
+    /// What may wait for a child that does not read.
+    static constexpr qsizetype maxUnread = 64 * 1024 * 1024;
+
     /// Its standard output by lines; to be asked for once. Ends when the child has ended.
     DevLines lines();
-    /// The same as it came, for Output::Bytes.
-    Channel<DevLines::Batch> output() const;
+    /// The same as it came, for Output::Bytes. Whoever takes it cancels it in the end.
+    Channel<DevLines::Batch> output();
 
     /// Writes `line` and a line feed; the line must have none itself. In the order of the calls, and never waits.
-    /// Dropped once the child has ended or its standard input is closed; nothing fails, since the child's end says it.
-    void writeLine(QByteArrayView line);
+    /// Dropped once the child has ended or its standard input is closed, which the child's end says.
+    /// @return false when it was dropped because too much waits already that the child has not read
+    bool writeLine(QByteArrayView line);
     /// Closes standard input once what was written before has gone out.
     void closeStdin();
 
@@ -98,8 +111,8 @@ public:
     QCoro::Task<bool> terminateAndWait(std::chrono::milliseconds timeout);
 
     bool isRunning() const;
-    /// Waits for the end. @return how it ended
-    QCoro::Task<Exit> exited();
+    /// Waits for the end. @return how it ended; nothing that is true of it when `stop` was requested before
+    QCoro::Task<Exit> exited(std::stop_token stop = {});
     /// The same, blocking; not for the UI thread. @return whether it has ended within `timeout`
     bool waitForEnd(std::chrono::milliseconds timeout) const;
     /// How it ended, none while it runs.
@@ -110,6 +123,7 @@ public:
 
 private:
     std::shared_ptr<ChildIO> m_io;
+    std::atomic_bool m_outputTaken = false;
     std::atomic_bool m_asked = false; ///< to end; letting go of it then takes none of its time away
 };
 

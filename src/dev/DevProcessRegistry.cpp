@@ -2,6 +2,7 @@
 
 #include "core/PoolAwaiter.h"
 #include "dev/ChildIO.h"
+#include "dev/DevPool.h"
 
 namespace lmp {
 
@@ -47,10 +48,12 @@ void DevProcessRegistry::quitAndWait() {
 }
 
 QCoro::Task<> DevProcessRegistry::quit() {
-    co_await PoolAwaiter([this] {
-        quitAndWait();
-        return true;
-    });
+    co_await PoolAwaiter(
+        [this] {
+            quitAndWait();
+            return true;
+        },
+        &DevPool::ending());
 }
 
 bool DevProcessRegistry::isQuitting() const {

@@ -22,7 +22,8 @@ public:
     static DevProcessRegistry &shared();
 
     /// Refuses new children from now on, asks every child to end, kills it after a second, and waits until all have
-    /// ended or 2.5 seconds have passed. Blocks; for the end of a program without an event loop.
+    /// ended or 2.5 seconds have passed; what is left then is ended by its guardian without us. Blocks; for the end of
+    /// a program without an event loop.
     void quitAndWait();
     /// The same without blocking the calling thread. The registry must outlive it.
     QCoro::Task<> quit();

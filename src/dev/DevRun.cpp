@@ -1,7 +1,5 @@
 #include "dev/DevRun.h"
 
-#include "core/PoolAwaiter.h"
-
 #include <QTimer>
 
 namespace lmp {
@@ -18,12 +16,22 @@ struct OnStop {
     void operator()() const { process->terminate(endGrace); }
 };
 
+/// What a command prints, cancelled when whoever waits for it goes.
+struct Output {
+    Channel<DevLines::Batch> channel;
+    explicit Output(Channel<DevLines::Batch> from)
+        : channel(std::move(from)) {}
+    ~Output() { channel.cancel(); }
+    Output(const Output &) = delete;
+    Output &operator=(const Output &) = delete;
+};
+
 } // namespace
 
 QCoro::Task<std::expected<DevRun, DevProcess::Failure>>
 DevRun::toCompletion(DevProcess::Command command, std::chrono::milliseconds timeout, std::stop_token stop) {
     command.output = DevProcess::Output::Bytes;
-    auto launched = co_await PoolAwaiter([command] { return DevProcess::launch(command); });
+    const auto launched = (co_await DevProcess::start(std::move(command))).process;
     if (!launched)
         co_return std::unexpected(launched.error());
     const auto process = *launched;
@@ -38,7 +46,8 @@ DevRun::toCompletion(DevProcess::Command command, std::chrono::milliseconds time
     });
     watchdog.start(timeout);
     const std::stop_callback onStop(stop, OnStop{process});
-    const auto output = process->output();
+    const Output taken{process->output()};
+    const auto &output = taken.channel;
     while (const auto batch = co_await output.next()) {
         run.output += batch->bytes;
         if (run.output.size() > maxOutput) {

@@ -11,6 +11,10 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+bool isNameStart(char c) {
+    return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
 int hexValue(char c) {
     if (isDigit(c))
         return c - '0';
@@ -39,6 +43,7 @@ private:
     void readEscaped();
     char ansiEscape();
     void readDollar(bool quoted);
+    void readName();
     void readSubstitution(char open, char close);
     void readBackticks();
     void readRedirection(char c);
@@ -57,7 +62,8 @@ private:
     std::size_t m_at = 0;
     std::string m_word;
     bool m_inWord = false;
-    bool m_isTarget = false; ///< the next word is what a redirection names
+    bool m_behindWord = false; ///< right behind something that leaves no word; no comment begins here
+    bool m_isTarget = false;   ///< the next word is what a redirection names
     DevShellText::Part m_part;
 };
 
@@ -70,14 +76,19 @@ void Reader::readOne(char c) {
     case '"':
         return readDoubleQuoted();
     case '$':
-        return readDollar(false);
+        readDollar(false);
+        m_behindWord = true;
+        return;
     case '`':
-        return readBackticks();
+        readBackticks();
+        m_behindWord = true;
+        return;
     case '<':
     case '>':
         return readRedirection(c);
     case ' ':
     case '\t':
+        m_behindWord = false;
         return endWord();
     case ';':
     case '&':
@@ -87,16 +98,14 @@ void Reader::readOne(char c) {
     case ')':
         return endPart();
     case '#':
-        return m_inWord ? add(c) : skipComment();
+        return m_inWord || m_behindWord ? add(c) : skipComment();
     default:
         add(c);
     }
 }
 
 void Reader::readEscaped() {
-    if (isNext("\r\n"))
-        m_at += 2;
-    else if (isNext("\n"))
+    if (isNext("\n"))
         ++m_at;
     else if (m_at < m_text.size())
         add(m_text[m_at++]);
@@ -173,12 +182,23 @@ void Reader::readDollar(bool quoted) {
         ++m_at; // an argument of the script, and there are none
         return;
     }
+    if (m_at < m_text.size() && isNameStart(m_text[m_at]))
+        return readName();
     if (!quoted && isNext("'")) {
         ++m_at;
         return readAnsiQuoted();
     }
     if (quoted || !isNext("\""))
         add('$');
+}
+
+/// Keeps the name apart from what follows, which a quotation may have done so far.
+void Reader::readName() {
+    add('$');
+    add('{');
+    for (; m_at < m_text.size() && (isNameStart(m_text[m_at]) || isDigit(m_text[m_at])); ++m_at)
+        add(m_text[m_at]);
+    add('}');
 }
 
 /// Takes what is inside as a text of its own.
@@ -218,6 +238,7 @@ void Reader::readBackticks() {
 void Reader::readRedirection(char c) {
     if (isNext("(")) {
         ++m_at;
+        m_behindWord = true;
         return readSubstitution('(', ')');
     }
     // A number right before it is a descriptor.
@@ -239,7 +260,7 @@ void Reader::endWord() {
 
 void Reader::endPart() {
     endWord();
-    m_isTarget = false;
+    m_isTarget = m_behindWord = false;
     if (!m_part.words.empty() || !m_part.targets.empty())
         m_result.parts.push_back(std::exchange(m_part, {}));
 }

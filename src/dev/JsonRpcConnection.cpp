@@ -5,7 +5,7 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 
 QCoro::Task<JsonRpcConnection::Reply> JsonRpcConnection::send(qint64 id, QByteArray line,
-                                                              std::chrono::milliseconds timeout) {
+                                                              std::chrono::milliseconds timeout, Heard heard) {
     if (m_closed)
         co_return Reply{.error = *m_closed};
     const Later<Reply> reply;
@@ -15,8 +15,9 @@ QCoro::Task<JsonRpcConnection::Reply> JsonRpcConnection::send(qint64 id, QByteAr
         finish(id, {.error = u"等了 %1 秒没有回应"_s.arg(std::chrono::ceil<std::chrono::seconds>(timeout).count())});
     });
     limit->start(timeout);
-    m_pendingResponses.emplace(id, Waiting{reply, std::move(limit)});
-    write(line);
+    m_pendingResponses.emplace(id, Waiting{reply, std::move(limit), std::move(heard)});
+    if (!write(line))
+        finish(id, {.error = u"对方不再读了，没有发出"_s});
     co_return co_await reply;
 }
 
@@ -31,6 +32,8 @@ void JsonRpcConnection::finish(qint64 id, Reply reply) {
         return;
     // It may be the timer that calls.
     waiting.mapped().limit.release()->deleteLater();
+    if (waiting.mapped().heard)
+        waiting.mapped().heard(reply);
     waiting.mapped().reply.resolve(std::move(reply));
 }
 
@@ -40,9 +43,8 @@ void JsonRpcConnection::close(const QString &reason) {
         finish(m_pendingResponses.begin()->first, {.error = reason});
 }
 
-void JsonRpcConnection::write(const QByteArray &line) {
-    if (!m_closed)
-        m_write(line);
+bool JsonRpcConnection::write(const QByteArray &line) {
+    return m_closed || m_write(line);
 }
 
 } // namespace lmp

@@ -25,13 +25,16 @@ public:
         std::optional<boost::json::value> result = {}; ///< none when it failed
         QString error = {};                            ///< why
     };
-    using Write = std::function<void(QByteArrayView line)>;
+    /// @return false when the line could not be taken
+    using Write = std::function<bool(QByteArrayView line)>;
+    /// Called as a reply comes, before whatever comes after it; the waiting caller resumes later.
+    using Heard = std::function<void(const Reply &reply)>;
 
     explicit JsonRpcConnection(Write write)
         : m_write(std::move(write)) {}
 
     template <class Params>
-    QCoro::Task<Reply> request(QString method, Params params, std::chrono::milliseconds timeout) {
+    QCoro::Task<Reply> request(QString method, Params params, std::chrono::milliseconds timeout, Heard heard = {}) {
         const qint64 id = m_nextId++;
         QByteArray line;
         try {
@@ -39,7 +42,7 @@ public:
         } catch (const JsonEncodingError &) {
             return failed(QStringLiteral("请求组装失败"));
         }
-        return send(id, std::move(line), timeout);
+        return send(id, std::move(line), timeout, std::move(heard));
     }
 
     template <class Params>
@@ -61,12 +64,13 @@ private:
     struct Waiting {
         Later<Reply> reply;
         std::unique_ptr<QTimer> limit;
+        Heard heard;
     };
 
     static QCoro::Task<Reply> failed(QString reason) { co_return Reply{.error = reason}; }
-    QCoro::Task<Reply> send(qint64 id, QByteArray line, std::chrono::milliseconds timeout);
+    QCoro::Task<Reply> send(qint64 id, QByteArray line, std::chrono::milliseconds timeout, Heard heard);
     void finish(qint64 id, Reply reply);
-    void write(const QByteArray &line);
+    bool write(const QByteArray &line);
 
     Write m_write;
     qint64 m_nextId = 1;

@@ -1,6 +1,7 @@
 #include "dev/LoginShell.h"
 
 #include "dev/DevExecutable.h"
+#include "dev/DevPool.h"
 #include "dev/DevProcess.h"
 #include "dev/DevProcessRegistry.h"
 
@@ -9,6 +10,7 @@
 #include <QThreadPool>
 
 #include <mutex>
+#include <thread>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -23,9 +25,21 @@ namespace {
 /// A person's start files may print what they like; the answer stands between two of these.
 constexpr QByteArrayView mark = "--lumenpair-path--";
 
+/// The answer is at the end.
+constexpr qsizetype maxHeard = 256 * 1024;
+constexpr auto listenInterval = 20ms;
+constexpr auto restInterval = 1ms;
+
+/// Interactive too: that is where version managers put themselves. The C shells take no other option beside -l, but
+/// read the same file without any.
+QStringList optionsOf(const QString &shell) {
+    return shell.endsWith("csh"_L1) ? QStringList() : QStringList{u"-l"_s, u"-i"_s};
+}
+
 std::once_flag asked;
 std::atomic_bool known = false;
-QString answer; // written once, before `asked` is done
+/// Written once, before `asked` is done. Never destroyed: the program may leave while the shell is being asked.
+QString &answer = *new QString;
 
 QString shellOfUser() {
     const QString named = qEnvironmentVariable("SHELL");
@@ -59,7 +73,7 @@ QString LoginShell::applicationPath() {
 }
 
 void LoginShell::prepare() {
-    QThreadPool::globalInstance()->start(&ask);
+    DevPool::waiting().start(&ask);
 }
 
 bool LoginShell::isKnown() {
@@ -71,10 +85,9 @@ QString LoginShell::askFor(const QString &shell, std::chrono::milliseconds timeo
         return {};
     const QString home = QDir::homePath();
     const QString question = u"echo %1; /usr/bin/printenv PATH; echo %1"_s.arg(QLatin1StringView(mark));
-    // Interactive too: that is where version managers put themselves.
     const DevProcess::Command command{
         .program = shell,
-        .arguments = {u"-l"_s, u"-i"_s, u"-c"_s, question},
+        .arguments = optionsOf(shell) << u"-c"_s << question,
         .directory = home,
         .extra = {{u"TERM"_s, u"dumb"_s}},
         .output = DevProcess::Output::Bytes,
@@ -86,11 +99,20 @@ QString LoginShell::askFor(const QString &shell, std::chrono::milliseconds timeo
         return {};
     (*process)->closeStdin();
     const auto output = (*process)->output();
-    const bool ended = (*process)->waitForEnd(timeout);
-    (*process)->terminate(0ms);
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     QByteArray text;
-    while (const auto batch = output.tryNext())
-        text += batch->bytes;
+    bool ended = false, isWhole = false;
+    do {
+        // It is waited for piece by piece, since one that is not listened to is held back.
+        if (ended)
+            std::this_thread::sleep_for(restInterval);
+        ended = (*process)->waitForEnd(listenInterval);
+        isWhole = output.isOver();
+        while (const auto batch = output.tryNext())
+            text = (text + batch->bytes).last(std::min(text.size() + batch->bytes.size(), maxHeard));
+        // What it said last may still be in the pipe when it is gone.
+    } while (!(ended && isWhole) && std::chrono::steady_clock::now() < deadline);
+    (*process)->terminate(0ms);
     output.cancel();
     return ended ? pathIn(text) : QString();
 }

@@ -10,14 +10,14 @@ namespace lmp {
 /// that people install for themselves are not found.
 ///
 /// The shell is asked once in the life of the process and has three seconds; what it does not answer by then is
-/// nothing. Any thread.
+/// nothing. What its start files have started by then ends with it. Any thread.
 class LoginShell {
 public:
     static constexpr std::chrono::milliseconds limit{3000};
 
     /// The program's own PATH and what the login shell's has on top. Asks, and blocks, the first time.
     static QString applicationPath();
-    /// Asks on the thread pool, so that nobody has to wait later.
+    /// Asks on a thread of its own, so that nobody has to wait later.
     static void prepare();
     /// Whether `applicationPath` answers at once.
     static bool isKnown();

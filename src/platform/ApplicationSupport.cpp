@@ -1,11 +1,15 @@
 #include "platform/ApplicationSupport.h"
 
+#include "platform/AtomicFile.h"
+
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <algorithm>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace lmp {
 
@@ -30,8 +34,13 @@ std::optional<QString> ApplicationSupport::folder(const QString &relative) const
     QString sofar;
     for (const QString &piece : QDir::cleanPath(path).split(u'/')) {
         sofar += piece.isEmpty() ? QString() : u'/' + piece;
-        if (!sofar.isEmpty() && !QFile::exists(sofar))
-            ::mkdir(QFile::encodeName(sofar).constData(), S_IRWXU);
+        if (sofar.isEmpty() || QFile::exists(sofar) || ::mkdir(QFile::encodeName(sofar).constData(), S_IRWXU) != 0)
+            continue;
+        // A file in a folder that a pulled plug takes away is as good as none.
+        if (!AtomicFile::flushFolder(QFileInfo(sofar).path())) {
+            ::rmdir(QFile::encodeName(sofar).constData());
+            return std::nullopt;
+        }
     }
     return QDir(path).exists() ? std::optional(path) : std::nullopt;
 }

@@ -21,7 +21,7 @@ public:
     const QString &root() const { return m_root; }
     const QString &profile() const { return m_profile; }
 
-    /// The folder `relative` below the root, made (0700) when it is missing; none when it cannot be made.
+    /// The folder `relative` below the root, made (0700), for good, when it is missing; none when it cannot be made.
     std::optional<QString> folder(const QString &relative) const;
 
     /// Whether `name` may name a profile: it becomes part of a path.

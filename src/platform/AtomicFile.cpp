@@ -114,15 +114,26 @@ Placed put(const QByteArray &aside, const QByteArray &place, bool keepOld) {
     return there ? Placed::Replaced : Placed::Fresh;
 }
 
-std::expected<void, AtomicFile::Error> flushFolder(const QString &path) {
-    const QByteArray folder = QFile::encodeName(QFileInfo(path).path());
-    const Descriptor fd(openFile(folder, O_RDONLY | O_DIRECTORY));
-    if (fd < 0)
-        return std::unexpected(failure(path, "open folder"_L1, errno));
-    // Some file systems cannot flush a folder and say so with EINVAL: they order the rename themselves.
-    if (!flush(fd) && errno != EINVAL)
-        return std::unexpected(failure(path, "fsync folder"_L1, errno));
-    return {};
+/// Renames without taking the place of anything.
+bool renameFresh(const QByteArray &from, const QByteArray &to) {
+#if defined(RENAME_NOREPLACE)
+    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+#elif defined(RENAME_EXCL)
+    if (::renamex_np(from.constData(), to.constData(), RENAME_EXCL) == 0)
+        return true;
+#else
+    errno = ENOSYS;
+#endif
+    // Some file systems do not know how.
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    struct stat status = {};
+    if (::lstat(to.constData(), &status) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(from.constData(), to.constData()) == 0;
 }
 
 std::expected<void, AtomicFile::Error> writeAside(const QString &path, const QByteArray &aside, const QByteArray &bytes,
@@ -156,7 +167,7 @@ std::expected<void, AtomicFile::Error> AtomicFile::write(const QString &path, co
     }
     if (durability == Durability::Relaxed)
         return {};
-    auto flushed = flushFolder(path);
+    auto flushed = flushFolder(QFileInfo(path).path());
     if (placed == Placed::Swapped)
         flushed ? ::unlink(aside.constData()) : ::rename(aside.constData(), place.constData());
     else if (!flushed && placed == Placed::Fresh)
@@ -204,12 +215,32 @@ std::expected<void, AtomicFile::Error> AtomicFile::remove(const QString &path) {
             return {};
         return std::unexpected(failure(path, "rename"_L1, errno));
     }
-    auto flushed = flushFolder(path);
+    auto flushed = flushFolder(QFileInfo(path).path());
     if (!flushed)
         ::rename(aside.constData(), place.constData());
     else
         ::unlink(aside.constData());
     return flushed;
+}
+
+std::expected<void, AtomicFile::Error> AtomicFile::moveAside(const QString &path, const QString &aside) {
+    const QByteArray place = QFile::encodeName(path), beside = QFile::encodeName(aside);
+    if (!renameFresh(place, beside))
+        return std::unexpected(failure(path, "rename"_L1, errno));
+    auto flushed = flushFolder(QFileInfo(path).path());
+    if (!flushed)
+        (void)renameFresh(beside, place);
+    return flushed;
+}
+
+std::expected<void, AtomicFile::Error> AtomicFile::flushFolder(const QString &folder) {
+    const Descriptor fd(openFile(QFile::encodeName(folder), O_RDONLY | O_DIRECTORY));
+    if (fd < 0)
+        return std::unexpected(failure(folder, "open folder"_L1, errno));
+    // Some file systems cannot flush a folder and say so with EINVAL: they order the rename themselves.
+    if (!flush(fd) && errno != EINVAL)
+        return std::unexpected(failure(folder, "fsync folder"_L1, errno));
+    return {};
 }
 
 void AtomicFile::sweep(const QString &folder) {

@@ -48,6 +48,13 @@ public:
     /// Removes the file and flushes the folder; a file that is not there is no error. On failure the file is as it was.
     static std::expected<void, Error> remove(const QString &path);
 
+    /// Gives the file a name that nobody uses, flushed: what is there is neither read nor copied, whatever it is. On
+    /// failure it is where it was.
+    static std::expected<void, Error> moveAside(const QString &path, const QString &aside);
+
+    /// Flushes the names in `folder` to the disk.
+    static std::expected<void, Error> flushFolder(const QString &folder);
+
     /// Removes what writers that were killed left beside the files of `folder`; only while nobody writes there.
     static void sweep(const QString &folder);
 

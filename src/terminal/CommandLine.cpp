@@ -101,8 +101,10 @@ void addDrafts(CLI::App &app, CommandLine &line, Words &words) {
     auto *list = all->add_subcommand("list", "列出草稿")->group("命令");
     auto *show = all->add_subcommand("show", "显示一份草稿")->group("命令");
     auto *discard = all->add_subcommand("discard", "丢弃一份草稿，先问过再丢")->group("命令");
-    for (auto *one : {show, discard})
-        one->add_option("ID", words.draftId, "对话编号")->type_name("")->required();
+    show->add_option("ID", words.draftId, "对话编号")->type_name("")->required();
+    auto *discarded = discard->add_option("ID", words.draftId, "对话编号")->type_name("");
+    discard->add_flag("--unreadable", line.discardUnreadable, "丢弃读不出来的草稿文件")->excludes(discarded);
+    discard->require_option(1, 2);
     for (auto *one : {list, show})
         one->add_flag("--json", line.draftJson, "标准输出一行一个 JSON 记录");
     discard->add_flag("--yes", line.discardSurely, "不再问");

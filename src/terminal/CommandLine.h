@@ -106,6 +106,7 @@ struct CommandLine {
     QString draftId;
     bool draftJson = false;
     bool discardSurely = false;
+    bool discardUnreadable = false;
     Memory memory;
 
     // crisis

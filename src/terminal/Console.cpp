@@ -2,7 +2,9 @@
 
 #include "core/PlainLabel.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstring>
 #include <poll.h>
@@ -69,7 +71,35 @@ void Console::loseOutput(int code) {
     error(QStringLiteral("写不进标准输出：") + QString::fromLocal8Bit(std::strerror(code)));
 }
 
+QCoro::Task<> Console::drained() {
+    if (m_queue.empty())
+        co_return;
+    const Later<bool> written;
+    m_draining << written;
+    co_await written;
+}
+
+void Console::hurry() {
+    m_hurries = true;
+    flush();
+}
+
+void Console::silence() {
+    m_silent = true;
+    m_queue.clear();
+    flush();
+}
+
 void Console::write(int fd, const QByteArray &bytes) {
+    if (m_silent || (fd == STDOUT_FILENO && m_outputIsClosed))
+        return;
+    if (!m_queues)
+        return writeNow(fd, bytes);
+    m_queue.push_back({fd, bytes});
+    flush();
+}
+
+void Console::writeNow(int fd, const QByteArray &bytes) {
     qsizetype done = 0;
     while (done < bytes.size()) {
         const ssize_t n = ::write(fd, bytes.constData() + done, size_t(bytes.size() - done));
@@ -85,6 +115,52 @@ void Console::write(int fd, const QByteArray &bytes) {
             return fd == STDOUT_FILENO ? loseOutput(errno) : void();
         }
     }
+}
+
+/// Writes what finds room. The stream is not ours to make non-blocking: others may hold it too. So it is asked first,
+/// and no more is written at once than a pipe with room takes.
+void Console::flush() {
+    while (!m_queue.empty()) {
+        Piece &next = m_queue.front();
+        const int fd = next.fd;
+        pollfd room{fd, POLLOUT, 0};
+        if (::poll(&room, 1, 0) <= 0)
+            return waitForRoom(fd);
+        const auto size = std::min<std::size_t>(PIPE_BUF, std::size_t(next.bytes.size()));
+        const ssize_t n = ::write(fd, next.bytes.constData(), size);
+        const int code = n < 0 ? errno : 0;
+        if (n >= 0)
+            next.bytes.remove(0, n);
+        else if (code == EAGAIN)
+            return waitForRoom(fd);
+        if (code != 0 && code != EINTR) {
+            std::erase_if(m_queue, [fd](const Piece &piece) { return piece.fd == fd; });
+            if (fd == STDOUT_FILENO)
+                loseOutput(code);
+        } else if (next.bytes.isEmpty()) {
+            m_queue.pop_front();
+        }
+    }
+    stopWaiting();
+    for (const auto &written : std::exchange(m_draining, {}))
+        written.resolve(true);
+}
+
+void Console::waitForRoom(int fd) {
+    if (m_hurries)
+        return silence();
+    if (m_room && m_room->socket() == fd)
+        return;
+    stopWaiting();
+    m_room = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Write);
+    QObject::connect(m_room.get(), &QSocketNotifier::activated, m_room.get(), [this] { flush(); });
+}
+
+void Console::stopWaiting() {
+    if (!m_room)
+        return;
+    m_room->setEnabled(false);
+    m_room.release()->deleteLater(); // it may be the one that has just called
 }
 
 } // namespace lmp

@@ -1,14 +1,22 @@
 #pragma once
 
+#include "core/Later.h"
+
 #include <QByteArray>
+#include <QCoroTask>
+#include <QList>
+#include <QSocketNotifier>
 #include <QString>
+
+#include <deque>
+#include <memory>
 
 namespace lmp {
 
 /// Standard output, standard error and what is known of them.
 ///
-/// UI thread; writes block. The reply goes to standard output, everything else to standard error. A reader of
-/// standard output who is gone is no error: what follows for them is dropped.
+/// UI thread; writes block, unless `queueOutput` was called. The reply goes to standard output, everything else to
+/// standard error. A reader of standard output who is gone is no error: what follows for them is dropped.
 class Console {
 public:
     Console();
@@ -18,6 +26,16 @@ public:
     /// The reader of standard output has gone, or nothing more can be written to it. A turn under way is still brought
     /// to its end and saved.
     bool outputIsClosed() const { return m_outputIsClosed; }
+
+    /// From now on nothing waits inside a write: what the readers do not take is kept in order, until they do. Whoever
+    /// writes much awaits `drained` in between.
+    void queueOutput() { m_queues = true; }
+    /// Ends when all has been written, or nothing more can be.
+    QCoro::Task<> drained();
+    /// The program leaves: what finds no room is dropped, with all that would follow.
+    void hurry();
+    /// Nothing more is said.
+    void silence();
 
     /// Text of others (a reply, a title): as it is into a pipe, without control characters onto a terminal, where they
     /// could move the cursor, change the title or answer for the person.
@@ -35,7 +53,17 @@ public:
     static QString harmless(const QString &text);
 
 private:
+    /// What is to be written where.
+    struct Piece {
+        int fd;
+        QByteArray bytes;
+    };
+
     void write(int fd, const QByteArray &bytes);
+    void writeNow(int fd, const QByteArray &bytes);
+    void flush();
+    void waitForRoom(int fd);
+    void stopWaiting();
     void loseOutput(int code);
     void say(const QString &text, const char *color);
 
@@ -43,6 +71,12 @@ private:
     bool m_inputIsTerminal;
     bool m_color;
     bool m_outputIsClosed = false;
+    bool m_queues = false;
+    bool m_hurries = false;
+    bool m_silent = false;
+    std::deque<Piece> m_queue;
+    std::unique_ptr<QSocketNotifier> m_room;
+    QList<Later<bool>> m_draining;
     bool m_midLine = false; ///< a terminal shared by both streams has an unfinished line
 };
 

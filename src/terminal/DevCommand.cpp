@@ -3,6 +3,7 @@
 #include "core/Detach.h"
 #include "dev/DevEngineRegistry.h"
 #include "dev/DevProcessRegistry.h"
+#include "dev/LoginShell.h"
 #include "dev/claude/ClaudeCodeEngine.h"
 #include "dev/codex/CodexEngine.h"
 
@@ -16,10 +17,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-QCoro::Task<> dropped(QCoro::Task<DevEngine::Done> task) {
-    co_await task;
-}
-
 DevEngine::Handle makeEngine(DevEngineKind kind) {
     if (kind == DevEngineKind::claude)
         return DevEngine::make<ClaudeCodeEngine>();
@@ -32,9 +29,16 @@ DevCommand::DevCommand(Console &console, StandardInput &input, CommandLine::Dev 
     : m_console(console)
     , m_input(input)
     , m_line(std::move(line))
-    , m_output(console, m_line.engine, m_line.jsonl) {}
+    , m_output(console, m_line.engine, m_line.jsonl) {
+    // A reader who takes nothing must not keep signals from being seen.
+    m_console.queueOutput();
+}
 
 DevCommand::~DevCommand() = default;
+
+QCoro::Task<> DevCommand::dropped(QCoro::Task<DevEngine::Done> task) {
+    co_await task;
+}
 
 QCoro::Task<ExitCode> DevCommand::run() {
     m_once = !m_line.text.isEmpty() || (!m_line.jsonl && !m_console.inputIsTerminal());
@@ -42,6 +46,8 @@ QCoro::Task<ExitCode> DevCommand::run() {
         m_output.error(u"没有这个文件夹："_s + m_line.repo);
         co_return ExitCode::Usage;
     }
+    // It is needed next, and the user may take a moment to say what they want.
+    LoginShell::prepare();
     QString text;
     if (m_once) {
         const auto asked = co_await question();
@@ -50,7 +56,7 @@ QCoro::Task<ExitCode> DevCommand::run() {
         text = *asked;
     }
     if (const auto refused = co_await refusal())
-        co_return m_leaving ? ExitCode::Stopped : *refused;
+        co_return *refused;
     m_engine = makeEngine(m_line.engine);
     auto failed = co_await start();
     if (!failed)
@@ -88,6 +94,7 @@ QCoro::Task<std::optional<ExitCode>> DevCommand::start() {
     }
     m_following = true;
     detach(follow(std::move(started->events)), "DevCommand::follow");
+    detach(followWithdrawn(std::move(started->withdrawn)), "DevCommand::followWithdrawn");
     co_return std::nullopt;
 }
 
@@ -95,6 +102,8 @@ QCoro::Task<std::optional<ExitCode>> DevCommand::refusal() {
     using State = DevReadiness::State;
     const auto probe = DevEngineRegistry::localProbes().at(m_line.engine);
     const auto readiness = co_await probe();
+    if (m_leaving)
+        co_return ExitCode::Stopped;
     // What could not be found out is tried: the start says it better.
     if (readiness.state != State::missing && readiness.state != State::loggedOut)
         co_return std::nullopt;
@@ -124,6 +133,10 @@ QCoro::Task<> DevCommand::converse() {
     m_output.note(u"%1 · %2 · %3\n回车发送 · Ctrl-C 停下这一回合 · Ctrl-D 离开"_s.arg(
         DevOutput::name(m_line.engine), devModeName(m_line.mode), QFileInfo(m_line.repo).absoluteFilePath()));
     while (!isOver()) {
+        // A question may come between turns, too, and there is one line to be typed at a time.
+        co_await until([this] { return !m_asking || isOver(); });
+        if (isOver())
+            co_return;
         const auto text = co_await m_input.line(u"你："_s);
         if (isOver())
             co_return;
@@ -144,18 +157,30 @@ QCoro::Task<> DevCommand::converse() {
 }
 
 void DevCommand::submit(const QString &text) {
+    // What happened between turns is not this one's.
+    if (m_turns == 0) {
+        m_failed = m_turnInterrupted = false;
+        m_withdrawn.clear();
+    }
     // Codex takes what is said during a turn into that turn, Claude Code makes a turn of its own of it.
-    m_turns = m_line.engine == DevEngineKind::claude ? m_turns + 1 : 1;
-    detach(send(text), "DevCommand::send");
+    const bool joins = m_line.engine != DevEngineKind::claude && m_turns > 0;
+    m_turns += joins ? 0 : 1;
+    detach(send(text, joins), "DevCommand::send");
 }
 
-QCoro::Task<> DevCommand::send(QString text) {
+QCoro::Task<> DevCommand::send(QString text, bool joins) {
     const QPointer<QObject> self(this);
     const auto sent = co_await m_engine->send(std::move(text));
     if (!self || sent || isOver())
         co_return;
     m_output.error(sent.error().message);
-    endTurn(ExitCode::Failed);
+    if (joins)
+        co_return;
+    // It would have been a turn behind the one that runs, which goes on.
+    if (m_turns > 1)
+        --m_turns;
+    else
+        endTurn(ExitCode::Failed);
 }
 
 QCoro::Task<> DevCommand::until(std::function<bool()> isSo) {
@@ -173,6 +198,7 @@ void DevCommand::changed() {
 }
 
 QCoro::Task<> DevCommand::leave() {
+    m_finishing = true;
     dropQuestions();
     m_input.cancel();
     const bool stopping = !m_leaving;
@@ -189,29 +215,37 @@ QCoro::Task<> DevCommand::leave() {
     co_await children.quit();
 }
 
-bool DevCommand::interrupt(bool leave) {
+void DevCommand::cancelPrompt() {
+    m_promptCancelled = m_input.isWaiting();
+    m_input.cancel();
+}
+
+void DevCommand::interrupt(bool leave) {
     const bool again = std::exchange(m_interrupted, true);
-    m_leaving = m_leaving || leave || again;
-    if (!m_engine)
-        return false;
-    if (!m_following) {
-        m_leaving = true;
-        m_engine->shutdown();
-    } else if (m_leaving || m_stopped) {
-        m_leaving = true;
+    m_leaving = m_leaving || leave || again || !m_following || m_stopped;
+    if (m_leaving) {
         m_input.cancel();
+        m_console.hurry();
+    }
+    if (!m_engine) {
+        // What looks for the agent ends with its children.
+        detach(DevProcessRegistry::shared().quit(), "DevCommand::interrupt");
+    } else if (!m_following) {
+        m_engine->shutdown();
+    } else if (m_leaving) {
+        changed();
     } else if (m_turns > 0) {
         dropQuestions();
         detach(dropped(m_engine->interrupt()), "DevCommand::interrupt");
+    } else if (m_asking) {
+        denyQuestions(u"用户中断"_s);
     } else if (m_line.jsonl || m_once) {
         m_leaving = true;
     } else {
-        m_promptCancelled = true;
-        m_input.cancel();
+        cancelPrompt();
         m_output.note(u"再按一次 Ctrl-C 离开。"_s);
     }
     changed();
-    return true;
 }
 
 } // namespace lmp

@@ -8,11 +8,14 @@
 #include "terminal/ExitCode.h"
 #include "terminal/StandardInput.h"
 
+#include <QSet>
+
 namespace lmp {
 
 /// `lumenpair dev`: one turn of a coding agent, a conversation with it, or the same for a program.
 ///
-/// UI thread; console and input outlive it. However it ends, the agent is stopped and its processes are gone.
+/// UI thread; console and input outlive it. However it ends, the agent is stopped; whoever ran it ends what children
+/// are left with `DevProcessRegistry::quit`.
 class DevCommand : public QObject {
 public:
     DevCommand(Console &console, StandardInput &input, CommandLine::Dev line);
@@ -21,8 +24,7 @@ public:
     QCoro::Task<ExitCode> run();
     /// Ctrl-C: the first one stops the turn, the next one leaves.
     /// @param leave another signal that asks to go at once
-    /// @return false when nothing is under way that would end by itself now
-    bool interrupt(bool leave);
+    void interrupt(bool leave);
 
 private:
     /// The tool is there and signed in, as far as that can be known; else what is said and the way out.
@@ -35,6 +37,8 @@ private:
 
     // What the agent says.
     QCoro::Task<> follow(Channel<DevEvent> events);
+    QCoro::Task<> followWithdrawn(Channel<QString> ids);
+    void onWithdrawn(const QString &requestId);
     void onEvent(const DevEvent &event);
     void onQuestion(const DevPermissionRequest &request);
     void endTurn(ExitCode outcome);
@@ -44,7 +48,10 @@ private:
     QCoro::Task<> ask();
     QCoro::Task<std::optional<DevPermissionDecision>> decision();
     void respond(const QString &requestId, DevPermissionDecision decision);
+    QCoro::Task<> answer(QString requestId, DevPermissionDecision decision);
     void dropQuestions();
+    void denyQuestions(const QString &reason);
+    void cancelPrompt();
 
     // What a program says.
     QCoro::Task<> listen();
@@ -53,11 +60,13 @@ private:
     void endInput();
 
     void submit(const QString &text);
-    QCoro::Task<> send(QString text);
+    /// @param joins a turn that runs, and that goes on when this cannot be said
+    QCoro::Task<> send(QString text, bool joins);
+    static QCoro::Task<> dropped(QCoro::Task<DevEngine::Done> task);
     /// Waits for `isSo`, which is looked at whenever something has happened.
     QCoro::Task<> until(std::function<bool()> isSo);
     void changed();
-    bool isOver() const { return m_leaving || m_ended || m_stopped; }
+    bool isOver() const { return m_leaving || m_ended || m_stopped || m_finishing; }
     bool isOnce() const { return m_once; }
 
     Console &m_console;
@@ -70,6 +79,7 @@ private:
     Later<bool> m_followed; ///< the stream has been read to its end
     Later<bool> m_listened; ///< nothing is read from a program any more
     QList<DevPermissionRequest> m_questions;
+    QSet<QString> m_withdrawn; ///< questions that were taken away before they came here
 
     int m_turns = 0;                          ///< asked for and not ended
     ExitCode m_outcome = ExitCode::Submitted; ///< of the last turn
@@ -83,8 +93,9 @@ private:
     bool m_promptCancelled = false; ///< the line that is waited for will not come
     bool m_inputEnded = false;
     bool m_leaving = false;
-    bool m_ended = false;   ///< the agent, by itself
-    bool m_stopped = false; ///< by a program's command
+    bool m_ended = false;     ///< the agent, by itself
+    bool m_stopped = false;   ///< by a program's command, or since nobody reads what is said
+    bool m_finishing = false; ///< nothing new is begun
 };
 
 } // namespace lmp

@@ -1,6 +1,8 @@
 #include "core/Detach.h"
 #include "terminal/DevCommand.h"
 
+#include <QPointer>
+
 #include <algorithm>
 
 // What happens during a session: the agent's events, the questions to the user, a program's commands.
@@ -10,20 +12,40 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 using namespace dev_event;
 
-namespace {
-
-QCoro::Task<> dropped(QCoro::Task<DevEngine::Done> task) {
-    co_await task;
-}
-
-} // namespace
-
 QCoro::Task<> DevCommand::follow(Channel<DevEvent> events) {
-    while (const auto event = co_await events.next())
+    while (const auto event = co_await events.next()) {
         onEvent(*event);
+        // A slow reader slows the agent, and one who has gone ends its work.
+        co_await m_console.drained();
+        if (m_console.outputIsClosed() && !isOver()) {
+            m_stopped = true;
+            changed();
+        }
+    }
     if (!m_leaving && !m_stopped)
         endStream();
     m_followed.resolve(true);
+}
+
+QCoro::Task<> DevCommand::followWithdrawn(Channel<QString> ids) {
+    const QPointer<QObject> self(this);
+    while (const auto id = co_await ids.next()) {
+        if (!self)
+            co_return;
+        onWithdrawn(*id);
+    }
+}
+
+void DevCommand::onWithdrawn(const QString &requestId) {
+    const bool isShown = m_asking && !m_questions.isEmpty() && m_questions.first().id == requestId;
+    const auto removed =
+        m_questions.removeIf([&](const DevPermissionRequest &request) { return request.id == requestId; });
+    if (removed == 0)
+        m_withdrawn.insert(requestId);
+    if (!isShown)
+        return;
+    m_input.cancel();
+    m_output.note(u"这个问题已经不用回答了。"_s);
 }
 
 void DevCommand::onEvent(const DevEvent &event) {
@@ -67,6 +89,8 @@ void DevCommand::endStream() {
 
 void DevCommand::onQuestion(const DevPermissionRequest &request) {
     using Kind = DevPermissionDecision::Kind;
+    if (m_withdrawn.remove(request.id))
+        return;
     m_questions << request;
     const bool asks = !m_line.allow && !m_line.jsonl && m_console.inputIsTerminal();
     if (!asks)
@@ -80,17 +104,37 @@ void DevCommand::onQuestion(const DevPermissionRequest &request) {
         m_output.note(reason);
         respond(request.id, DevPermissionDecision::deny(reason));
     } else if (asks && !m_asking) {
+        cancelPrompt();
         detach(ask(), "DevCommand::ask");
     }
 }
 
 void DevCommand::respond(const QString &requestId, DevPermissionDecision decision) {
     m_questions.removeIf([&](const DevPermissionRequest &request) { return request.id == requestId; });
-    detach(dropped(m_engine->respond(requestId, std::move(decision))), "DevCommand::respond");
+    detach(answer(requestId, std::move(decision)), "DevCommand::respond");
+}
+
+QCoro::Task<> DevCommand::answer(QString requestId, DevPermissionDecision decision) {
+    const QPointer<QObject> self(this);
+    const bool waited = co_await m_engine->respond(requestId, std::move(decision));
+    if (!self || waited || isOver())
+        co_return;
+    if (m_line.jsonl)
+        m_output.error(u"这个问题已经不用回答了："_s + requestId);
+    else
+        m_output.note(u"这个问题已经不用回答了。"_s);
 }
 
 void DevCommand::dropQuestions() {
     m_questions.clear();
+    if (m_asking)
+        m_input.cancel();
+}
+
+void DevCommand::denyQuestions(const QString &reason) {
+    const auto open = m_questions;
+    for (const DevPermissionRequest &request : open)
+        respond(request.id, DevPermissionDecision::deny(reason));
     if (m_asking)
         m_input.cancel();
 }
@@ -132,18 +176,38 @@ QCoro::Task<std::optional<DevPermissionDecision>> DevCommand::decision() {
     co_return std::nullopt;
 }
 
+namespace {
+
+using Control = std::expected<DevControl, QString>;
+
+/// What the line says, or what is wrong with it; none when there is none.
+std::optional<Control> controlIn(const std::optional<QString> &text, StandardInput::Trouble trouble) {
+    if (trouble == StandardInput::Trouble::TooLong)
+        return Control(std::unexpect, u"这一行太长了，没有照做"_s);
+    if (trouble == StandardInput::Trouble::NotText)
+        return Control(std::unexpect, u"这一行看不懂：不是 UTF-8"_s);
+    if (!text || text->trimmed().isEmpty())
+        return std::nullopt;
+    return DevControl::parse(text->toUtf8());
+}
+
+} // namespace
+
 QCoro::Task<> DevCommand::listen() {
     while (!isOver()) {
         const auto text = co_await m_input.line({});
-        if (!text)
-            break;
-        if (isOver() || text->trimmed().isEmpty())
+        const auto control = isOver() ? std::nullopt : controlIn(text, m_input.trouble());
+        if (!control) {
+            if (!text && m_input.trouble() == StandardInput::Trouble::None)
+                break;
             continue;
-        const auto control = DevControl::parse(text->toUtf8());
-        if (control)
-            obey(*control);
-        else
-            m_output.error(control.error());
+        }
+        if (*control) {
+            obey(**control);
+        } else {
+            m_output.error(control->error());
+            co_await m_console.drained();
+        }
     }
     endInput();
     m_listened.resolve(true);
@@ -152,9 +216,7 @@ QCoro::Task<> DevCommand::listen() {
 void DevCommand::endInput() {
     m_inputEnded = true;
     // Nobody is left to answer.
-    const auto open = m_questions;
-    for (const DevPermissionRequest &request : open)
-        respond(request.id, DevPermissionDecision::deny(u"没有人回答，所以拒绝了。"_s));
+    denyQuestions(u"没有人回答，所以拒绝了。"_s);
     changed();
 }
 
@@ -166,6 +228,11 @@ void DevCommand::obey(const DevControl &control) {
     } else if (const auto *wanted = std::get_if<DevControl::SetMode>(&control.what)) {
         detach(dropped(m_engine->setMode(wanted->mode)), "DevCommand::obey");
     } else if (std::holds_alternative<DevControl::Interrupt>(control.what)) {
+        // Claude Code says that it was interrupted even where nothing runs, and the next turn would take that for its
+        // own.
+        const bool isIdle = m_turns == 0 && m_questions.isEmpty() && m_line.engine == DevEngineKind::claude;
+        if (isIdle)
+            return;
         detach(dropped(m_engine->interrupt()), "DevCommand::obey");
     } else {
         m_stopped = true;

@@ -10,11 +10,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The word that follows the first "dev".
-std::string_view wordAfterDev(int argc, const char *const *argv) {
+/// The word that follows the command "dev". A value of the program's own options is no command.
+std::string_view wordAfterDev(CLI::App &app, int argc, const char *const *argv) {
     for (int at = 1; at + 1 < argc; ++at) {
-        if (std::string_view(argv[at]) == "dev")
-            return argv[at + 1];
+        const std::string word = argv[at];
+        const auto *option = word.starts_with('-') ? app.get_option_no_throw(word) : nullptr;
+        if (option && option->get_items_expected_max() > 0)
+            ++at;
+        else if (!word.starts_with('-'))
+            return word == "dev" ? argv[at + 1] : std::string_view();
     }
     return {};
 }
@@ -42,7 +46,7 @@ DevCommandLine::DevCommandLine(CLI::App &app, CommandLine &line, int argc, const
                 "退出码：0 完成，1 失败，2 用法不对，3 没装或没登录，130 被打断。");
     dev->add_option("--repo", m_repo, "仓库，默认是当前文件夹")->type_name("DIR");
     // A task may well begin with one of these words; only right behind "dev" they are commands.
-    const auto word = wordAfterDev(argc, argv);
+    const auto word = wordAfterDev(app, argc, argv);
     if (word == "git" || word == "worktree")
         addGit(*dev, line);
     else

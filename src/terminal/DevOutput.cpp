@@ -18,6 +18,13 @@ namespace {
 constexpr qsizetype maxLines = 20;
 constexpr qsizetype maxLine = 500;
 
+/// A line that does not end is shown in pieces.
+constexpr qsizetype maxPartial = 8 * 1024;
+
+QByteArrayView bytesOf(QStringView text) {
+    return {reinterpret_cast<const char *>(text.utf16()), text.size() * qsizetype(sizeof(QChar))};
+}
+
 QString cut(QString line) {
     if (line.size() > maxLine)
         line = line.first(maxLine) + u"…"_s;
@@ -123,30 +130,46 @@ void DevOutput::show(const AssistantText &message) {
     endReply();
 }
 
+void DevOutput::Printed::add(const QString &chunk) {
+    hash.addData(bytesOf(chunk));
+    length += chunk.size();
+}
+
+bool DevOutput::Printed::begins(const QString &output) const {
+    if (length == 0 || output.size() < length)
+        return false;
+    const auto beginning = bytesOf(QStringView(output).first(length)).toByteArray();
+    return QCryptographicHash::hash(beginning, QCryptographicHash::Sha1) == hash.result();
+}
+
 void DevOutput::show(const ToolCall &call) {
-    m_printed.insert(call.id, {});
     note(u"▸ %1  %2"_s.arg(oneLine(call.name), oneLine(call.summary)));
 }
 
 void DevOutput::show(const CommandOutput &output) {
-    m_printed[output.id] += output.chunk;
-    QString &partial = m_partial[output.id];
-    partial += output.chunk;
-    const auto end = partial.lastIndexOf(u'\n');
-    if (end < 0)
+    if (output.chunk.isEmpty())
         return;
-    note(quoted(partial.first(end)));
-    partial.remove(0, end + 1);
+    auto &printed = m_printed[output.id];
+    printed.add(output.chunk);
+    const auto before = printed.partial.size(), end = output.chunk.lastIndexOf(u'\n');
+    printed.partial += output.chunk;
+    if (end >= 0) {
+        note(quoted(printed.partial.first(before + end)));
+        printed.partial.remove(0, before + end + 1);
+    }
+    if (printed.partial.size() > maxPartial)
+        note(quoted(std::exchange(printed.partial, {})));
 }
 
 void DevOutput::show(const ToolResult &result) {
-    const QString printed = m_printed.take(result.id), partial = m_partial.take(result.id);
     QString rest = result.output;
-    // What came while it ran need not be said again, unless something was missing from it.
-    if (!printed.isEmpty() && rest.startsWith(printed))
-        rest = partial + rest.sliced(printed.size());
-    else if (!printed.isEmpty())
-        note(u"  ╵ 全部输出："_s);
+    if (const auto printed = m_printed.extract(result.id); !printed.empty()) {
+        // What came while it ran need not be said again, unless something was missing from it.
+        if (printed.mapped().begins(rest))
+            rest = printed.mapped().partial + rest.sliced(printed.mapped().length);
+        else
+            note(u"  ╵ 全部输出："_s);
+    }
     if (rest.trimmed().isEmpty())
         return;
     if (result.isError)

@@ -4,7 +4,9 @@
 #include "dev/DevEvent.h"
 #include "terminal/Console.h"
 
-#include <QHash>
+#include <QCryptographicHash>
+
+#include <map>
 
 namespace lmp {
 
@@ -42,13 +44,21 @@ private:
     void show(const dev_event::Interrupted &interrupted);
     void endReply();
 
+    /// Of a command that runs, what it printed: enough to know it again, and the line that is not complete.
+    struct Printed {
+        QCryptographicHash hash{QCryptographicHash::Sha1};
+        qsizetype length = 0;
+        QString partial = {};
+        void add(const QString &chunk);
+        bool begins(const QString &output) const;
+    };
+
     Console &m_console;
     DevEngineKind m_engine;
     bool m_jsonl;
-    QString m_streamed;                ///< of the message that is being said
-    bool m_endsWithLineFeed = true;    ///< of what went to standard output
-    QHash<QString, QString> m_printed; ///< of commands that run: all they printed
-    QHash<QString, QString> m_partial; ///< of it the line that is not complete
+    QString m_streamed;             ///< of the message that is being said
+    bool m_endsWithLineFeed = true; ///< of what went to standard output
+    std::map<QString, Printed> m_printed;
 };
 
 } // namespace lmp

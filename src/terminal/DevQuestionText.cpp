@@ -1,9 +1,15 @@
 #include "terminal/DevQuestionText.h"
 
 #include "core/Json.h"
+#include "dev/DevPermissionPolicy.h"
+#include "dev/DevTools.h"
 #include "dev/codex/CodexItem.h"
 
 #include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <utility>
 
 namespace lmp {
 
@@ -14,8 +20,9 @@ namespace {
 struct Edit {
     QString old_string = {};
     QString new_string = {};
+    JsonRest rest = {};
 };
-BOOST_DESCRIBE_STRUCT(Edit, (), (old_string, new_string))
+BOOST_DESCRIBE_STRUCT(Edit, (), (old_string, new_string, rest))
 
 /// What the tools of both agents are given, as far as it has a better form than JSON.
 struct Input {
@@ -47,79 +54,147 @@ QStringList marked(const QString &text, QChar sign) {
     return lines;
 }
 
+QString json(const JsonRest &rest) {
+    return QString::fromUtf8(Json::encode(boost::json::value(*rest.keys)));
+}
+
+/// What the agent says, where a line of ours could stand: its further lines cannot pass for one.
+QString inset(QString text) {
+    return text.replace(u'\n', u"\n  "_s);
+}
+
 QStringList replaced(const Edit &edit) {
-    return QStringList(u"@@"_s) + marked(edit.old_string, u'-') + marked(edit.new_string, u'+');
+    const QString head = edit.rest.keys ? u"@@ "_s + json(edit.rest) : u"@@"_s;
+    return QStringList(head) + marked(edit.old_string, u'-') + marked(edit.new_string, u'+');
+}
+
+QStringList heads(const QString &from, const QString &to) {
+    return {inset(u"--- "_s + from), inset(u"+++ "_s + to)};
+}
+
+/// A diff as it came, each line recognisable as a part of it.
+QStringList diffLines(const QString &diff) {
+    QStringList lines = diff.split(u'\n', Qt::SkipEmptyParts);
+    for (QString &line : lines) {
+        if (!QStringView(u" +-@\\").contains(line.front()))
+            line.prepend(u' ');
+    }
+    return lines;
 }
 
 QStringList change(const CodexFileChange &change) {
     const QString diff = change.diff.value_or(QString());
     const QString from = change.path, to = change.kind.move_path.value_or(change.path);
     if (change.kind.type == "add"_L1)
-        return QStringList{u"--- /dev/null"_s, u"+++ "_s + to} + marked(diff, u'+');
+        return heads(u"/dev/null"_s, to) + marked(diff, u'+');
     if (change.kind.type == "delete"_L1)
-        return QStringList{u"--- "_s + from, u"+++ /dev/null"_s} + marked(diff, u'-');
-    return QStringList{u"--- "_s + from, u"+++ "_s + to} + diff.split(u'\n', Qt::SkipEmptyParts);
+        return heads(from, u"/dev/null"_s) + marked(diff, u'-');
+    return heads(from, to) + diffLines(diff);
 }
 
-QStringList body(const Input &input) {
-    QStringList lines;
-    if (input.command)
-        lines << *input.command;
-    for (const CodexFileChange &one : input.changes.value_or(QList<CodexFileChange>()))
-        lines << change(one);
-    const auto path = input.file_path ? input.file_path : input.notebook_path;
-    if (path) {
-        lines << u"--- "_s + *path << u"+++ "_s + *path;
-        if (input.content)
-            lines << marked(*input.content, u'+');
-        if (input.new_source)
-            lines << marked(*input.new_source, u'+');
-        if (input.new_string)
-            lines << replaced({input.old_string.value_or(QString()), *input.new_string});
-        for (const Edit &edit : input.edits.value_or(QList<Edit>()))
-            lines << replaced(edit);
+/// Signs that a terminal acts on or shows nothing of.
+bool isUnseen(char32_t code) {
+    static constexpr std::array<char32_t, 8> blank = {0x034f, 0x115f, 0x1160, 0x17b4, 0x17b5, 0x3164, 0xffa0, 0xfffc};
+    switch (QChar::category(code)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        return std::ranges::find(blank, code) != blank.end() || (code >= 0xe0000 && code < 0xe1000);
     }
+}
+
+/// What a field holds, which is shown then and not once more at the end.
+template <class T>
+std::optional<T> take(std::optional<T> &field) {
+    return std::exchange(field, std::nullopt);
+}
+
+QStringList fileChange(Input &input) {
+    auto path = take(input.file_path);
+    if (!path)
+        path = take(input.notebook_path);
+    if (!path)
+        return {};
+    QStringList lines = heads(*path, *path);
+    if (const auto content = take(input.content))
+        lines << marked(*content, u'+');
+    if (const auto source = take(input.new_source))
+        lines << marked(*source, u'+');
+    if (input.old_string || input.new_string)
+        lines << replaced({.old_string = take(input.old_string).value_or(QString()),
+                           .new_string = take(input.new_string).value_or(QString())});
+    for (const Edit &edit : take(input.edits).value_or(QList<Edit>()))
+        lines << replaced(edit);
     return lines;
+}
+
+QStringList body(Input &input) {
+    QStringList lines;
+    if (const auto command = take(input.command))
+        lines << inset(*command);
+    for (const CodexFileChange &one : take(input.changes).value_or(QList<CodexFileChange>()))
+        lines << change(one);
+    return lines + fileChange(input);
+}
+
+/// Of a command's first word, where it is only named.
+constexpr qsizetype maxWord = 60;
+
+/// What "for this session" would allow, which is more than this one command.
+QString sessionNote(const QString &tool, const std::optional<QString> &command) {
+    const auto keys = DevPermissionPolicy::ruleKeys({.tool = tool, .command = command});
+    if (DevTools::kindOf(tool) != DevTools::Kind::bash || keys.isEmpty())
+        return {};
+    return u"\n（选 2 的话，这次会话里所有以「%1」开头的命令都会放行，高风险的除外）"_s.arg(
+        DevQuestionText::visible(keys.first().section(u':', 1).left(maxWord)));
 }
 
 } // namespace
 
 QString DevQuestionText::of(const DevPermissionRequest &request, const QString &engine) {
-    const auto input = Json::decode<Input>(request.input.toUtf8());
+    auto input = Json::decode<Input>(request.input.toUtf8());
+    const auto command = input ? input->command : std::nullopt;
     QStringList lines = input ? body(*input) : QStringList();
-    // Whatever it is, nothing of it is left out.
     if (lines.isEmpty()) {
-        lines << request.summary << request.input;
+        lines << inset(request.summary) << inset(request.input);
     } else {
-        if (!input->command)
-            lines.prepend(request.summary);
-        if (input->cwd)
-            lines << u"目录："_s + *input->cwd;
-        if (input->rest.keys)
-            lines << u"其他："_s + QString::fromUtf8(Json::encode(boost::json::value(*input->rest.keys)));
-        if (const auto why = input->reason ? input->reason : input->description)
-            lines << u"它说的理由："_s + *why;
+        if (!command)
+            lines.prepend(inset(request.summary));
+        if (const auto cwd = take(input->cwd))
+            lines << u"目录："_s + inset(*cwd);
+        const auto reason = take(input->reason), description = take(input->description);
+        // Whatever it is, nothing of it is left out.
+        const auto others = QString::fromUtf8(Json::encode(*input));
+        if (others != "{}"_L1)
+            lines << u"其他："_s + others;
+        for (const auto &why : {reason, description}) {
+            if (why)
+                lines << u"它说的理由："_s + inset(*why);
+        }
     }
-    return u"%1 想用 %2，要你同意：\n"_s.arg(engine, visible(request.tool)) + visible(lines.join(u'\n'));
+    return u"%1 想用 %2，要你同意：\n"_s.arg(engine, visible(inset(request.tool))) + visible(lines.join(u'\n')) +
+           sessionNote(request.tool, command);
 }
 
 QString DevQuestionText::visible(const QString &text) {
     QString shown;
     shown.reserve(text.size());
-    for (const QChar c : text) {
-        const auto code = c.unicode();
-        const bool turns = (code >= 0x200b && code <= 0x200f) || (code >= 0x202a && code <= 0x202e) ||
-                           (code >= 0x2060 && code <= 0x2069) || code == 0xfeff;
-        if (c == u'\n' || c == u'\t')
-            shown += c;
+    const auto codes = text.toUcs4();
+    for (const char32_t code : codes) {
+        if (code == U'\n' || code == U'\t')
+            shown += QChar(code);
         else if (code < 0x20)
             shown += QChar(0x2400 + code);
         else if (code == 0x7f)
             shown += QChar(0x2421);
-        else if (turns || (code >= 0x80 && code <= 0x9f))
-            shown += u"<U+%1>"_s.arg(code, 4, 16, QLatin1Char('0'));
+        else if (isUnseen(code))
+            shown += u"<U+%1>"_s.arg(uint(code), 4, 16, QLatin1Char('0'));
         else
-            shown += c;
+            shown += QStringView(QChar::fromUcs4(code));
     }
     return shown;
 }

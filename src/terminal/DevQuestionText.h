@@ -14,7 +14,7 @@ public:
     static QString of(const DevPermissionRequest &request, const QString &engine);
 
     /// `text` with everything visible that a terminal would act on or swallow, so that what is shown is what is asked
-    /// for: control characters as their pictures, those that change the direction of writing by their numbers.
+    /// for: control characters as their pictures, those that format or show nothing by their numbers.
     static QString visible(const QString &text);
 };
 

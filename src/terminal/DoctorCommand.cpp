@@ -2,7 +2,6 @@
 
 #include "core/Json.h"
 #include "dev/DevEngineRegistry.h"
-#include "dev/DevProcessRegistry.h"
 #include "platform/SystemClock.h"
 #include "terminal/DevOutput.h"
 
@@ -94,7 +93,6 @@ QCoro::Task<ExitCode> DoctorCommand::run(Console *console, bool json) {
                        sentence(DevOutput::name(DevEngineKind::codex), report.engines[1]) +
                        sentence(u"Lumenpair 中继"_s, report.engines[2]) + sentence(u"git"_s, report.git));
     }
-    co_await DevProcessRegistry::shared().quit();
     co_return ExitCode::Submitted;
 }
 

@@ -25,7 +25,8 @@ BOOST_DESCRIBE_STRUCT(Line, (), (kind, id, title, updatedAt, conversation, input
 struct Found {
     Drafts drafts;
     Inputs inputs;
-    bool complete = true; ///< everything could be read
+    QStringList spoilt = {}; ///< files that are no drafts
+    bool complete = true;    ///< everything could be read
 
     bool isEmpty() const { return drafts.isEmpty() && inputs.isEmpty(); }
     void only(const QString &id) {
@@ -48,6 +49,7 @@ std::optional<Found> find(Application *application, Console *console) {
     };
     if (auto drafts = application->drafts().list(user)) {
         found.drafts = std::move(drafts->entries);
+        found.spoilt += drafts->spoilt;
         if (drafts->unreadable > 0)
             miss(ConversationTexts::draftsKeptUnread(drafts->unreadable));
     } else {
@@ -55,12 +57,21 @@ std::optional<Found> find(Application *application, Console *console) {
     }
     if (auto inputs = application->inputs().list(*user)) {
         found.inputs = std::move(inputs->entries);
+        found.spoilt += inputs->spoilt;
         if (inputs->unreadable > 0)
             miss(ConversationTexts::inputsKeptUnread());
     } else {
         miss(ConversationTexts::inputUnreadable());
     }
     return found;
+}
+
+/// The files that are no drafts, without a word.
+QStringList spoiltNow(Application *application) {
+    const auto user = application->account().current();
+    const auto drafts = application->drafts().list(user);
+    const auto inputs = application->inputs().list(user.value_or(QString()));
+    return (drafts ? drafts->spoilt : QStringList()) + (inputs ? inputs->spoilt : QStringList());
 }
 
 /// The beginning of a text on one line.
@@ -131,6 +142,15 @@ QStringList remove(Application *application, const Found &found) {
     return failures;
 }
 
+QCoro::Task<bool> isSure(Console *console, StandardInput *input) {
+    console->note(u"丢弃以后找不回来。要丢弃，请输入“丢弃”。"_s);
+    const auto answer = co_await input->line(u"> "_s);
+    const bool sure = answer && answer->trimmed() == u"丢弃"_s;
+    if (!sure)
+        console->note(u"没有丢弃，都还在。"_s);
+    co_return sure;
+}
+
 } // namespace
 
 QCoro::Task<ExitCode> DraftCommands::list(Application *application, Console *console, bool json) {
@@ -146,6 +166,10 @@ QCoro::Task<ExitCode> DraftCommands::list(Application *application, Console *con
     for (const auto &entry : json ? Inputs() : found->inputs)
         console->reply(ConversationInputDraftStore::originalId(entry.id) + u'\t' + brief(contents(entry.input)) +
                        mark(entry) + u'\n');
+    for (const QString &path : found->spoilt)
+        console->error(u"读不出来："_s + path);
+    if (!found->spoilt.isEmpty())
+        console->note(u"用 lumenpair drafts discard --unreadable 可以丢弃这些文件。"_s);
     if (found->isEmpty() && found->complete)
         console->note(u"本机没有草稿。"_s);
     co_return found->complete ? ExitCode::Submitted : ExitCode::Failed;
@@ -178,21 +202,47 @@ QCoro::Task<ExitCode> DraftCommands::discard(Application *application, Console *
         console->error(u"本机没有这个编号的草稿。"_s);
         co_return ExitCode::Failed;
     }
-    if (!sure) {
+    if (!sure)
         print(console, *found);
-        console->note(u"丢弃以后找不回来。要丢弃，请输入“丢弃”。"_s);
-        const auto answer = co_await input->line(u"> "_s);
-        if (!answer || answer->trimmed() != u"丢弃"_s) {
-            console->note(u"没有丢弃，都还在。"_s);
-            co_return ExitCode::Stopped;
-        }
-    }
+    if (!sure && !co_await isSure(console, input))
+        co_return ExitCode::Stopped;
     const QStringList failures = remove(application, *found);
     for (const QString &text : failures)
         console->error(text);
     if (failures.isEmpty())
         console->note(u"已丢弃。"_s);
     co_return failures.isEmpty() ? ExitCode::Submitted : ExitCode::Failed;
+}
+
+QCoro::Task<ExitCode> DraftCommands::discardUnreadable(Application *application, Console *console, StandardInput *input,
+                                                       bool sure) {
+    if (const auto refused = co_await SessionGate::pass(application, console))
+        co_return *refused;
+    const auto found = find(application, console);
+    if (!found)
+        co_return ExitCode::Failed;
+    if (found->spoilt.isEmpty()) {
+        console->note(u"没有读不出来的草稿文件。"_s);
+        co_return ExitCode::Submitted;
+    }
+    for (const QString &path : found->spoilt)
+        console->note(path);
+    if (!sure && !co_await isSure(console, input))
+        co_return ExitCode::Stopped;
+    // While the person was asked a window may have put a draft into the place of one of them.
+    const QStringList still = spoiltNow(application);
+    bool all = true;
+    for (const QString &path : found->spoilt) {
+        if (!still.contains(path))
+            continue;
+        if (const auto removed = AtomicFile::remove(path); !removed) {
+            console->error(u"没能丢弃："_s + path + u'（' + removed.error().reason + u'）');
+            all = false;
+        }
+    }
+    if (all)
+        console->note(u"已丢弃。"_s);
+    co_return all ? ExitCode::Submitted : ExitCode::Failed;
 }
 
 } // namespace lmp

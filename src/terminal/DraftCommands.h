@@ -18,6 +18,9 @@ public:
     /// @param sure the person has said so on the command line
     static QCoro::Task<ExitCode> discard(Application *application, Console *console, StandardInput *input, QString id,
                                          bool sure);
+    /// Removes the files that are no drafts, after asking; `list` names them.
+    static QCoro::Task<ExitCode> discardUnreadable(Application *application, Console *console, StandardInput *input,
+                                                   bool sure);
 };
 
 } // namespace lmp

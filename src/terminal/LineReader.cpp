@@ -50,6 +50,7 @@ LineReader::~LineReader() {
 }
 
 void LineReader::prompt(const QString &text) {
+    ++m_prompts;
     m_prompt = text.toUtf8();
     m_isSecret = false;
     m_prompting = true;
@@ -58,6 +59,7 @@ void LineReader::prompt(const QString &text) {
 }
 
 void LineReader::promptSecret(const QString &text) {
+    ++m_prompts;
     std::fputs(text.toUtf8().constData(), stderr);
     m_secret.clear();
     m_isSecret = true;
@@ -104,7 +106,14 @@ void LineReader::deliver(std::optional<QString> text) {
     if (!text && !m_isSecret)
         std::fputc('\n', stderr);
     // Later, since the editor is still inside its own call.
-    QMetaObject::invokeMethod(this, [this, text = std::move(text)] { Q_EMIT line(text); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this, text = std::move(text), prompt = m_prompts] {
+            // Another question may stand there by now, and this is no answer to it.
+            if (prompt == m_prompts)
+                Q_EMIT line(text);
+        },
+        Qt::QueuedConnection);
 }
 
 void LineReader::readSecret() {

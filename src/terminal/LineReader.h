@@ -37,6 +37,7 @@ private:
     QSocketNotifier m_input;
     QByteArray m_prompt; ///< the editor keeps a pointer to it
     QByteArray m_secret;
+    int m_prompts = 0; ///< so far
     bool m_prompting = false;
     bool m_isSecret = false;
 };

@@ -1,5 +1,7 @@
 #include "terminal/StandardInput.h"
 
+#include <QStringDecoder>
+
 #include <cerrno>
 #include <unistd.h>
 #include <utility>
@@ -18,12 +20,16 @@ StandardInput::StandardInput(const Console &console)
 }
 
 QCoro::Task<std::optional<QString>> StandardInput::line(QString prompt) {
+    if (m_waiting)
+        cancel();
     if (m_editor)
         m_editor->prompt(prompt);
     return wait();
 }
 
 QCoro::Task<std::optional<QString>> StandardInput::secret(QString prompt) {
+    if (m_waiting)
+        cancel();
     if (m_editor)
         m_editor->promptSecret(prompt);
     return wait();
@@ -37,6 +43,7 @@ QCoro::Task<std::optional<QString>> StandardInput::everything() {
 QCoro::Task<std::optional<QString>> StandardInput::wait() {
     const Answer coming;
     m_waiting = coming;
+    m_trouble = Trouble::None;
     if (!m_editor && !takeLine())
         m_pipe.setEnabled(true);
     co_return co_await coming;
@@ -61,14 +68,22 @@ void StandardInput::onReadable() {
 }
 
 bool StandardInput::takeLine() {
-    if (m_buffer.size() > maxBytes) {
+    if (m_whole)
+        return takeAll();
+    const auto end = m_buffer.indexOf('\n');
+    const bool isTooLong = end < 0 ? m_buffer.size() > maxBytes : end > maxBytes;
+    if (isTooLong || m_skipping) {
+        m_buffer.remove(0, end < 0 ? m_buffer.size() : end + 1);
+        m_skipping = end < 0 && !m_ended;
+        if (m_skipping)
+            return false;
+        m_trouble = Trouble::TooLong;
         answer(std::nullopt);
         return true;
     }
-    const auto end = m_whole ? -1 : m_buffer.indexOf('\n');
     if (end < 0 && !m_ended)
         return false;
-    if (end < 0 && m_buffer.isEmpty() && !m_whole) {
+    if (end < 0 && m_buffer.isEmpty()) {
         answer(std::nullopt);
         return true;
     }
@@ -77,8 +92,23 @@ bool StandardInput::takeLine() {
         m_buffer.remove(0, end + 1);
     if (line.endsWith('\r'))
         line.chop(1);
-    answer(QString::fromUtf8(line));
+    answerWith(std::move(line));
     return true;
+}
+
+bool StandardInput::takeAll() {
+    if (m_buffer.size() > maxBytes)
+        answer(std::nullopt);
+    else if (m_ended)
+        answerWith(std::exchange(m_buffer, {}));
+    return m_ended || m_buffer.size() > maxBytes;
+}
+
+void StandardInput::answerWith(QByteArray bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder(bytes);
+    m_trouble = decoder.hasError() ? Trouble::NotText : Trouble::None;
+    answer(std::move(text));
 }
 
 void StandardInput::answer(std::optional<QString> text) {

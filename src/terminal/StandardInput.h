@@ -14,13 +14,20 @@ namespace lmp {
 
 /// What the person types or a pipe delivers, line by line or whole, read while the event loop runs.
 ///
-/// UI thread, one reader at a time. On a terminal lines are edited and secrets are not echoed; in a pipe prompts are
-/// left out.
+/// UI thread, one reader at a time: whoever still waits when another begins gets none. On a terminal lines are edited
+/// and secrets are not echoed; in a pipe prompts are left out.
 class StandardInput : public QObject {
     Q_OBJECT
 public:
     /// More than this is no message but an accident.
     static constexpr qsizetype maxBytes = 4 * 1024 * 1024;
+
+    /// What was wrong with the last line.
+    enum class Trouble {
+        None,
+        TooLong, ///< it is left out, and none is the answer though more may come
+        NotText  ///< the answer has signs in place of what is no UTF-8
+    };
 
     explicit StandardInput(const Console &console);
 
@@ -33,6 +40,7 @@ public:
 
     /// Ends the wait under way, if any, without an answer.
     void cancel();
+    Trouble trouble() const { return m_trouble; }
     bool isWaiting() const { return m_waiting.has_value(); }
 
 private:
@@ -40,6 +48,8 @@ private:
     QCoro::Task<std::optional<QString>> wait();
     void onReadable();
     bool takeLine();
+    bool takeAll();
+    void answerWith(QByteArray bytes);
     void answer(std::optional<QString> text);
 
     bool m_isTerminal;
@@ -48,6 +58,8 @@ private:
     QByteArray m_buffer;
     bool m_ended = false;
     bool m_whole = false;
+    bool m_skipping = false; ///< up to the end of a line that is too long
+    Trouble m_trouble = Trouble::None;
     std::optional<Answer> m_waiting;
 };
 

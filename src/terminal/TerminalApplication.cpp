@@ -1,6 +1,8 @@
 #include "terminal/TerminalApplication.h"
 
 #include "core/Detach.h"
+#include "dev/DevProcessRegistry.h"
+#include "platform/ProcessPrivacy.h"
 #include "terminal/AccountCommands.h"
 #include "terminal/ConversationCommands.h"
 #include "terminal/CrisisCommand.h"
@@ -29,7 +31,7 @@ TerminalApplication::~TerminalApplication() = default;
 
 Application::Options TerminalApplication::options(const CommandLine &line, std::chrono::nanoseconds processStartAt) {
     const QString site = line.site.isEmpty() && !line.sandbox ? qEnvironmentVariable("LMP_SITE") : line.site;
-    const QString token = qEnvironmentVariable("LMP_TOKEN");
+    const QString token = ProcessPrivacy::take("LMP_TOKEN");
     const bool crisis = line.command == CommandLine::Command::Crisis;
     return {.site = site,
             .profile = line.profile,
@@ -48,8 +50,12 @@ int TerminalApplication::run() {
 QCoro::Task<> TerminalApplication::main() {
     if (m_line.isLocal()) {
         const ExitCode code = co_await localCommand();
+        m_localEnded = true;
+        co_await m_console.drained();
+        // However it ended, nothing that it started outlives it.
+        co_await DevProcessRegistry::shared().quit();
         m_dev.reset();
-        QCoreApplication::exit(int(code));
+        QCoreApplication::exit(int(m_localStopped ? ExitCode::Stopped : code));
         co_return;
     }
     const auto opened = co_await m_application.open();
@@ -102,7 +108,9 @@ QCoro::Task<ExitCode> TerminalApplication::command() {
     case CommandLine::Command::DraftShow:
         return DraftCommands::show(&m_application, &m_console, m_line.draftId, m_line.draftJson);
     case CommandLine::Command::DraftDiscard:
-        return DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
+        return m_line.discardUnreadable
+                   ? DraftCommands::discardUnreadable(&m_application, &m_console, &m_input, m_line.discardSurely)
+                   : DraftCommands::discard(&m_application, &m_console, &m_input, m_line.draftId, m_line.discardSurely);
     case CommandLine::Command::Memory:
         return MemoryCommands::run(&m_application, &m_console, &m_input, m_line.memory);
     case CommandLine::Command::Crisis:
@@ -126,11 +134,22 @@ QCoro::Task<ExitCode> TerminalApplication::localCommand() {
 void TerminalApplication::onSignal(int signal) {
     if (m_chat && m_chat->interrupt(signal != SIGINT))
         return;
-    if (m_dev && m_dev->interrupt(signal != SIGINT))
-        return;
+    if (m_line.isLocal())
+        return onLocalSignal(signal);
     // Nothing is under way that could be lost, so nobody needs to wait for it.
     m_input.cancel();
     QCoreApplication::exit(int(ExitCode::Stopped));
+}
+
+void TerminalApplication::onLocalSignal(int signal) {
+    if (m_localEnded)
+        return m_console.silence();
+    if (m_dev)
+        return m_dev->interrupt(signal != SIGINT);
+    // The command ends with what it runs.
+    m_localStopped = true;
+    m_console.silence();
+    detach(DevProcessRegistry::shared().quit(), "the end of a local command");
 }
 
 } // namespace lmp

@@ -33,6 +33,7 @@ private:
     QCoro::Task<ExitCode> localCommand();
     void followNotices();
     void onSignal(int signal);
+    void onLocalSignal(int signal);
     static Application::Options options(const CommandLine &line, std::chrono::nanoseconds processStartAt);
 
     CommandLine m_line;
@@ -43,6 +44,8 @@ private:
     std::unique_ptr<ChatCommand> m_chat;     ///< while it runs
     std::unique_ptr<SignInCommand> m_signIn; ///< while it runs
     std::unique_ptr<DevCommand> m_dev;       ///< while it runs
+    bool m_localEnded = false;               ///< only what it said is still being written
+    bool m_localStopped = false;             ///< by a signal
 };
 
 } // namespace lmp

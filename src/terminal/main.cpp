@@ -1,3 +1,4 @@
+#include "platform/ProcessPrivacy.h"
 #include "terminal/TerminalApplication.h"
 
 #include <QCoreApplication>
@@ -24,6 +25,7 @@ void openMissingStreams() {
 
 int main(int argc, char **argv) {
     const auto start = lmp::SystemClock().monotonic();
+    lmp::ProcessPrivacy::begin();
     openMissingStreams();
     std::setlocale(LC_ALL, "");
     auto line = lmp::CommandLine::parse(argc, argv);

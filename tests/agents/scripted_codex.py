@@ -4,6 +4,7 @@
 import json
 import subprocess
 import sys
+import threading
 
 
 def say(**message):
@@ -14,23 +15,73 @@ COMMAND = "make \u001b[8mhidden"
 ASK = "item/commandExecution/requestApproval"
 
 
+running = False
+
+
 def begin(text):
     """What a turn does at once: its words decide."""
+    global running
+    running = True
     if "die" in text:
         sys.exit(3)
     if "wait" in text:
         say(method="item/agentMessage/delta", params={"itemId": "m", "delta": "thinking"})
     elif "ask" in text:
-        say(method="item/started", params={"item": {"type": "commandExecution", "id": "c", "command": COMMAND}})
-        say(id=0, method=ASK, params={"itemId": "c", "command": COMMAND, "reason": "because"})
+        ask()
+    elif "late" in text:
+        finish("hello")
+        on_word(ask)
+    elif "moan" in text:
+        finish("hello")
+        say(method="error", params={"error": {"message": "alas"}, "willRetry": False})
+    elif "change" in text:
+        ask()
+        on_word(change_mind)
+    elif "print" in text:
+        pieces = [str(number % 10) * 1024 for number in range(64)]
+        say(method="item/started", params={"item": {"type": "commandExecution", "id": "p", "command": "yes"}})
+        for piece in pieces:
+            say(method="item/commandExecution/outputDelta", params={"itemId": "p", "delta": piece})
+        done = {"type": "commandExecution", "id": "p", "status": "completed", "exitCode": 0}
+        say(method="item/completed", params={"item": {**done, "aggregatedOutput": "".join(pieces) + "\nthe end"}})
+        finish("hello")
+    elif "flood" in text:
+        for _ in range(500):
+            say(method="item/agentMessage/delta", params={"itemId": "m", "delta": "x" * 1024})
+        open("flooded", "w", encoding="utf-8").close()
     else:
         finish("hello")
 
 
+def ask():
+    say(method="item/started", params={"item": {"type": "commandExecution", "id": "c", "command": COMMAND}})
+    say(id=0, method=ASK, params={"itemId": "c", "command": COMMAND, "reason": "because"})
+
+
+def change_mind():
+    say(method="serverRequest/resolved", params={"threadId": "thread", "requestId": 0})
+    finish("never mind")
+
+
+def on_word(act):
+    """Acts as soon as anything is written to the pipe "word" in the repository."""
+
+    def wait():
+        with open("word", encoding="utf-8") as word:
+            word.read()
+        act()
+
+    threading.Thread(target=wait, daemon=True).start()
+
+
 def finish(words, status="completed"):
+    """Ends the turn; what is answered after it ends no other."""
+    global running
     if words:
         say(method="item/completed", params={"item": {"type": "agentMessage", "id": "m", "text": words}})
-    say(method="turn/completed", params={"turn": {"id": "turn", "status": status}})
+    if running:
+        running = False
+        say(method="turn/completed", params={"turn": {"id": "turn", "status": status}})
 
 
 def main():
@@ -48,6 +99,8 @@ def main():
             say(id=number, result={"account": {"type": "apiKey"}, "requiresOpenaiAuth": True})
         elif method in ("thread/start", "thread/resume"):
             say(id=number, result={"thread": {"id": "thread", "model": "script"}})
+        elif method == "turn/start" and "refuse" in message["params"]["input"][0]["text"]:
+            say(id=number, error={"code": -32600, "message": "not now"})
         elif method == "turn/start":
             say(id=number, result={"turn": {"id": "turn"}})
             begin(message["params"]["input"][0]["text"])

@@ -4,6 +4,7 @@
 #include "core/Json.h"
 
 #include "support/Await.h"
+#include "support/FileThreadEnd.h"
 #include "support/ManualClock.h"
 #include "support/StubServer.h"
 
@@ -86,6 +87,7 @@ protected:
 
     StubServer server;
     QTemporaryDir folder;
+    FileThreadEnd files;
     ManualClock clock;
     std::optional<QString> user = QStringLiteral("u1");
     QString signIn = QStringLiteral("s1");

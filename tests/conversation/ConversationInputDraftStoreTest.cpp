@@ -116,6 +116,52 @@ TEST_F(ConversationInputDraftStoreTest, WhatCannotBeReadStays) {
     EXPECT_EQ((*store.read(user, u"c"_s))->input.text, u"新"_s);
 }
 
+TEST_F(ConversationInputDraftStoreTest, WhatWasMovedAsideIsItsAccounts) {
+    ASSERT_TRUE(save(entry(u"c"_s, u"x"_s), {}));
+    damage("{");
+    EXPECT_EQ(store.list(u"u2"_s)->unreadable, 1) << "whose it is cannot be known";
+    ASSERT_TRUE(save(entry(u"c"_s, u"新"_s), {}));
+    const auto mine = store.list(user);
+    ASSERT_EQ(mine->spoilt.size(), 1);
+    EXPECT_EQ(AtomicFile::read(mine->spoilt[0]), QByteArray("{"));
+    EXPECT_EQ(store.list(u"u2"_s)->unreadable, 0);
+    ASSERT_TRUE(QFile::remove(mine->spoilt[0]));
+    EXPECT_EQ(store.list(user)->unreadable, 0);
+}
+
+TEST_F(ConversationInputDraftStoreTest, WhoHasReadNothingReplacesNothing) {
+    ASSERT_TRUE(save(entry(u"c"_s, u"x"_s), {}));
+    damage(
+        R"({"id":"c","title":"","cloudRevision":0,"updatedAt":"","input":{"text":"手写的","parts":[],"intent":""}})");
+    EXPECT_EQ(save(entry(u"c"_s, u"新"_s), {}), std::unexpected(Error::changedElsewhere));
+    EXPECT_EQ(save(entry(u"c"_s, {}), {}), std::unexpected(Error::changedElsewhere));
+    const auto read = store.read(user, u"c"_s).value();
+    EXPECT_EQ(read->input.text, u"手写的"_s);
+    EXPECT_TRUE(save(entry(u"c"_s, u"新"_s), read->writeId)) << "whoever has read it may";
+}
+
+TEST_F(ConversationInputDraftStoreTest, EachServiceHasItsOwn) {
+    const Store other(ApplicationSupport::at(folder.path()), u"https://other.invalid"_s);
+    ASSERT_TRUE(save(entry(u"c"_s, u"这里的"_s), {}));
+    EXPECT_EQ(other.read(user, u"c"_s).value(), std::nullopt);
+    EXPECT_TRUE(other.list(user)->entries.isEmpty());
+    ASSERT_TRUE(other.save(user, entry(u"c"_s, u"那里的"_s), {}, clock.now()));
+    EXPECT_EQ(store.read(user, u"c"_s).value()->input.text, u"这里的"_s);
+    EXPECT_EQ(store.list(user)->entries.size(), 1);
+}
+
+TEST_F(ConversationInputDraftStoreTest, CopiesAreToldApart) {
+    const QString one = Store::copyId(u"c"_s), other = Store::copyId(u"c"_s);
+    EXPECT_NE(one, other);
+    for (const auto &[id, original] :
+         std::initializer_list<std::pair<QString, QString>>{{one, u"c"_s},
+                                                            {u"c copy"_s, u"c"_s},
+                                                            {u"c"_s, u"c"_s},
+                                                            {u"c copying"_s, u"c copying"_s},
+                                                            {u" copy"_s, u" copy"_s}})
+        EXPECT_EQ(Store::originalId(id), original) << id.toStdString();
+}
+
 TEST_F(ConversationInputDraftStoreTest, WhatIsNoneOfOursIsNeitherReadNorReplaced) {
     ASSERT_TRUE(save(entry(u"c"_s, u"我的"_s), {}));
     const QString path = folder.filePath(u"UnsentInput/v1/"_s + files().value(0));

@@ -21,6 +21,12 @@ TEST_F(DraftTrialsTest, AKilledProgramLosesNoSave) {
     EXPECT_GT(result.acknowledged, 0);
 }
 
+TEST_F(DraftTrialsTest, AKilledProgramLosesNothingThatItSent) {
+    const auto result = DraftTrials::killSends(folder.filePath(QStringLiteral("x")), 8);
+    EXPECT_EQ(result.lost, 0);
+    EXPECT_GT(result.typed, 8);
+}
+
 TEST_F(DraftTrialsTest, EveryCallOfASaveMayFail) {
     const auto result = DraftTrials::grid(folder.path());
     EXPECT_EQ(result.wrong.toStdString(), "");

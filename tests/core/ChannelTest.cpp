@@ -54,8 +54,8 @@ QCoro::Task<> noteEnd(Channel<int> channel, std::stop_token stop, int *ends) {
     ++*ends;
 }
 
-QCoro::Task<> notePush(Channel<int> channel, int *taken, int *refused) {
-    ++*(co_await channel.push(7) ? taken : refused);
+QCoro::Task<> notePush(Channel<int> channel, int *taken, int *refused, std::size_t weight = 1) {
+    ++*(co_await channel.push(7, weight) ? taken : refused);
 }
 
 TEST(Channel, CarriesEverythingInOrderAcrossThreads) {
@@ -93,6 +93,53 @@ TEST(Channel, HoldsTheProducerBack) {
         channel.tryNext();
     EXPECT_EQ(calls, 2); // nobody was turned away since
     EXPECT_EQ(channel.tryNext(), std::nullopt);
+}
+
+/// What is heavier than the half that is free when the producer is told needs more than to be told.
+TEST(Channel, AHeavyItemIsNotLost) {
+    const Channel<int> channel(10);
+    QList<int> order;
+    int taken = 0, refused = 0, calls = 0;
+    channel.whenRoom([&calls] { ++calls; });
+    const auto push = [&channel](int item, std::size_t weight) {
+        return channel.tryPush(item, weight);
+    };
+    EXPECT_EQ(push(1, 4), Channel<int>::Pushed::Taken);
+    EXPECT_EQ(push(2, 4), Channel<int>::Pushed::Taken);
+    detach(notePush(channel, &taken, &refused, 8), "pushing");
+    EXPECT_EQ(push(3, 0), Channel<int>::Pushed::Taken); // beside the one that waits
+    for (const int expected : {1, 2}) {
+        EXPECT_EQ(channel.tryNext(), expected);
+        settle();
+    }
+    EXPECT_EQ(taken, 1);
+    EXPECT_EQ(channel.tryNext(), 3);
+    EXPECT_EQ(channel.tryNext(), 7);
+
+    // The room that the producer was told of is gone again before it looks.
+    EXPECT_EQ(push(4, 10), Channel<int>::Pushed::Taken);
+    detach(notePush(channel, &taken, &refused, 8), "pushing");
+    EXPECT_EQ(channel.tryNext(), 4);
+    EXPECT_EQ(push(5, 4), Channel<int>::Pushed::Taken);
+    settle();
+    EXPECT_EQ(taken, 1);
+    EXPECT_EQ(channel.tryNext(), 5);
+    settle();
+    EXPECT_EQ(taken, 2);
+    EXPECT_EQ(channel.tryNext(), 7);
+
+    // Who asks again by itself is told when that is of use.
+    calls = 0;
+    for (const int item : {6, 8})
+        EXPECT_EQ(push(item, 4), Channel<int>::Pushed::Taken);
+    EXPECT_EQ(push(9, 8), Channel<int>::Pushed::Full);
+    channel.tryNext();
+    EXPECT_EQ(calls, 0);
+    channel.tryNext();
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(push(9, 100), Channel<int>::Pushed::Taken);
+    EXPECT_EQ(push(10, 0), Channel<int>::Pushed::Taken); // over and above
+    EXPECT_EQ(refused, 0);
 }
 
 TEST(Channel, EitherSideMayGoFirst) {

@@ -1,7 +1,6 @@
 #include "dev/codex/CodexEngine.h"
 
-#include "dev/DevProcessRegistry.h"
-#include "dev/EventText.h"
+#include "dev/AgentScene.h"
 #include "dev/FakeAgent.h"
 #include "support/Await.h"
 
@@ -16,65 +15,14 @@ using ::testing::StartsWith;
 
 namespace {
 
-enum class Act { respond, send, interrupt };
+using Act = AgentScene::Act;
+using Seen = AgentScene::Seen;
+using Reaction = AgentScene::Reaction;
 
-/// What to do once an event has come.
-struct Reaction {
-    QString at = {}; ///< how the event's text begins
-    Act act = Act::respond;
-    DevPermissionDecision decision = {};
-    QString id = {}; ///< of the question; empty is the event's own
-};
+const QStringList turnEnds = {u"done"_s, u"interrupted"_s, u"failed"_s};
 
-struct Scene {
-    QByteArray recording = {};
-    DevMode mode = DevMode::acceptEdits;
-    std::optional<QString> resume = {};
-    QList<Reaction> reactions = {}; ///< in the order in which they are due
-    int turns = 1;                  ///< after which the session is stopped
-};
-
-struct Seen {
-    std::string events; ///< a line each
-    QStringList received;
-};
-
-QCoro::Task<> react(DevEngine *engine, Reaction reaction, DevEvent event) {
-    switch (reaction.act) {
-    case Act::respond:
-        co_await engine->respond(reaction.id.isEmpty() ? std::get<DevPermissionRequest>(event).id : reaction.id,
-                                 reaction.decision);
-        break;
-    case Act::send:
-        EXPECT_TRUE((co_await engine->send(u"After"_s)).has_value());
-        break;
-    case Act::interrupt:
-        co_await engine->interrupt();
-    }
-}
-
-bool endsTurn(const QString &text) {
-    return text.startsWith("done"_L1) || text == "interrupted"_L1 || text.startsWith("failed"_L1);
-}
-
-QCoro::Task<QStringList> play(DevEngine *engine, Scene scene, QString folder) {
-    QStringList seen;
-    const auto session = co_await engine->start(
-        {.cwd = QUrl::fromLocalFile(folder), .resume = scene.resume, .mode = scene.mode, .model = std::nullopt});
-    if (!session)
-        co_return QStringList(session.error().message);
-    const auto sent = co_await engine->send(u"go"_s);
-    EXPECT_TRUE(sent.has_value());
-    while (const auto event = co_await session->events.next()) {
-        const QString text = eventText(*event);
-        seen.append(text);
-        if (!scene.reactions.isEmpty() && text.startsWith(scene.reactions.first().at))
-            co_await react(engine, scene.reactions.takeFirst(), *event);
-        scene.turns -= endsTurn(text);
-        if (scene.turns == 0)
-            co_await engine->stop();
-    }
-    co_return seen;
+DevEngine::Handle codex(const QString &program) {
+    return DevEngine::make<CodexEngine>(program, CodexEngine::Limits());
 }
 
 constexpr auto greeting = R"({"in":1}
@@ -97,27 +45,13 @@ const std::string begun = "session t m\nnotice Codex 线程已建：模型 m\n";
 
 class CodexEngineTest : public ::testing::Test {
 protected:
-    static Seen played(const Scene &scene) {
-        const FakeAgent agent(scene.recording);
-        const auto engine = DevEngine::make<CodexEngine>(agent.program(), CodexEngine::Limits());
-        const auto events = await(play(engine.get(), scene, agent.folder()));
-        // What was written last may not have been read yet.
-        const auto ended = [] {
-            return DevProcessRegistry::shared().liveCount() == 0;
-        };
-        EXPECT_TRUE(eventually(ended));
-        QString text = events.join(u'\n');
-        return {text.replace(agent.folder(), u"REPO"_s).toStdString(), agent.received()};
+    static Seen played(AgentScene scene) {
+        scene.turnEnds = turnEnds;
+        return scene.play(&codex);
     }
-    /// Plays it twice, so that nothing of the first time is left for the second.
-    /// @param skipped lines at the beginning
-    static Seen twice(const Scene &scene, const std::string &expected, int skipped = 0) {
-        Seen seen;
-        for (int round = 0; round < 2; ++round) {
-            seen = played(scene);
-            EXPECT_EQ(QString::fromStdString(seen.events).section(u'\n', skipped).toStdString(), expected);
-        }
-        return seen;
+    static Seen twice(AgentScene scene, const std::string &expected, int skipped = 0) {
+        scene.turnEnds = turnEnds;
+        return scene.twice(&codex, expected, skipped);
     }
 };
 
@@ -235,10 +169,22 @@ TEST_F(CodexEngineTest, OutputThatIsBroken) {
 )",
              "calls bash make\ndone -1+-1\noutput x\nerror \n[exit 2]\ncalls web_search q\nresult \n"
              "failed codex app-server 退出了："},
+            // One that has closed its output is ended, since nothing more can come from it.
+            {QByteArray(done) + "{\"close\":1}\n", "done -1+-1\nfailed codex app-server 退出了："},
         }) {
         const bool goesOn = events.find("退出了") != std::string::npos;
         twice({.recording = start + steps, .turns = goesOn ? 9 : 1}, begun + events);
     }
+}
+
+/// Also of what came together with the answer that began it.
+TEST_F(CodexEngineTest, TheStreamBeginsWithItsSession) {
+    const QByteArray together =
+        R"({"raw":"{\"id\":3,\"result\":{\"thread\":{\"id\":\"t\"},\"model\":\"m\"}}\n{\"method\":\"error\",\"params\":{\"error\":{\"message\":\"early\"}}}\n"}
+{"in":1}
+{"out":{"id":4,"result":{"turn":{"id":"u"}}}}
+)";
+    twice({.recording = greeting + together + done, .turns = 2}, begun + "failed early\ndone -1+-1");
 }
 
 TEST_F(CodexEngineTest, StartsThatFail) {
@@ -301,6 +247,16 @@ TEST_F(CodexEngineTest, Questions) {
                  R"({"decision":"accept"})"},
              Row{command + R"({"command":"/bin/bash -lc 'git push'"}}})", DevMode::full, deny, "asks bash git push\n",
                  R"({"decision":"decline"})"},
+             // The model chose where it runs, so that the name of the file alone tells little.
+             Row{command + R"({"command":"cat config","cwd":"/home/u/.ssh"}}})", DevMode::full, deny,
+                 "asks bash cat config\n", R"({"decision":"decline"})"},
+             Row{command + R"({"command":"cat shadow","cwd":"/etc"}}})", DevMode::full, deny, "asks bash cat shadow\n",
+                 R"({"decision":"decline"})"},
+             Row{command + R"({"command":"cat shadow","cwd":"/home/u/app"}}})",
+                 DevMode::full,
+                 {},
+                 "",
+                 R"({"decision":"accept"})"},
              Row{command + R"({"command":"ls"}}})",
                  DevMode::readOnly,
                  {},
@@ -313,6 +269,8 @@ TEST_F(CodexEngineTest, Questions) {
              Row{change + "null}}}", DevMode::acceptEdits, {}, call, R"({"decision":"accept"})"},
              Row{change + R"("/etc"}}})", DevMode::full, always, call + "asks apply_patch 要在仓库外写文件：/etc\n",
                  R"({"decision":"acceptForSession"})"},
+             Row{change + R"(".ssh"}}})", DevMode::full, deny, call + "asks apply_patch a.txt\n",
+                 R"({"decision":"decline"})"},
              Row{change + R"("/etc"}}})", DevMode::readOnly, {}, call + onlyRead, R"({"decision":"decline"})"},
              Row{more, DevMode::full, always, "asks request_permissions 要更多权限：why\n",
                  R"({"decision":"acceptForSession","permissions":{"network":{"enabled":true}},"scope":"session"})"},
@@ -326,8 +284,8 @@ TEST_F(CodexEngineTest, Questions) {
              Row{named("Read").replace(".ssh/x", "x"), DevMode::readOnly, {}, onlyRead, R"({"action":"decline"})"},
          }) {
         SCOPED_TRACE(row.request.toStdString() + " " + std::to_string(int(row.mode)));
-        Scene scene{.recording = QByteArray(greeting) + thread + row.request + "\n{\"in\":1}\n" + done,
-                    .mode = row.mode};
+        AgentScene scene{.recording = QByteArray(greeting) + thread + row.request + "\n{\"in\":1}\n" + done,
+                         .mode = row.mode};
         if (row.decision)
             scene.reactions = {{u"asks"_s, Act::respond, *row.decision}};
         const auto seen = played(scene);
@@ -353,6 +311,8 @@ TEST_F(CodexEngineTest, WhatIsSaidToCodex) {
                .reactions = {{u"notice Codex 发"_s, Act::respond, DevPermissionDecision::allowOnce(), u"1"_s}}},
               begun + "asks bash git push\nnotice Codex 发来了工作台还不支持的请求：item/tool/call\n"
                       "done -1+-1");
+    EXPECT_EQ(seen.waited, QList<bool>{false});
+    EXPECT_EQ(seen.withdrawn, QStringList{u"1"_s});
     ASSERT_EQ(seen.received.size(), 7);
     EXPECT_EQ(seen.received.at(0), u"[\"app-server\"]"_s);
     EXPECT_THAT(seen.received.at(1).toStdString(),

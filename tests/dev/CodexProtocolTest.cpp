@@ -1,5 +1,9 @@
 #include "dev/codex/CodexCommand.h"
 #include "dev/codex/CodexItems.h"
+#include "dev/codex/CodexQuestion.h"
+
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -27,6 +31,54 @@ TEST(CodexProtocolTest, TheShellAroundACommand) {
              Row{u"notbash -lc 'x'"_s, u"notbash -lc 'x'"_s},
          })
         EXPECT_EQ(codex_command::withoutShell(given), inner);
+}
+
+TEST(CodexProtocolTest, KeepsNoMessageWithoutEnd) {
+    CodexItems items;
+    CodexItems::Events events;
+    for (int piece = 0; piece < 40; ++piece)
+        items.messageDelta({.itemId = u"m"_s, .delta = QString(100'000, u'x')}, events);
+    EXPECT_EQ(events.size(), 40U);
+    events.clear();
+    items.closeAll(events);
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(std::get<dev_event::AssistantText>(events.front()).text.size(), 1024 * 1024);
+}
+
+/// Which changes of files leave the repository, and so are put to the user in every mode.
+TEST(CodexProtocolTest, WhatIsOutside) {
+    const QTemporaryDir folder;
+    const QString repository = folder.filePath(u"repo"_s);
+    ASSERT_TRUE(QDir().mkpath(repository + u"/sub"_s));
+    ASSERT_TRUE(QFile::link(folder.filePath(u"not/there/yet"_s), repository + u"/out"_s));
+    ASSERT_TRUE(QFile::link(u"sub/new"_s, repository + u"/in"_s));
+    ASSERT_TRUE(QFile::link(u"loop"_s, repository + u"/loop"_s));
+    ASSERT_TRUE(QFile::link(repository, folder.filePath(u"alias"_s)));
+    struct Row {
+        QString path;
+        bool outside;
+    };
+    for (const auto &[path, outside] : {
+             Row{u"a.txt"_s, false},
+             Row{u"new/deep/a.txt"_s, false},
+             Row{repository + u"/a.txt"_s, false},
+             Row{folder.filePath(u"alias/a.txt"_s), false},
+             Row{u"in"_s, false},
+             Row{u"out"_s, true},
+             Row{u"loop"_s, true},
+             Row{u"sub/../../a.txt"_s, true},
+             Row{folder.filePath(u"repository"_s), true},
+             Row{u"/"_s, true},
+             Row{QString(5000, u'x'), true},
+         }) {
+        CodexItems items;
+        CodexItems::Events events;
+        items.started({.type = u"fileChange"_s, .id = u"f"_s, .changes = {{{.path = path, .kind = {u"add"_s}}}}},
+                      events);
+        const codex_message::Request request{.method = u"item/fileChange/requestApproval"_s,
+                                             .params = {{"itemId", "f"}}};
+        EXPECT_EQ(CodexQuestion::of(request, items, repository)->mustAsk, outside) << path.toStdString();
+    }
 }
 
 TEST(CodexProtocolTest, LinesOfAChange) {

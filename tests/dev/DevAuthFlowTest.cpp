@@ -86,9 +86,9 @@ TEST(DevAuthFlow, SignsIn) {
 {"type":"control_request","request_id":"lmp-2","request":{"subtype":"claude_oauth_wait_for_completion"}}
 )"},
         {DevEngineKind::codex, u"https://c.invalid/"_s,
-         R"({"id":1,"method":"initialize","params":{"clientInfo":{"name":"lumenpair","title":"Lumenpair","version":"0.1.0"}}}
-{"method":"initialized"}
-{"id":2,"method":"account/login/start","params":{"type":"chatgpt"}}
+         R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"clientInfo":{"name":"lumenpair","title":"Lumenpair","version":"0.1.0"},"capabilities":{"experimentalApi":true,"optOutNotificationMethods":[]}}}
+{"method":"initialized","params":{}}
+{"jsonrpc":"2.0","id":2,"method":"account/login/start","params":{"type":"chatgpt"}}
 )"}};
     for (int round = 0; round < 2; ++round) {
         for (const auto &[kind, url, heard] : cases) {

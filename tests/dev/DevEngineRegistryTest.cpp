@@ -106,4 +106,18 @@ TEST_F(DevEngineRegistryTest, OnlyTheLastProbeCounts) {
     EXPECT_EQ(registry.probedAt(), clock.now());
 }
 
+TEST_F(DevEngineRegistryTest, MayGoWhileItAsks) {
+    const auto atOnce = []() -> QCoro::Task<DevReadiness> {
+        co_return DevReadiness{.state = State::ready};
+    };
+    auto registry = std::make_unique<DevEngineRegistry>(
+        clock, DevEngineRegistry::Probes{{DevEngineKind::claude, atOnce}, {DevEngineKind::codex, atOnce}});
+    QObject::connect(registry.get(), &DevEngineRegistry::changed, registry.get(), [&registry] {
+        if (registry->readiness(DevEngineKind::claude).state == State::ready)
+            registry.reset();
+    });
+    await(registry->probe());
+    EXPECT_FALSE(registry);
+}
+
 } // namespace lmp

@@ -70,6 +70,12 @@ TEST(LoginShell, IsAskedForItsPath) {
     qputenv("HOME", scripts.folder().toUtf8());
     EXPECT_TRUE(LoginShell::askFor(shell, 10s).startsWith(u"/from/shell:"_s));
     EXPECT_EQ(scripts.read(u"args"_s), "-l -i -c\n");
+    const QString cShell = scripts.write(u"tcsh"_s, "#!/bin/sh\n[ \"$1\" = -c ] || exit 1\n"
+                                                    "PATH=/from/c/shell:$PATH exec /bin/sh -c \"$2\"\n");
+    EXPECT_TRUE(LoginShell::askFor(cShell, 10s).startsWith(u"/from/c/shell:"_s));
+    const QString talkative = scripts.write(u"talkative"_s, "#!/bin/sh\nhead -c 3000000 /dev/zero | tr '\\0' x\n"
+                                                            "PATH=/from/shell:$PATH exec /bin/sh -c \"$4\"\n");
+    EXPECT_TRUE(LoginShell::askFor(talkative, 10s).startsWith(u"/from/shell:"_s));
     EXPECT_EQ(LoginShell::askFor(scripts.write(u"mute"_s, "#!/bin/sh\nexit 1\n"), 10s), QString());
     EXPECT_EQ(LoginShell::askFor(scripts.path(u"absent"_s), 10s), QString());
     const auto begun = std::chrono::steady_clock::now();

@@ -2,6 +2,10 @@
 
 #include "core/Json.h"
 
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 namespace lmp {
@@ -44,6 +48,8 @@ TEST(DevPermissionPolicyTest, ToolsByModeAndKind) {
              Row{bash(u"git push origin main"_s), deny, ask, ask},
              Row{bash(u"cat .env"_s), ask, ask, ask},
              // A text that cannot be judged is asked about, whatever it seems to be.
+             Row{callOf(u"bash"_s, R"({"command":["git","push"]})"), deny, ask, ask},
+             Row{{.tool = u"Read"_s, .paths = {u"./"_s.repeated(2046) + u"a"_s}}, ask, ask, ask},
              Row{bash(u"ls "_s + QString(17 * 1024, u'a')), ask, ask, ask},
              Row{bash(u"echo "_s + u"$("_s.repeated(100) + u"x"_s + u")"_s.repeated(100)), ask, ask, ask},
          }) {
@@ -66,6 +72,24 @@ TEST(DevPermissionPolicyTest, WhatIsAllowedForTheSession) {
     EXPECT_EQ(judged(bash(u"npm ci"_s), DevMode::acceptEdits, {u"bash:npm test"_s}), Outcome::ask);
     EXPECT_EQ(judged(bash(u"npm publish"_s), DevMode::acceptEdits, {u"bash:npm"_s}), Outcome::ask);
     EXPECT_EQ(judged(bash(u"cat .env"_s), DevMode::full, {u"bash:cat"_s}), Outcome::ask);
+    EXPECT_EQ(judged(bash(u"cat <<E\nit's\nE\ngit -C . push"_s), DevMode::acceptEdits, {u"bash:cat"_s}), Outcome::ask);
+}
+
+TEST(DevPermissionPolicyTest, WhereALinkLeads) {
+    const QTemporaryDir folder;
+    const QString repository = QDir(folder.path()).canonicalPath();
+    ASSERT_TRUE(QDir(repository).mkdir(u"home"_s));
+    for (const auto &[name, target] :
+         {std::pair(u"loop"_s, u"loop"_s), {u"dangling"_s, u"home/.netrc"_s}, {u"later"_s, u"home/notes"_s}})
+        ASSERT_TRUE(QFile::link(repository + u'/' + target, repository + u'/' + name));
+    const auto outcome = [&](const QString &path) {
+        const Call call{.tool = u"Write"_s, .paths = {path}};
+        return DevPermissionPolicy().evaluate(call, DevMode::full, repository).outcome;
+    };
+    EXPECT_EQ(outcome(u"loop"_s), Outcome::ask);
+    EXPECT_EQ(outcome(u"dangling"_s), Outcome::ask);
+    EXPECT_EQ(outcome(u"later"_s), Outcome::allow);
+    EXPECT_EQ(outcome(u"new/folder/file"_s), Outcome::allow);
 }
 
 } // namespace lmp

@@ -12,6 +12,7 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -72,7 +73,7 @@ TEST(DevProcess, SaysWhyItCouldNotStart) {
     EXPECT_EQ(description({.program = u"sh"_s}), u"起不来：应用正在退出，未启动新的本地进程"_s);
 }
 
-/// What a tool could see of this program: its environment, descriptors and arguments, its own and its parent's.
+/// What a tool gets of this program: environment, descriptors and signals, its own and its guardian's.
 TEST(DevProcess, InheritsNoSecret) {
     Scripts scripts;
     for (const char *name : {"LMP_CANARY", "TOKEN_RELAY_URL", "ARK_API_KEY"})
@@ -81,31 +82,31 @@ TEST(DevProcess, InheritsNoSecret) {
     QFile secret(scripts.path(u"canary-in-descriptor"_s));
     ASSERT_TRUE(secret.open(QIODevice::ReadWrite));
     const int leaking = ::dup(secret.handle()); // without close-on-exec
-    const auto child = scripts.start(R"(#!/usr/bin/env python3
-import os, signal
+    const auto child = scripts.start(R"(#!/bin/sh
+while read -r line; do case $line in Sig[BI]*) echo "$line";; esac; done </proc/$$/status
+exec python3 - <<'END'
+import os
 me, parent = os.getpid(), os.getppid()
 for pid in (me, parent):
     print("environment", open(f"/proc/{pid}/environ").read())
-    print("arguments", open(f"/proc/{pid}/cmdline").read())
-    fds = os.listdir(f"/proc/{pid}/fd")
-    for fd in fds:
-        try: print("descriptor", fd, os.readlink(f"/proc/{pid}/fd/{fd}"))
-        except OSError: fds.remove(fd)
-    print("count", "own" if pid == me else "guardian", sorted(fds))
+    files = {}
+    for fd in os.listdir(f"/proc/{pid}/fd"):
+        try: files[fd] = os.readlink(f"/proc/{pid}/fd/{fd}")
+        except OSError: pass # the listing's own
+    print("descriptors", "own" if pid == me else "guardian", sorted(files), files)
 print("leader", os.getpgid(0) == me == os.getsid(0), os.getpgid(parent) != me)
-print("blocked", signal.pthread_sigmask(signal.SIG_BLOCK, []))
-print("ignored", [s for s in (signal.SIGPIPE, signal.SIGINT) if signal.getsignal(s) == signal.SIG_IGN and s != signal.SIGPIPE])
+END
 )");
     const auto seen = await(allLines(child)).join('\n').toStdString();
     ::close(leaking);
     EXPECT_THAT(seen, Not(HasSubstr("canary")));
     EXPECT_THAT(seen, Not(HasSubstr("LMP_CANARY")));
     EXPECT_THAT(seen, HasSubstr("MY_LMP_X=mine"));
-    EXPECT_THAT(seen, HasSubstr("count own ['0', '1', '2']"));
-    EXPECT_THAT(seen, HasSubstr("count guardian ['0', '1', '2', '3']"));
+    EXPECT_THAT(seen, HasSubstr("descriptors own ['0', '1', '2']"));
+    EXPECT_THAT(seen, HasSubstr("descriptors guardian ['0', '1', '2', '3']"));
     EXPECT_THAT(seen, HasSubstr("leader True True"));
-    EXPECT_THAT(seen, HasSubstr("blocked set()"));
-    EXPECT_THAT(seen, HasSubstr("ignored []"));
+    // The C library keeps two signals to itself, above those of the system.
+    EXPECT_THAT(seen, ContainsRegex("SigBlk:\t0{16}\nSigIgn:\t[0-9a-f]{8}[08]0{7}\n"));
     for (const char *name : {"LMP_CANARY", "TOKEN_RELAY_URL", "ARK_API_KEY", "MY_LMP_X"})
         qunsetenv(name);
 }
@@ -156,6 +157,15 @@ TEST(DevProcess, EndsTheOutputAtALineWithoutEnd) {
     EXPECT_TRUE(lines.isTooLong());
     child->terminate(0ms);
     EXPECT_TRUE(await(child->terminateAndWait(5s)));
+
+    // The word of it has room behind a line that fills more than the channel.
+    const auto heavy =
+        scripts.start("#!/bin/sh\nfor size in 2000000 70000000; do head -c $size /dev/zero | tr '\\0' x; echo; done\n");
+    auto late = heavy->lines();
+    await(heavy->exited());
+    EXPECT_EQ(await(nextLine(&late)).size(), 2'000'000);
+    EXPECT_EQ(await(nextLine(&late)), "(end)");
+    EXPECT_TRUE(late.isTooLong());
 }
 
 TEST(DevProcess, IsReadOnWhenNobodyListens) {
@@ -166,6 +176,34 @@ TEST(DevProcess, IsReadOnWhenNobodyListens) {
         EXPECT_EQ(await(nextLine(&lines)), "one");
     }
     EXPECT_EQ(await(child->exited()).code, 4);
+}
+
+/// Neither the child nor its pipes are kept for output that nobody has asked for.
+TEST(DevProcess, KeepsNothingOfWhatNobodyTook) {
+    const auto open = [] {
+        return QDir(u"/proc/self/fd"_s).entryList(QDir::Files | QDir::System).size();
+    };
+    Scripts scripts;
+    await(scripts.start("#!/bin/sh\n")->exited()); // what is made once is there then
+    ASSERT_TRUE(eventually([&] { return scripts.registry.liveCount() == 0; }));
+    const auto before = open();
+    for (const bool asked : {false, true}) {
+        auto child = scripts.start("#!/bin/sh\nhead -c 3000000 /dev/zero | tr '\\0' x\n");
+        if (asked)
+            child->terminate(1s);
+        child.reset();
+    }
+    EXPECT_TRUE(eventually([&] { return open() <= before; })) << open() << " " << before;
+}
+
+TEST(DevProcess, TakesNoMoreThanAChildReads) {
+    Scripts scripts;
+    const auto child = scripts.start("#!/bin/sh\nexec sleep 1000\n");
+    const QByteArray line(DevProcess::maxUnread / 2 - 1000, 'x');
+    EXPECT_TRUE(child->writeLine(line));
+    EXPECT_TRUE(child->writeLine(line));
+    EXPECT_FALSE(child->writeLine(line));
+    EXPECT_TRUE(child->writeLine("short"));
 }
 
 TEST(DevProcess, StopsInTwoStages) {
@@ -215,6 +253,48 @@ TEST(DevProcess, LeavesNobodyBehind) {
             EXPECT_EQ(running(pids), 0) << end.constData() << deaf;
         }
     }
+}
+
+namespace {
+
+/// Says who it is: its guardian, itself, one in its group and one in a session of its own, then when it is asked to
+/// end.
+constexpr auto watched = R"(#!/bin/sh
+trap 'echo asked' TERM
+(trap '' TERM; while :; do sleep 1000; done) &
+group=$!
+setsid sh -c 'trap "" TERM; while :; do sleep 1000; done' &
+echo ready $PPID $$ $group $!
+while :; do sleep 1000 & wait $!; done
+)";
+
+} // namespace
+
+TEST(DevProcess, SaysThatItsGuardianWasKilled) {
+    Scripts scripts;
+    const auto child = scripts.start(watched);
+    auto lines = child->lines();
+    const auto pids = familyIn(await(nextLine(&lines)));
+    ASSERT_EQ(running(pids), 4);
+    ::kill(static_cast<pid_t>(pids[0]), SIGKILL);
+    EXPECT_EQ(await(child->exited()), (DevProcess::Exit{.signal = SIGKILL, .unwatched = true}));
+    EXPECT_TRUE(eventually([&] { return running(pids.first(3)) == 0; }));
+    ::kill(static_cast<pid_t>(pids[3]), SIGKILL); // who got away
+    EXPECT_TRUE(eventually([&] { return running(pids) == 0 && scripts.registry.liveCount() == 0; }));
+}
+
+/// A guardian that does not come to an end in time is not killed: it is told, and ends everything later.
+TEST(DevProcess, QuitLeavesTheRestToTheGuardian) {
+    Scripts scripts;
+    const auto child = scripts.start(watched);
+    auto lines = child->lines();
+    const auto pids = familyIn(await(nextLine(&lines)));
+    ASSERT_EQ(running(pids), 4);
+    auto quitting = scripts.registry.quit();
+    EXPECT_EQ(await(nextLine(&lines)), "asked");
+    ::kill(static_cast<pid_t>(pids[0]), SIGSTOP);
+    await(std::move(quitting));
+    EXPECT_TRUE(eventually([&] { return running(pids) == 0 && scripts.registry.liveCount() == 0; }));
 }
 
 TEST(DevProcess, QuitEndsAllOfThem) {

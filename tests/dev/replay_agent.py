@@ -3,8 +3,8 @@
     replay_agent.py RECORDING LOG [ARGUMENT...]     the arguments of the real tool, which are only noted
 
 Each line of RECORDING is a step: {"in": 1} reads a line and notes it in LOG, {"out": VALUE} writes a line of JSON,
-{"raw": TEXT, "times": N} writes bytes as they are, {"err": TEXT} writes to standard error, {"kill": SIGNAL} and
-{"exit": CODE} end it. Afterwards it waits for the end of its input.
+{"raw": TEXT, "times": N} writes bytes as they are, {"err": TEXT} writes to standard error, {"close": 1} closes
+standard output, {"kill": SIGNAL} and {"exit": CODE} end it. Afterwards it waits for the end of its input.
 """
 
 import json
@@ -32,6 +32,8 @@ with open(sys.argv[2], "a", encoding="utf-8") as log:
             sys.stdout.flush()
         elif "err" in step:
             print(step["err"], file=sys.stderr, flush=True)
+        elif "close" in step:
+            os.close(1)
         elif "kill" in step:
             os.kill(os.getpid(), step["kill"])
         elif "exit" in step:

@@ -1,7 +1,9 @@
 #include "support/DraftTrials.h"
 
-#include "conversation/ConversationDraftCache.h"
-#include "conversation/ConversationInputDraftStore.h"
+#include "conversation/ConversationSession.h"
+#include "conversation/KeptTexts.h"
+#include "platform/SystemClock.h"
+#include "support/Await.h"
 #include "support/FailingCalls.h"
 
 #include <QCryptographicHash>
@@ -166,6 +168,75 @@ DraftTrials::Kills DraftTrials::kill(const QString &folder, int kills) {
 
 namespace {
 
+/// What a window does with a sentence: types it, has it kept, makes it a message and empties the box.
+void sendForEver(const QString &folder, Progress &progress) {
+    int argc = 0;
+    const QCoreApplication application(argc, nullptr);
+    const auto support = ApplicationSupport::at(folder);
+    SystemClock clock;
+    ConversationSession session(ConversationService(APIClient{QUrl(),
+                                                              [] {
+                                                                  return QString();
+                                                              }}),
+                                ConversationDraftCache(support),
+                                {[]() -> std::optional<QString> { return account; }, {}}, clock);
+    KeptTexts inputs(KeptTextStore(Store(support)), clock);
+    QObject::connect(&session, &ConversationSession::secured, &inputs,
+                     [&](const QString &id, quint64 edits) { inputs.release(id, edits); });
+    inputs.open(account);
+    session.begin();
+    const QString box = session.conversation()->id;
+    for (qint64 number = 1;; ++number) {
+        inputs.change(box, [&](ConversationInput &input) { input.text = textOf(number); });
+        if (!await(inputs.keep()))
+            progress.failed = true;
+        progress.acknowledged = number;
+        session.edit([&](ConversationDTO &conversation) {
+            ConvMessageDTO message;
+            message.id = QString::number(number);
+            message.text = textOf(number);
+            conversation.messages.push_back(message);
+        });
+        session.keep();
+        inputs.hold(box, session.edits());
+    }
+}
+
+} // namespace
+
+DraftTrials::Sends DraftTrials::killSends(const QString &folder, int kills) {
+    const auto support = ApplicationSupport::at(folder);
+    std::mt19937 random(1);
+    std::uniform_int_distribution<unsigned> delay(0, 40'000);
+    Sends result;
+    for (; result.kills < kills; ++result.kills) {
+        QDir(folder).removeRecursively();
+        Shared<Progress> progress;
+        const pid_t child = forked([&] { sendForEver(folder, *progress.operator->()); });
+        while (!progress->acknowledged && ::waitpid(child, nullptr, WNOHANG) == 0)
+            ::usleep(1000);
+        ::usleep(delay(random));
+        end(child);
+        QSet<QString> typed, sent;
+        for (const auto &entry : Store(support).list(account)->entries)
+            typed.insert(entry.input.text);
+        for (const auto &entry : ConversationDraftCache(support).list(account)->entries) {
+            for (const auto &message : entry.snapshot.messages)
+                sent.insert(message.text);
+        }
+        result.lost += progress->failed || !progress->acknowledged;
+        for (qint64 number = 1; number <= progress->acknowledged; ++number) {
+            const QString text = textOf(number);
+            result.lost += !typed.contains(text) && !sent.contains(text);
+            result.both += typed.contains(text) && sent.contains(text);
+        }
+        result.typed += progress->acknowledged;
+    }
+    return result;
+}
+
+namespace {
+
 struct Counts {
     std::atomic<qint64> landed = 0, changedElsewhere = 0, failed = 0;
 };
@@ -216,15 +287,17 @@ namespace {
 /// One way in which the file is replaced, made or removed.
 struct Deed {
     const char *name;
-    bool old;     ///< there is a file already
-    bool removes; ///< it is to go
-    bool cache;   ///< a whole conversation's, not an input's
+    bool old;            ///< there is a file already
+    bool removes;        ///< it is to go
+    bool cache;          ///< a whole conversation's, not an input's
+    bool spoilt = false; ///< what is there is no draft, and is to be moved aside
 };
 
 constexpr Deed deeds[] = {{"replace", true, false, false},
                           {"make", false, false, false},
                           {"remove", true, true, false},
-                          {"replace conversation", true, false, true}};
+                          {"replace conversation", true, false, true},
+                          {"move aside", true, false, false, true}};
 
 struct CallName {
     Call call;
@@ -253,6 +326,11 @@ public:
         // What a save finds: the file of the save before, or not even the folder.
         if (deed.old)
             m_known = save(u"old"_s, {});
+        if (deed.spoilt) {
+            QFile file(files(u"*.json"_s).value(0));
+            if (file.open(QIODevice::WriteOnly))
+                file.write("spoilt");
+        }
         m_old = bytes();
     }
 
@@ -263,9 +341,11 @@ public:
         FailingCalls::disarm();
         return !m_failed;
     }
-    bool isAsBefore() const { return bytes() == m_old; }
+    bool isAsBefore() const { return bytes() == m_old || (m_deed.spoilt && !bytes() && isAside()); }
     bool isDone() const {
         const auto now = bytes();
+        if (m_deed.spoilt && !isAside())
+            return false;
         return m_deed.removes ? !now : now && now != m_old && now->contains("new");
     }
 
@@ -285,14 +365,21 @@ private:
             *failed = !saved;
         return saved.value_or(std::nullopt);
     }
-    std::optional<QByteArray> bytes() const {
+    QStringList files(const QString &pattern) const {
         const QDir dir(m_support.root() + (m_deed.cache ? u"/ConversationDrafts/v1"_s : u"/UnsentInput/v1"_s));
-        const auto names = dir.entryList({u"*.json"_s}, QDir::Files);
-        QFile file(dir.filePath(names.value(0)));
-        if (names.size() != 1 || !file.open(QIODevice::ReadOnly))
+        QStringList paths;
+        for (const QString &name : dir.entryList({pattern}, QDir::Files))
+            paths.push_back(dir.filePath(name));
+        return paths;
+    }
+    std::optional<QByteArray> bytes(const QString &pattern = u"*.json"_s) const {
+        const auto paths = files(pattern);
+        QFile file(paths.value(0));
+        if (paths.size() != 1 || !file.open(QIODevice::ReadOnly))
             return std::nullopt;
         return file.readAll();
     }
+    bool isAside() const { return bytes(u"*.unreadable"_s) == "spoilt"; }
 
     ApplicationSupport m_support;
     Deed m_deed;

@@ -23,6 +23,15 @@ public:
     /// Kills a program with SIGKILL again and again while it saves.
     static Kills kill(const QString &folder, int kills);
 
+    struct Sends {
+        int kills = 0;
+        qint64 typed = 0; ///< sentences that were said to be on disk, and then sent
+        int lost = 0;     ///< of them, those that are neither in an input's file nor in a conversation's
+        int both = 0;     ///< of them, those that are in both: between the one and the other
+    };
+    /// Kills a program with SIGKILL again and again while it types and sends, a sentence after another.
+    static Sends killSends(const QString &folder, int kills);
+
     struct Grid {
         int cells = 0;
         int reported = 0;    ///< the failure was reported, and the old content is as it was

@@ -1,3 +1,4 @@
+#include "terminal/CommandLine.h"
 #include "terminal/DevControl.h"
 #include "terminal/DevQuestionText.h"
 
@@ -8,6 +9,12 @@
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace lmp {
 
@@ -23,10 +30,38 @@ protected:
     };
 
     void SetUp() override {
-        ASSERT_TRUE(
-            QFile::link(QStringLiteral(LMP_TEST_SOURCES "/agents/scripted_codex.py"), m_home.filePath(u"codex"_s)));
+        for (const QString &tool : {u"codex"_s, u"claude"_s})
+            ASSERT_TRUE(QFile::link(QStringLiteral(LMP_TEST_SOURCES "/agents/scripted_") + tool + u".py"_s,
+                                    m_home.filePath(tool)));
+        ASSERT_EQ(::mkfifo(path("word"), 0600), 0);
+    }
+    const char *path(const char *name) const {
+        m_path = m_home.filePath(QString::fromLatin1(name)).toLocal8Bit();
+        return m_path.constData();
+    }
+    /// Puts a shell script in the place of Codex.
+    void replaceCodex(const QByteArray &script) const {
+        QFile file(m_home.filePath(u"codex"_s));
+        ASSERT_TRUE(file.remove() && file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\n" + script);
+        ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    }
+    /// The script that stands in for Codex waits for it.
+    bool giveWord() const {
+        int word = -1;
+        const char *const name = path("word");
+        return eventually([&] { return (word = ::open(name, O_WRONLY | O_NONBLOCK | O_CLOEXEC)) >= 0; }) &&
+               ::close(word) == 0;
+    }
+    /// The process that wrote its number to the file "pid".
+    int child() const {
+        QFile file(m_home.filePath(u"pid"_s));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toInt() : 0;
     }
     void start(QProcess &program, const QStringList &arguments) const {
+        startLocal(program, QStringList{u"dev"_s, u"--engine"_s, u"codex"_s, u"--repo"_s, m_home.path()} + arguments);
+    }
+    void startLocal(QProcess &program, const QStringList &arguments) const {
         auto env = QProcessEnvironment::systemEnvironment();
         env.insert(u"HOME"_s, m_home.path());
         env.insert(u"PATH"_s, m_home.path() + u':' + env.value(u"PATH"_s));
@@ -34,11 +69,11 @@ protected:
         env.insert(u"TERM"_s, u"xterm"_s);
         env.insert(u"SHELL"_s, u"/bin/sh"_s);
         program.setProcessEnvironment(env);
-        program.start(QCoreApplication::applicationDirPath() + u"/lumenpair-terminal"_s,
-                      QStringList{u"dev"_s, u"--engine"_s, u"codex"_s, u"--repo"_s, m_home.path()} + arguments);
+        program.start(QCoreApplication::applicationDirPath() + u"/lumenpair-terminal"_s, arguments);
     }
     static int code(QProcess &program) {
         EXPECT_TRUE(eventually([&] { return program.state() == QProcess::NotRunning; }, 60'000));
+        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit) << program.readAllStandardError().toStdString();
         return program.exitCode();
     }
     Run run(const QStringList &arguments, const QByteArray &input = {}) const {
@@ -51,6 +86,7 @@ protected:
     }
 
     QTemporaryDir m_home;
+    mutable QByteArray m_path;
 };
 
 TEST_F(DevCommandTest, OneTurn) {
@@ -89,6 +125,12 @@ TEST_F(DevCommandTest, AProgramsCommands) {
     EXPECT_THAT(seen.out, HasSubstr("{\"type\":\"assistantText\",\"text\":\"hello\"}\n"
                                     "{\"type\":\"turnCompleted\",\"usage\":{"));
 
+    // One turn only: it ends with it, though more could be said.
+    QProcess once;
+    start(once, {u"--jsonl"_s, u"hello"_s});
+    once.write("{\"setMode\":\"full\"}\n");
+    EXPECT_EQ(code(once), 0);
+
     // The end of input leaves nobody to ask.
     seen = run({u"--jsonl"_s, u"ask"_s});
     EXPECT_EQ(seen.code, 0);
@@ -107,6 +149,9 @@ TEST_F(DevCommandTest, AProgramsCommands) {
     ASSERT_TRUE(says("told: acceptForSession"));
     program.write("{\"send\":\"wait\"}\n");
     ASSERT_TRUE(says("thinking"));
+    // What cannot be said leaves the turn that runs as it is.
+    program.write("{\"send\":\"refuse\"}\n");
+    ASSERT_TRUE(says("not now"));
     program.write("{\"interrupt\":true}\n");
     ASSERT_TRUE(says("\"interrupted\""));
     program.write("{\"stop\":true}\n");
@@ -145,28 +190,186 @@ TEST_F(DevCommandTest, AConversationOnATerminal) {
     EXPECT_FALSE(terminal.shown().contains("\x1b[8m"));
 }
 
-TEST(DevQuestionTextTest, WhatIsAskedFor) {
-    const auto text = [](const QString &tool, const QString &input) {
-        return DevQuestionText::of({.id = {}, .tool = tool, .summary = u"S"_s, .input = input, .suggestions = {}},
-                                   u"E"_s)
-            .section(u'\n', 1)
-            .toStdString();
+TEST_F(DevCommandTest, LinesThatAreNone) {
+    const auto seen = run({u"--jsonl"_s}, QByteArray(5 << 20, 'x') + "\n{\"send\":\"\xff\"}\n{\"send\":\"hello\"}\n" +
+                                              QByteArray(5 << 20, 'x'));
+    EXPECT_EQ(seen.code, 0);
+    EXPECT_EQ(QByteArray::fromStdString(seen.out).count("这一行太长了"), 2);
+    EXPECT_THAT(seen.out, HasSubstr("不是 UTF-8"));
+    EXPECT_THAT(seen.out, HasSubstr("\"text\":\"hello\""));
+}
+
+TEST_F(DevCommandTest, WhatHappensBetweenTurnsCountsForNone) {
+    QProcess claude;
+    startLocal(claude, {u"dev"_s, u"--engine"_s, u"claude"_s, u"--repo"_s, m_home.path(), u"--jsonl"_s});
+    claude.write("{\"interrupt\":true}\n{\"send\":\"hello\"}\n");
+    claude.closeWriteChannel();
+    EXPECT_EQ(code(claude), 0);
+    EXPECT_TRUE(claude.readAllStandardOutput().contains("\"text\":\"hello\""));
+
+    QProcess codex;
+    QByteArray out;
+    start(codex, {u"--jsonl"_s});
+    codex.write("{\"send\":\"moan\"}\n");
+    ASSERT_TRUE(eventually([&] { return (out += codex.readAllStandardOutput()).contains("alas"); }, 30'000));
+    codex.write("{\"send\":\"hello\"}\n");
+    codex.closeWriteChannel();
+    EXPECT_EQ(code(codex), 0);
+}
+
+TEST_F(DevCommandTest, QuestionsThatComeLateOrGo) {
+    PseudoTerminal terminal;
+    ASSERT_TRUE(terminal.isOpen());
+    QProcess program;
+    terminal.attach(program);
+    start(program, {});
+    ASSERT_TRUE(terminal.shows(u"你："_s));
+    for (const bool answers : {true, false}) {
+        terminal.type("late\n");
+        ASSERT_TRUE(terminal.shows(u"你："_s));
+        // The question takes the place of the prompt, which comes back.
+        ASSERT_TRUE(giveWord());
+        ASSERT_TRUE(terminal.shows(u"4 拒绝并说明："_s));
+        terminal.type(answers ? "1\n" : "\x03");
+        ASSERT_TRUE(terminal.shows(u"你："_s));
+        ASSERT_TRUE(terminal.shows(answers ? u"told: accept"_s : u"told: decline"_s));
+    }
+    terminal.type("change\n");
+    ASSERT_TRUE(terminal.shows(u"4 拒绝并说明："_s));
+    ASSERT_TRUE(giveWord());
+    ASSERT_TRUE(terminal.shows(u"这个问题已经不用回答了。"_s));
+    ASSERT_TRUE(terminal.shows(u"never mind"_s));
+    ASSERT_TRUE(terminal.shows(u"你："_s));
+    terminal.type("\x04");
+    EXPECT_EQ(code(program), 0);
+}
+
+TEST_F(DevCommandTest, AnAnswerToAQuestionThatIsGone) {
+    QProcess program;
+    QByteArray out;
+    const auto says = [&](const QByteArray &text) {
+        return eventually([&] { return (out += program.readAllStandardOutput()).contains(text); }, 30'000);
     };
+    start(program, {u"--jsonl"_s});
+    program.write("{\"send\":\"change\"}\n");
+    ASSERT_TRUE(says("permissionRequest"));
+    ASSERT_TRUE(giveWord());
+    ASSERT_TRUE(says("never mind"));
+    program.write("{\"respond\":{\"requestId\":\"0\",\"decision\":\"allowOnce\"}}\n");
+    ASSERT_TRUE(says("\"type\":\"error\""));
+    program.closeWriteChannel();
+    EXPECT_EQ(code(program), 0);
+}
+
+TEST_F(DevCommandTest, ALineThatDoesNotEndIsShownInPieces) {
+    const auto seen = run({u"print"_s});
+    EXPECT_GE(QByteArray::fromStdString(seen.err).count("│ "), 7);
+    EXPECT_THAT(seen.err, HasSubstr("the end"));
+    EXPECT_THAT(seen.err, ::testing::Not(HasSubstr("全部输出")));
+}
+
+/// Somebody who takes nothing of what is said, or who goes in the middle of it.
+TEST_F(DevCommandTest, ReadersWhoStallOrGo) {
+    for (const bool goes : {false, true}) {
+        SCOPED_TRACE(goes);
+        const QString name = m_home.filePath(goes ? u"goes"_s : u"stalls"_s);
+        ASSERT_EQ(::mkfifo(name.toLocal8Bit().constData(), 0600), 0);
+        const int reader = ::open(name.toLocal8Bit().constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        ASSERT_GE(reader, 0);
+        QProcess program;
+        program.setStandardOutputFile(name);
+        start(program, {u"--jsonl"_s, u"flood"_s});
+        EXPECT_TRUE(eventually(
+            [&] {
+                int waiting = 0;
+                return QFile::exists(m_home.filePath(u"flooded"_s)) && ::ioctl(reader, FIONREAD, &waiting) == 0 &&
+                       waiting > 32 * 1024;
+            },
+            30'000));
+        if (goes)
+            ::close(reader);
+        else
+            program.terminate();
+        EXPECT_EQ(code(program), 130);
+        if (!goes)
+            ::close(reader);
+    }
+}
+
+TEST_F(DevCommandTest, NothingOutlivesWhatNeverBegan) {
+    const QByteArray stay = "trap '' TERM; echo $$ > " + m_home.path().toLocal8Bit() + "/pid;";
+    // Nobody is signed in, and the server that said so does not leave by itself.
+    replaceCodex("case $1 in --version) echo 1;; login) echo Not logged in;; app-server) " + stay +
+                 R"(
+        while read line; do case $line in *account/read*) echo '{"id":2,"result":{"requiresOpenaiAuth":true}}';; esac; done
+        while :; do /bin/sleep 1000; done;; esac)");
+    EXPECT_EQ(run({u"hello"_s}).code, 3);
+    ASSERT_GT(child(), 0);
+    EXPECT_EQ(::kill(child(), 0), -1);
+
+    // A signal while the tool is looked for.
+    replaceCodex(stay + "while :; do /bin/sleep 1000; done");
+    for (const bool doctor : {false, true}) {
+        SCOPED_TRACE(doctor);
+        QFile::remove(m_home.filePath(u"pid"_s));
+        QProcess program;
+        doctor ? startLocal(program, {u"doctor"_s}) : start(program, {u"hello"_s});
+        ASSERT_TRUE(eventually([&] { return child() > 0; }, 30'000));
+        program.terminate();
+        EXPECT_EQ(code(program), 130) << program.readAllStandardError().toStdString();
+        EXPECT_EQ(::kill(child(), 0), -1);
+        EXPECT_EQ(program.readAllStandardOutput(), QByteArray());
+    }
+}
+
+TEST(DevCommandLineTest, CommandsBehindDev) {
+    using Command = CommandLine::Command;
+    const auto parsed = [](std::vector<const char *> words) {
+        words.insert(words.begin(), "lumenpair");
+        const auto line = CommandLine::parse(int(words.size()), words.data());
+        return line ? std::optional(line->command) : std::nullopt;
+    };
+    EXPECT_EQ(parsed({"dev", "git", "status"}), Command::DevGit);
+    EXPECT_EQ(parsed({"--profile", "dev", "dev", "git", "status"}), Command::DevGit);
+    EXPECT_EQ(parsed({"--profile", "dev", "dev", "--engine", "codex", "git", "status"}), Command::Dev);
+    EXPECT_EQ(parsed({"--sandbox", "chat", "dev", "git"}), Command::Chat);
+}
+
+TEST(DevQuestionTextTest, WhatIsAskedFor) {
     struct Row {
-        QString input;
+        QString tool, input;
         std::string shown;
     };
+    const QString session = u"（选 2 的话，这次会话里所有以「%1」开头的命令都会放行，高风险的除外）"_s;
     for (
-        const auto &[input, shown] : {
-            Row{uR"({"command":"a\u0007b\u202ec","description":"why","timeout":5})"_s,
+        const auto &[tool, input, shown] : {
+            Row{u"T"_s, uR"({"command":"a\u0007b\u202ec","description":"why","timeout":5})"_s,
                 "a␇b<U+202e>c\n其他：{\"timeout\":5}\n它说的理由：why"},
-            Row{uR"({"file_path":"/f","old_string":"a\nb","new_string":"c\n"})"_s, "S\n--- /f\n+++ /f\n@@\n-a\n-b\n+c"},
-            Row{uR"({"file_path":"/f","content":"x\ny\n"})"_s, "S\n--- /f\n+++ /f\n+x\n+y"},
-            Row{uR"({"changes":[{"path":"a","kind":{"type":"add"},"diff":"x\n"},{"path":"b","kind":{"type":"update"},"diff":"@@ -1 +1 @@\n-x\n+y\n"}]})"_s,
-                "S\n--- /dev/null\n+++ a\n+x\n--- b\n+++ b\n@@ -1 +1 @@\n-x\n+y"},
-            Row{uR"({"server":"s","arguments":{"q":1}})"_s, "S\n{\"server\":\"s\",\"arguments\":{\"q\":1}}"},
-        })
-        EXPECT_EQ(text(u"T"_s, input), shown);
+            Row{u"T"_s, uR"({"file_path":"/f","old_string":"a\nb","new_string":"c\n"})"_s,
+                "S\n--- /f\n+++ /f\n@@\n-a\n-b\n+c"},
+            Row{u"T"_s, uR"({"file_path":"/f","content":"x\ny\n"})"_s, "S\n--- /f\n+++ /f\n+x\n+y"},
+            Row{u"T"_s,
+                uR"({"changes":[{"path":"a","kind":{"type":"add"},"diff":"x\n"},{"path":"b","kind":{"type":"update"},"diff":"@@ -1 +1 @@\n-x\n+y\n目录：/\n"}]})"_s,
+                "S\n--- /dev/null\n+++ a\n+x\n--- b\n+++ b\n@@ -1 +1 @@\n-x\n+y\n 目录：/"},
+            Row{u"T"_s, uR"({"server":"s","arguments":{"q":1}})"_s, "S\n{\"server\":\"s\",\"arguments\":{\"q\":1}}"},
+            // Nothing is left out, wherever it is not expected.
+            Row{u"T"_s, uR"({"command":"ls","content":"x","new_string":"y","reason":"r","description":"d"})"_s,
+                "ls\n其他：{\"content\":\"x\",\"new_string\":\"y\"}\n它说的理由：r\n它说的理由：d"},
+            Row{u"T"_s, uR"({"file_path":"/f","old_string":"a"})"_s, "S\n--- /f\n+++ /f\n@@\n-a"},
+            Row{u"T"_s, uR"({"file_path":"/f","edits":[{"old_string":"a","new_string":"b","replace_all":true}]})"_s,
+                "S\n--- /f\n+++ /f\n@@ {\"replace_all\":true}\n-a\n+b"},
+            // Nor does any of it pass for a line of ours, or hide.
+            Row{u"T"_s, uR"({"command":"ls\n目录：/safe","cwd":"/x","reason":"r\n目录：/safe"})"_s,
+                "ls\n  目录：/safe\n目录：/x\n它说的理由：r\n  目录：/safe"},
+            Row{u"T"_s, uR"({"command":"\u00ad\u034f\u061c\u180e\u2028\udb40\udc41é好"})"_s,
+                "<U+00ad><U+034f><U+061c><U+180e><U+2028><U+e0041>é好"},
+            Row{u"bash"_s, uR"({"command":"cd build && make"})"_s,
+                "cd build && make\n" + session.arg(u"cd"_s).toStdString()},
+        }) {
+        const auto text =
+            DevQuestionText::of({.id = {}, .tool = tool, .summary = u"S"_s, .input = input, .suggestions = {}}, u"E"_s);
+        EXPECT_EQ(text.section(u'\n', 1).toStdString(), shown);
+    }
 }
 
 TEST(DevControlTest, LinesThatChangeNothing) {

@@ -139,7 +139,7 @@ TEST_F(TerminalTest, EventsOfATurn) {
     EXPECT_FALSE(done.as_object().contains("notice"));
 
     const auto again = run({u"chat"_s, u"-c"_s, u"--jsonl"_s, u"--cheaper"_s, u"你记得我叫什么吗"_s});
-    EXPECT_EQ(again.code, 0);
+    EXPECT_EQ(again.code, 0) << again.err.toStdString() << again.out.toStdString();
     EXPECT_TRUE(again.types().contains(u"memories"_s));
     EXPECT_EQ(again.events().front().at("conversationId"), events.front().at("conversationId"));
     EXPECT_EQ(again.events().back().at("charged"), 1);
@@ -205,7 +205,8 @@ TEST_F(TerminalTest, FailedSaveIsANoteAndADraft) {
     EXPECT_TRUE(run({u"conversations"_s, u"show"_s, id}).out.contains(u"别丢了我"_s));
 
     fault({});
-    EXPECT_EQ(run({u"chat"_s, u"--conversation"_s, id, u"现在呢"_s}).code, 0);
+    const auto next = run({u"chat"_s, u"--conversation"_s, id, u"现在呢"_s});
+    EXPECT_EQ(next.code, 0) << next.err.toStdString();
     EXPECT_EQ(look(u"/api/app/conversations"_s, m_token).at("conversations").as_array().size(), 1u);
     EXPECT_FALSE(run({u"conversations"_s, u"list"_s}).out.contains(u"草稿"_s));
 }
@@ -219,7 +220,8 @@ TEST_F(TerminalTest, DraftsAreListedAndDiscardedWhenAsked) {
     const QString user = run({u"whoami"_s}).out.section(u'\n', 0, 0).section(u'：', 1);
     const QString folder = m_home.filePath(u"data/Lumenpair/UnsentInput/v1/"_s);
     ASSERT_TRUE(QDir().mkpath(folder));
-    const QByteArray key = Json::encode(QList<QString>{user, id});
+    const QString site = m_site.toString(QUrl::StripTrailingSlash);
+    const QByteArray key = Json::encode(QList<QString>{site, user, id});
     const auto name = QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex();
     QFile box(folder + QString::fromLatin1(name) + u".json"_s);
     ASSERT_TRUE(box.open(QIODevice::WriteOnly));
@@ -255,6 +257,11 @@ TEST_F(TerminalTest, DraftsAreListedAndDiscardedWhenAsked) {
     EXPECT_TRUE(broken.err.contains(u"有未发送输入暂时无法读取，原文件已保留。"_s)) << broken.err.toStdString();
     EXPECT_EQ(run({u"drafts"_s, u"discard"_s, id, u"--yes"_s}).code, 1);
     EXPECT_TRUE(box.exists());
+    EXPECT_TRUE(broken.err.contains(box.fileName())) << "it can be found";
+    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"--unreadable"_s}, "\n").code, 130);
+    EXPECT_TRUE(box.exists());
+    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"--unreadable"_s, u"--yes"_s}).code, 0);
+    EXPECT_EQ(run({u"drafts"_s, u"list"_s}).code, 0);
 }
 
 TEST_F(TerminalTest, ADraftIsKeptWhileNobodyCanSayWhoIsThere) {

@@ -61,7 +61,7 @@ void ClaudeConversation::take(QByteArrayView line) {
 void ClaudeConversation::end(const QString &why) {
     tellHeld();
     closeAll();
-    m_questions.clear();
+    withdrawAll();
     m_running = false;
     m_events.push_back(dev_event::Failed{why});
 }
@@ -78,25 +78,27 @@ void ClaudeConversation::beginTurn() {
     m_sinceStart.start();
 }
 
-void ClaudeConversation::respond(const QString &requestId, const DevPermissionDecision &decision) {
+bool ClaudeConversation::respond(const QString &requestId, const DevPermissionDecision &decision) {
     const auto found = std::ranges::find(m_questions, requestId, &Question::requestId);
     if (found == m_questions.end())
-        return;
+        return false;
     const Question question = std::move(*found);
     m_questions.erase(found);
     if (decision.kind == DevPermissionDecision::Kind::deny) {
         const auto usual = u"用户拒绝了这次操作，换个做法或先问清楚。"_s;
         m_lines.push_back(ClaudeCommand::deny(requestId, decision.reason.value_or(usual), false));
-        return;
+        return true;
     }
     if (decision.kind == DevPermissionDecision::Kind::allowSession)
         m_policy.allowForSession(question.call);
     allow(question);
+    return true;
 }
 
 void ClaudeConversation::interrupt() {
-    for (const auto &question : std::exchange(m_questions, {}))
+    for (const auto &question : m_questions)
         m_lines.push_back(ClaudeCommand::deny(question.requestId, interruptedByUser, true));
+    withdrawAll();
     m_lines.push_back(ClaudeCommand::interrupt(u"lmp-%1"_s.arg(++m_requests)));
     m_interrupted = m_running;
     m_events.push_back(dev_event::Interrupted());
@@ -171,7 +173,7 @@ void ClaudeConversation::handle(const TurnEnd &end) {
         m_held.reset();
     tellHeld();
     closeAll();
-    m_questions.clear();
+    withdrawAll();
     if (failed)
         m_events.push_back(dev_event::Failed{end.text.isEmpty() ? u"这一回合失败了（CLI 没说原因）"_s : end.text});
     dev_event::TurnCompleted completed{end.usage};
@@ -206,7 +208,13 @@ void ClaudeConversation::handle(const Question &question) {
 }
 
 void ClaudeConversation::handle(const Withdrawal &withdrawal) {
-    std::erase_if(m_questions, [&](const Question &one) { return one.requestId == withdrawal.requestId; });
+    if (std::erase_if(m_questions, [&](const Question &one) { return one.requestId == withdrawal.requestId; }) > 0)
+        m_withdrawn.append(withdrawal.requestId);
+}
+
+void ClaudeConversation::withdrawAll() {
+    for (const auto &question : std::exchange(m_questions, {}))
+        m_withdrawn.append(question.requestId);
 }
 
 void ClaudeConversation::handle(const OtherRequest &request) {

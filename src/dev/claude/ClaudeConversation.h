@@ -28,8 +28,8 @@ public:
     void end(const QString &why);
 
     void send(const QString &text);
-    /// Does nothing for a question that does not wait any more.
-    void respond(const QString &requestId, const DevPermissionDecision &decision);
+    /// @return false for a question that does not wait any more: nothing is done then
+    bool respond(const QString &requestId, const DevPermissionDecision &decision);
     void setMode(DevMode mode) { m_mode = mode; }
     void interrupt();
 
@@ -40,6 +40,8 @@ public:
     std::vector<DevEvent> takeEvents() { return std::exchange(m_events, {}); }
     /// What is to be written since the last time.
     std::vector<QByteArray> takeLines() { return std::exchange(m_lines, {}); }
+    /// The ids of questions that have been taken away since the last time.
+    QStringList takeWithdrawn() { return std::exchange(m_withdrawn, {}); }
 
 private:
     /// A call whose result has not come.
@@ -64,6 +66,7 @@ private:
     void closeAll();
     void allow(const claude_message::Question &question);
     void tellHeld();
+    void withdrawAll();
     void beginTurn();
     bool needsInput() const;
 
@@ -75,6 +78,7 @@ private:
     std::optional<claude_message::Init> m_init;
     std::vector<OpenCall> m_calls;
     std::vector<claude_message::Question> m_questions; ///< that wait for the user, in the order of their coming
+    QStringList m_withdrawn;
     /// Words of the tool itself, kept back until it is known that they are not also the reason of a failed turn.
     std::optional<QString> m_held;
     bool m_running = false;

@@ -16,16 +16,11 @@ QStringList ClaudeTransport::arguments(const Options &options) {
     return arguments;
 }
 
-std::expected<std::shared_ptr<DevProcess>, DevEngineFailure> ClaudeTransport::launch(QString program, Options options) {
-    auto launched = DevProcess::launch({.program = std::move(program),
-                                        .arguments = arguments(options),
-                                        .directory = options.directory,
-                                        .extra = {{u"CLAUDE_CODE_ENTRYPOINT"_s, u"sdk-ts"_s}}});
-    if (launched)
-        return *std::move(launched);
-    if (launched.error().kind == DevProcess::Failure::Kind::NotFound)
-        return std::unexpected(DevEngineError::notInstalled(launched.error().detail));
-    return std::unexpected(DevEngineFailure::process(launched.error().description()));
+DevProcess::Command ClaudeTransport::command(QString program, const Options &options) {
+    return {.program = std::move(program),
+            .arguments = arguments(options),
+            .directory = options.directory,
+            .extra = {{u"CLAUDE_CODE_ENTRYPOINT"_s, u"sdk-ts"_s}}};
 }
 
 } // namespace lmp

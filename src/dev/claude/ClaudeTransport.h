@@ -1,9 +1,6 @@
 #pragma once
 
-#include "dev/DevEngineFailure.h"
 #include "dev/DevProcess.h"
-
-#include <expected>
 
 namespace lmp {
 
@@ -16,9 +13,8 @@ public:
         std::optional<QString> model = {};
     };
 
-    /// Its child, running. Blocks like DevProcess::launch.
     /// @param program a name to be looked for, or an absolute path
-    static std::expected<std::shared_ptr<DevProcess>, DevEngineFailure> launch(QString program, Options options);
+    static DevProcess::Command command(QString program, const Options &options);
 
     static QStringList arguments(const Options &options);
 };

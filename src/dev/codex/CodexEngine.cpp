@@ -37,30 +37,24 @@ std::optional<QString> unlessEmpty(const std::optional<QString> &text) {
 } // namespace
 
 CodexEngine::CodexEngine(QString program, Limits limits)
-    : DevEngine(u"codex"_s)
+    : DevChildEngine(u"codex"_s)
     , m_program(std::move(program))
     , m_limits(limits) {}
 
 QCoro::Task<DevEngine::Outcome<DevEngine::Session>> CodexEngine::onStart(Start request) {
-    if (m_stopped)
-        co_return std::unexpected(DevEngineError::server(u"会话已经结束"_s));
     m_cwd = request.cwd.toLocalFile();
     m_mode = request.mode;
-    auto launched = DevProcess::launch({.program = m_program, .arguments = {u"app-server"_s}, .directory = m_cwd});
-    if (!launched) {
-        if (launched.error().kind == DevProcess::Failure::Kind::NotFound)
-            co_return std::unexpected(DevEngineError::notInstalled(m_program));
-        co_return std::unexpected(DevEngineFailure::process(launched.error().description()));
-    }
-    m_proc = *launched;
-    m_rpc.emplace([process = m_proc](QByteArrayView line) { process->writeLine(line); });
-    m_executor.spawn(read(m_proc), "CodexEngine::read");
+    // Before anything can be read.
+    m_rpc.emplace([this](QByteArrayView line) { return writeLine(line); });
+    const auto launched = co_await launch({.program = m_program, .arguments = {u"app-server"_s}, .directory = m_cwd});
+    if (!launched)
+        co_return std::unexpected(launched.error());
     const auto opened = co_await open(std::move(request));
     if (!opened) {
         onStop();
         co_return std::unexpected(opened.error());
     }
-    co_return Session{m_events};
+    co_return m_events.session();
 }
 
 QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::open(Start request) {
@@ -88,19 +82,26 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::openThread(Start r
     if (wanted.threadId)
         wanted.excludeTurns = true;
     const QString method = wanted.threadId ? u"thread/resume"_s : u"thread/start"_s;
-    const auto reply = co_await m_rpc->request(method, wanted, m_limits.start);
+    // What Codex says right behind its answer comes behind it on the stream too.
+    const auto reply =
+        co_await m_rpc->request(method, wanted, m_limits.start, [this](const auto &heard) { noteThread(heard); });
     if (!reply.result)
         co_return std::unexpected(DevEngineError::server(reply.error));
+    if (!m_threadId)
+        co_return std::unexpected(DevEngineError::server(u"Codex 没有给出线程"_s));
+    co_return Done();
+}
+
+void CodexEngine::noteThread(const JsonRpcConnection::Reply &reply) {
     const auto answer = answerOf<ThreadAnswer>(reply);
     if (!answer)
-        co_return std::unexpected(DevEngineError::server(u"Codex 没有给出线程"_s));
+        return;
     m_threadId = answer->thread.id;
     m_model = unlessEmpty(answer->thread.model);
     if (!m_model)
         m_model = unlessEmpty(answer->model);
-    yield(SessionStarted{.engineSessionId = m_threadId, .model = m_model});
-    yield(Notice{u"Codex 线程已建：模型 "_s + m_model.value_or(u"未知"_s)});
-    co_return Done();
+    m_events.tell(SessionStarted{.engineSessionId = m_threadId, .model = m_model});
+    m_events.tell(Notice{u"Codex 线程已建：模型 "_s + m_model.value_or(u"未知"_s)});
 }
 
 QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::onSend(QString text) {
@@ -142,10 +143,10 @@ void CodexEngine::noteTurn(const std::optional<QString> &turnId) {
         m_executor.spawn(interruptTurn(), "CodexEngine::interruptTurn");
 }
 
-void CodexEngine::onRespond(const QString &requestId, const DevPermissionDecision &decision) {
+bool CodexEngine::onRespond(const QString &requestId, const DevPermissionDecision &decision) {
     const auto pending = m_pendingApprovals.extract(requestId);
     if (pending.empty())
-        return;
+        return false;
     const CodexQuestion &question = pending.mapped();
     if (decision.kind == DevPermissionDecision::Kind::allowSession) {
         m_policy.allowForSession(question.call);
@@ -153,6 +154,7 @@ void CodexEngine::onRespond(const QString &requestId, const DevPermissionDecisio
         m_pendingDenyReason = decision.reason;
     }
     m_rpc->answer(question.rpcId, question.answer(decision.kind));
+    return true;
 }
 
 void CodexEngine::onSetMode(DevMode mode) {
@@ -173,37 +175,31 @@ QCoro::Task<> CodexEngine::interruptTurn() {
     const InterruptTurn wanted{.threadId = *m_threadId, .turnId = turn};
     const auto reply = co_await m_rpc->request(u"turn/interrupt"_s, wanted, m_limits.interrupt);
     if (!reply.result && m_turnId == turn)
-        yield(Notice{u"没能停下："_s + reply.error});
+        m_events.tell(Notice{u"没能停下："_s + reply.error});
 }
 
 void CodexEngine::onStop() {
-    if (std::exchange(m_stopped, true))
-        return;
-    m_reading.request_stop();
     if (m_rpc)
         m_rpc->close(u"会话已经结束"_s);
-    if (m_proc)
-        m_proc->terminate(stopGrace);
-    m_proc.reset();
     m_running = false;
     m_threadId.reset();
     m_pendingApprovals.clear();
-    m_backlog.clear();
-    m_events.close();
+    DevChildEngine::onStop();
 }
 
-void CodexEngine::yield(DevEvent event) {
-    if (m_stopped)
-        return;
-    Weighed weighed{.event = std::move(event), .weight = m_weight + sizeof(DevEvent)};
-    // Full is a matter for the reader of lines, who may wait and so holds Codex back.
-    if (!m_backlog.empty() || m_events.tryPush(weighed.event, weighed.weight) == Channel<DevEvent>::Pushed::Full)
-        m_backlog.push_back(std::move(weighed));
+void CodexEngine::withdraw(QString id) {
+    m_pendingApprovals.erase(id);
+    m_events.withdraw(std::move(id));
+}
+
+void CodexEngine::withdrawAll() {
+    while (!m_pendingApprovals.empty())
+        withdraw(m_pendingApprovals.begin()->first);
 }
 
 void CodexEngine::yieldAll(CodexItems::Events events) {
     for (DevEvent &event : events)
-        yield(std::move(event));
+        m_events.tell(std::move(event));
 }
 
 } // namespace lmp

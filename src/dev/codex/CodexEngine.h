@@ -1,13 +1,10 @@
 #pragma once
 
-#include "dev/DevEngine.h"
+#include "dev/DevChildEngine.h"
 #include "dev/DevPermissionPolicy.h"
-#include "dev/DevProcess.h"
 #include "dev/JsonRpcConnection.h"
 #include "dev/codex/CodexItems.h"
 #include "dev/codex/CodexQuestion.h"
-
-#include <deque>
 
 namespace lmp {
 
@@ -15,7 +12,7 @@ namespace lmp {
 ///
 /// As every engine it lives on its executor. The child outlives nothing here: it is asked to end with `stop`, when a
 /// start fails and when it breaks the protocol beyond use. Lines that make no sense are passed over.
-class CodexEngine : public DevEngine {
+class CodexEngine final : public DevChildEngine {
 public:
     /// How long an answer may take.
     struct Limits {
@@ -23,7 +20,6 @@ public:
         std::chrono::milliseconds turn{60'000};      ///< until a turn has begun
         std::chrono::milliseconds interrupt{15'000}; ///< until an interruption is heard
     };
-    static constexpr std::chrono::milliseconds stopGrace{3000};
 
     CodexEngine()
         : CodexEngine(QStringLiteral("codex"), Limits()) {}
@@ -36,28 +32,22 @@ public:
 protected:
     QCoro::Task<Outcome<Session>> onStart(Start request) override;
     QCoro::Task<Outcome<Done>> onSend(QString text) override;
-    void onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
+    bool onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
     void onSetMode(DevMode mode) override;
     void onInterrupt() override;
+    void onLine(QByteArrayView line) override;
+    void onEnd(End why, const QString &last) override;
     void onStop() override;
 
 private:
-    /// Bytes of lines, roughly, that wait for a slow consumer before Codex is held back.
-    static constexpr std::size_t eventRoom = 4 * 1024 * 1024;
-    struct Weighed {
-        DevEvent event;
-        std::size_t weight;
-    };
     DevPermissionPolicy::Verdict verdict(const CodexQuestion &question) const;
 
     // The start, step by step.
     QCoro::Task<Outcome<Done>> open(Start request);
     QCoro::Task<Outcome<Done>> openThread(Start request);
+    void noteThread(const JsonRpcConnection::Reply &reply);
 
     // Reading.
-    QCoro::Task<> read(std::shared_ptr<DevProcess> process);
-    QCoro::Task<> deliver();
-    void handle(QByteArrayView line);
     void handle(codex_message::Other &) {}
     void handle(codex_message::Response &response);
     void handle(codex_message::Request &request);
@@ -71,24 +61,19 @@ private:
     void handle(codex_message::TurnStarted &started);
     void handle(codex_message::TurnCompleted &completed);
     void handle(codex_message::RequestResolved &resolved);
-    void ended(const QString &why);
     bool isForeign(const std::optional<QString> &threadId) const;
 
     void judge(CodexQuestion question);
     void noteTurn(const std::optional<QString> &turnId);
     QCoro::Task<> interruptTurn();
     DevTurnUsage usage() const;
-    void yield(DevEvent event);
     void yieldAll(CodexItems::Events events);
+    void withdraw(QString id);
+    void withdrawAll();
 
     const QString m_program;
     const Limits m_limits;
-    std::shared_ptr<DevProcess> m_proc;
     std::optional<JsonRpcConnection> m_rpc;
-    Channel<DevEvent> m_events{eventRoom};
-    std::deque<Weighed> m_backlog; ///< events that the channel has no room for yet
-    std::size_t m_weight = 0;      ///< of the line that is being read
-    std::stop_source m_reading;
     CodexItems m_items;
     DevPermissionPolicy m_policy;
     std::map<QString, CodexQuestion> m_pendingApprovals; ///< put to the user, by the request's id
@@ -105,7 +90,6 @@ private:
     bool m_running = false;         ///< a turn has been asked for and has not ended
     bool m_interruptWanted = false; ///< before the turn's id was known
     bool m_errorShown = false;      ///< of this turn
-    bool m_stopped = false;
 };
 
 } // namespace lmp

@@ -9,51 +9,24 @@ namespace lmp {
 using namespace Qt::StringLiterals;
 using namespace dev_event;
 
-QCoro::Task<> CodexEngine::read(std::shared_ptr<DevProcess> process) {
-    auto lines = process->lines();
-    const auto stop = m_reading.get_token();
-    while (const auto line = co_await lines.next(stop)) {
-        handle(*line);
-        if (!m_backlog.empty())
-            co_await deliver();
-    }
-    if (m_stopped)
-        co_return;
-    if (lines.isTooLong()) {
-        process->terminate(stopGrace);
-        ended(u"Codex 发来的一行太长了，会话已经停下。"_s);
-    } else {
-        const QString said = m_running ? u"codex app-server 中途退出："_s : u"codex app-server 退出了："_s;
-        ended(said + process->stderrTail().trimmed());
-    }
-    co_await deliver();
-    m_events.close();
-}
-
-QCoro::Task<> CodexEngine::deliver() {
-    while (!m_backlog.empty()) {
-        Weighed next = std::move(m_backlog.front());
-        m_backlog.pop_front();
-        co_await m_events.push(std::move(next.event), next.weight);
-    }
-}
-
-void CodexEngine::ended(const QString &why) {
-    CodexItems::Events events;
-    m_items.closeAll(events);
-    yieldAll(std::move(events));
-    yield(Failed{why});
-    m_rpc->close(why);
-    m_running = false;
-    m_turnId.reset();
-    m_pendingApprovals.clear();
-}
-
-void CodexEngine::handle(QByteArrayView line) {
-    m_weight = std::size_t(line.size());
+void CodexEngine::onLine(QByteArrayView line) {
     // A line that is no message is passed over: what else it may be, the session goes on.
     if (auto message = Json::decode<CodexMessage>(line))
         std::visit([this](auto &what) { handle(what); }, message->what);
+}
+
+void CodexEngine::onEnd(End why, const QString &last) {
+    const QString text = why == End::TooLong ? u"Codex 发来的一行太长了，会话已经停下。"_s
+                         : m_running         ? u"codex app-server 中途退出："_s + last
+                                             : u"codex app-server 退出了："_s + last;
+    CodexItems::Events events;
+    m_items.closeAll(events);
+    yieldAll(std::move(events));
+    m_events.tell(Failed{text});
+    m_rpc->close(text);
+    m_running = false;
+    m_turnId.reset();
+    withdrawAll();
 }
 
 bool CodexEngine::isForeign(const std::optional<QString> &threadId) const {
@@ -70,7 +43,7 @@ void CodexEngine::handle(codex_message::Request &request) {
     if (auto question = CodexQuestion::of(request, m_items, m_cwd))
         return judge(*std::move(question));
     m_rpc->refuse(request.id, {json_rpc::methodNotFound, u"unsupported by Lumenpair workbench"_s});
-    yield(Notice{u"Codex 发来了工作台还不支持的请求："_s + request.method});
+    m_events.tell(Notice{u"Codex 发来了工作台还不支持的请求："_s + request.method});
 }
 
 DevPermissionPolicy::Verdict CodexEngine::verdict(const CodexQuestion &question) const {
@@ -88,13 +61,13 @@ void CodexEngine::judge(CodexQuestion question) {
     if (found.outcome == Outcome::ask) {
         const DevPermissionRequest request = question.request();
         m_pendingApprovals.insert_or_assign(request.id, std::move(question));
-        return yield(request);
+        return m_events.tell(request);
     }
     const bool allowed = found.outcome == Outcome::allow;
     m_rpc->answer(question.rpcId, question.answer(allowed ? DevPermissionDecision::Kind::allowOnce
                                                           : DevPermissionDecision::Kind::deny));
     if (!allowed)
-        yield(Notice{found.reason});
+        m_events.tell(Notice{found.reason});
 }
 
 void CodexEngine::handle(codex_message::ItemStarted &started) {
@@ -137,7 +110,7 @@ void CodexEngine::handle(codex_message::Rerouted &rerouted) {
     if (rerouted.reason && !rerouted.reason->isEmpty())
         said += u"（%1）"_s.arg(*rerouted.reason);
     m_model = rerouted.toModel;
-    yield(Notice{said});
+    m_events.tell(Notice{said});
 }
 
 void CodexEngine::handle(codex_message::Error &error) {
@@ -145,10 +118,10 @@ void CodexEngine::handle(codex_message::Error &error) {
         return;
     const QString message = error.error.message.value_or(u"出错了，Codex 没说原因"_s);
     if (error.willRetry.value_or(false))
-        return yield(Notice{message});
+        return m_events.tell(Notice{message});
     // The end of the turn says it again.
     if (!m_running || !std::exchange(m_errorShown, true))
-        yield(Failed{message});
+        m_events.tell(Failed{message});
 }
 
 void CodexEngine::handle(codex_message::TurnStarted &started) {
@@ -169,7 +142,7 @@ void CodexEngine::handle(codex_message::TurnCompleted &completed) {
         events.emplace_back(TurnCompleted{usage()});
     } else if (turn.status == "interrupted"_L1) {
         m_items.closeAll(events);
-        m_pendingApprovals.clear();
+        withdrawAll();
         events.emplace_back(Interrupted());
     } else {
         m_items.closeMessages(events);
@@ -192,7 +165,10 @@ DevTurnUsage CodexEngine::usage() const {
 }
 
 void CodexEngine::handle(codex_message::RequestResolved &resolved) {
-    m_pendingApprovals.erase(resolved.requestId.text());
+    const QString id = resolved.requestId.text();
+    // It follows every answer of ours as well.
+    if (m_pendingApprovals.contains(id))
+        withdraw(id);
 }
 
 } // namespace lmp

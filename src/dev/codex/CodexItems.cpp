@@ -1,6 +1,7 @@
 #include "dev/codex/CodexItems.h"
 
 #include "dev/codex/CodexCommand.h"
+#include "dev/codex/CodexInput.h"
 
 #include <utility>
 
@@ -10,17 +11,6 @@ using namespace Qt::StringLiterals;
 using namespace dev_event;
 
 namespace {
-
-struct CommandInput {
-    QString command = {};
-    std::optional<QString> cwd = {};
-};
-BOOST_DESCRIBE_STRUCT(CommandInput, (), (command, cwd))
-
-struct ChangeInput {
-    QList<CodexFileChange> changes = {};
-};
-BOOST_DESCRIBE_STRUCT(ChangeInput, (), (changes))
 
 struct SearchInput {
     QString query = {};
@@ -52,10 +42,6 @@ DevFileChangeKind kindOf(const CodexChangeKind &kind) {
     if (kind.type == "update"_L1)
         return DevFileChangeKind::modify;
     return kind.type == "delete"_L1 ? DevFileChangeKind::remove : DevFileChangeKind::create;
-}
-
-bool hasValue(const std::optional<boost::json::value> &value) {
-    return value && !value->is_null();
 }
 
 /// What a tool has answered, as text: its words where it has any, else all of it.
@@ -94,7 +80,11 @@ void CodexItems::startedTool(const CodexItem &item, Events &out) {
     } else if (item.type == "fileChange"_L1) {
         const auto changes = item.changes.value_or(QList<CodexFileChange>());
         m_changes.insert(item.id, changes);
-        open(item, {.name = u"apply_patch"_s, .summary = summary(changes), .input = text(ChangeInput{changes})}, out);
+        open(item,
+             {.name = u"apply_patch"_s,
+              .summary = summary(changes),
+              .input = text(CodexChangeInput{.changes = changes})},
+             out);
     } else if (item.type == "webSearch"_L1) {
         const QString query = item.query.value_or(QString());
         open(item, {.name = u"web_search"_s, .summary = query, .input = text(SearchInput{query})}, out);
@@ -112,7 +102,7 @@ void CodexItems::startedCommand(const CodexItem &item, Events &out) {
     const QString command = codex_command::withoutShell(item.command.value_or(QString()));
     m_commandByItem.insert(item.id, command);
     open(item,
-         {.name = u"bash"_s, .summary = command, .input = text(CommandInput{.command = command, .cwd = item.cwd})},
+         {.name = u"bash"_s, .summary = command, .input = text(CodexCommandInput{.command = command, .cwd = item.cwd})},
          out);
 }
 
@@ -126,8 +116,17 @@ void CodexItems::close(const QString &id, QString output, bool isError, Events &
     m_open.removeOne(id);
     m_commandByItem.remove(id);
     m_changes.remove(id);
-    m_closed.insert(id);
+    noteClosed(id);
     out.emplace_back(ToolResult{.id = id, .output = std::move(output), .isError = isError});
+}
+
+void CodexItems::noteClosed(const QString &id) {
+    if (m_closed.contains(id))
+        return;
+    m_closed.insert(id);
+    m_closedInOrder.enqueue(id);
+    if (m_closedInOrder.size() > maxClosed)
+        m_closed.remove(m_closedInOrder.dequeue());
 }
 
 void CodexItems::completed(const CodexItem &item, Events &out) {
@@ -177,10 +176,10 @@ void CodexItems::completedChange(const CodexItem &item, Events &out) {
 }
 
 void CodexItems::completedTool(const CodexItem &item, Events &out) {
-    const bool failed = hasValue(item.error);
+    const bool failed = item.error.has_value();
     const bool good = !failed && item.status.value_or(u"completed"_s) == "completed"_L1;
     QString output;
-    if (failed || hasValue(item.result))
+    if (failed || item.result)
         output = outputText(failed ? *item.error : *item.result);
     close(item.id, output, !good, out);
 }
@@ -192,7 +191,8 @@ void CodexItems::messageDelta(const codex_message::MessageDelta &delta, Events &
         closeMessages(out);
         m_messages << delta.itemId;
     }
-    m_agentTextByItem[delta.itemId] += delta.delta;
+    QString &streamed = m_agentTextByItem[delta.itemId];
+    streamed += QStringView(delta.delta).left(maxStreamed - streamed.size());
     out.emplace_back(AssistantDelta{delta.delta});
 }
 
@@ -203,7 +203,7 @@ void CodexItems::outputDelta(const codex_message::OutputDelta &delta, Events &ou
 
 void CodexItems::closeMessages(Events &out) {
     for (const QString &id : std::exchange(m_messages, {})) {
-        m_closed.insert(id);
+        noteClosed(id);
         if (const QString said = m_agentTextByItem.take(id); !said.isEmpty())
             out.emplace_back(AssistantText{said});
     }

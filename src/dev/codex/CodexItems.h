@@ -4,6 +4,7 @@
 #include "dev/codex/CodexMessage.h"
 
 #include <QHash>
+#include <QQueue>
 #include <QSet>
 #include <QStringList>
 
@@ -52,12 +53,19 @@ private:
     void completedChange(const CodexItem &item, Events &out);
     void completedTool(const CodexItem &item, Events &out);
 
+    /// Of one message, in characters: what goes on for ever is not kept for ever.
+    static constexpr qsizetype maxStreamed = 1024 * 1024;
+    static constexpr qsizetype maxClosed = 4096;
+
+    void noteClosed(const QString &id);
+
     QHash<QString, QString> m_agentTextByItem; ///< streamed so far, of messages that are not complete
     QStringList m_messages;                    ///< their ids, in order
     QHash<QString, QString> m_commandByItem;
     QHash<QString, QList<CodexFileChange>> m_changes;
     QStringList m_open;     ///< calls without a result, in order
-    QSet<QString> m_closed; ///< items that were ended here
+    QSet<QString> m_closed; ///< items that were ended here, the latest of them
+    QQueue<QString> m_closedInOrder;
 };
 
 } // namespace lmp

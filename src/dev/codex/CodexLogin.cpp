@@ -1,6 +1,5 @@
 #include "dev/codex/CodexLogin.h"
 
-#include "core/PoolAwaiter.h"
 #include "dev/DevProcess.h"
 #include "dev/codex/CodexCalls.h"
 
@@ -17,9 +16,9 @@ using namespace codex_call;
 
 QCoro::Task<std::optional<bool>> CodexLogin::ask(QString path, std::chrono::milliseconds limit) {
     // Starting blocks for a moment.
-    const auto launched = co_await PoolAwaiter([path] {
-        return DevProcess::launch({.program = path, .arguments = {u"app-server"_s}, .directory = QDir::homePath()});
-    });
+    const auto launched =
+        (co_await DevProcess::start({.program = path, .arguments = {u"app-server"_s}, .directory = QDir::homePath()}))
+            .process;
     if (!launched)
         co_return std::nullopt;
     const auto &process = *launched;

@@ -1,10 +1,9 @@
 #include "dev/codex/CodexQuestion.h"
 
+#include "dev/DevPathForms.h"
 #include "dev/DevTools.h"
 #include "dev/codex/CodexCommand.h"
-
-#include <QDir>
-#include <QFileInfo>
+#include "dev/codex/CodexInput.h"
 
 namespace lmp {
 
@@ -51,20 +50,6 @@ BOOST_DESCRIBE_STRUCT(ElicitationParams, (), (serverName, message, _meta))
 
 // What the user is shown whole.
 
-struct CommandInput {
-    QString command = {};
-    std::optional<QString> cwd = {};
-    std::optional<QString> reason = {};
-};
-BOOST_DESCRIBE_STRUCT(CommandInput, (), (command, cwd, reason))
-
-struct ChangeInput {
-    QList<CodexFileChange> changes = {};
-    std::optional<QString> grantRoot = {};
-    std::optional<QString> reason = {};
-};
-BOOST_DESCRIBE_STRUCT(ChangeInput, (), (changes, grantRoot, reason))
-
 struct ToolInput {
     std::optional<QString> server = {};
     boost::json::value arguments = {};
@@ -76,33 +61,21 @@ QString text(const T &value) {
     return QString::fromUtf8(Json::encode(value));
 }
 
-/// The path with every link on the way resolved, as far as it exists.
-QString resolved(const QString &path, const QString &repository) {
-    QString at = QDir::cleanPath(QDir(repository).absoluteFilePath(path)), rest;
-    for (;;) {
-        if (const QString canonical = QFileInfo(at).canonicalFilePath(); !canonical.isEmpty())
-            return QDir::cleanPath(canonical + rest);
-        const auto slash = at.lastIndexOf(u'/');
-        if (slash <= 0)
-            return at + rest;
-        rest.prepend(at.sliced(slash));
-        at.truncate(slash);
-    }
-}
-
+/// Also through links, and where they lead to what is not there yet. Where that cannot be told it is outside.
 bool isInside(const QString &path, const QString &repository) {
-    const QString root = resolved(repository, repository), found = resolved(path, repository);
-    return found == root || found.startsWith(root == "/"_L1 ? root : root + u'/');
+    const auto folder = repository.toStdString();
+    const auto root = DevPathForms::resolved(folder, "/"), found = DevPathForms::resolved(path.toStdString(), folder);
+    return root && found && (*found == *root || found->starts_with(*root == "/" ? *root : *root + '/'));
 }
 
 CodexQuestion command(const CommandParams &params, const CodexItems &items) {
     CodexQuestion question{.kind = CodexQuestion::Kind::Command, .tool = u"bash"_s};
     QString command = params.command ? codex_command::withoutShell(*params.command)
                                      : items.command(params.itemId.value_or(QString()));
-    question.input = text(CommandInput{.command = command, .cwd = params.cwd, .reason = params.reason});
+    question.input = text(CodexCommandInput{.command = command, .cwd = params.cwd, .reason = params.reason});
     // Without a command it is something else that is wanted, the network for instance.
     question.mustAsk = command.isEmpty() || params.kind.value_or(u"command"_s) != "command"_L1;
-    question.call = {.tool = question.tool, .command = command};
+    question.call = {.tool = question.tool, .command = command, .directory = params.cwd};
     question.summary = !command.isEmpty() ? command : params.reason.value_or(u"Codex 没说要做什么"_s);
     return question;
 }
@@ -110,7 +83,7 @@ CodexQuestion command(const CommandParams &params, const CodexItems &items) {
 CodexQuestion change(const ChangeParams &params, const CodexItems &items, const QString &repository) {
     CodexQuestion question{.kind = CodexQuestion::Kind::FileChange, .tool = u"apply_patch"_s};
     const auto changes = items.changes(params.itemId.value_or(QString()));
-    question.input = text(ChangeInput{.changes = changes, .grantRoot = params.grantRoot, .reason = params.reason});
+    question.input = text(CodexChangeInput{.changes = changes, .grantRoot = params.grantRoot, .reason = params.reason});
     QStringList outside;
     if (params.grantRoot && !isInside(*params.grantRoot, repository))
         outside << *params.grantRoot;
@@ -122,6 +95,9 @@ CodexQuestion change(const ChangeParams &params, const CodexItems &items, const 
         if (!rootIsOutside && !isInside(path, repository))
             outside << path;
     }
+    // Inside, but not for that a place that anything may be written to.
+    if (params.grantRoot)
+        question.call.paths << *params.grantRoot;
     // What is not known cannot be judged either.
     question.mustAsk = !outside.isEmpty() || changes.isEmpty();
     question.summary =

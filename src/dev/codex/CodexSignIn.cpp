@@ -1,6 +1,6 @@
 #include "dev/codex/CodexSignIn.h"
 
-#include "core/Json.h"
+#include "dev/codex/CodexCalls.h"
 
 #include <QDir>
 
@@ -13,26 +13,10 @@ namespace {
 constexpr qint64 initializeId = 1;
 constexpr qint64 loginId = 2;
 
-struct Client {
-    QString name = u"lumenpair"_s;
-    QString title = u"Lumenpair"_s;
-    QString version = QStringLiteral(LMP_VERSION);
+struct StartLogin {
+    QString type = u"chatgpt"_s;
 };
-BOOST_DESCRIBE_STRUCT(Client, (), (name, title, version))
-
-/// The parameters of all that is sent here.
-struct Params {
-    std::optional<Client> clientInfo = {};
-    std::optional<QString> type = {};
-};
-BOOST_DESCRIBE_STRUCT(Params, (), (clientInfo, type))
-
-struct Sent {
-    std::optional<qint64> id = {};
-    QString method;
-    std::optional<Params> params = {};
-};
-BOOST_DESCRIBE_STRUCT(Sent, (), (id, method, params))
+BOOST_DESCRIBE_STRUCT(StartLogin, (), (type))
 
 struct Login {
     std::optional<QString> loginId;
@@ -46,14 +30,6 @@ struct Completed {
     std::optional<QString> error;
 };
 BOOST_DESCRIBE_STRUCT(Completed, (), (loginId, success, error))
-
-/// An answer to one of our requests; the server's own requests have ids of their own, and a method.
-struct Reply {
-    qint64 id = 0;
-    std::optional<QString> method;
-    std::optional<Login> result;
-};
-BOOST_DESCRIBE_STRUCT(Reply, (), (id, method, result))
 
 struct Notice {
     QString method;
@@ -69,20 +45,25 @@ DevProcess::Command CodexSignIn::command() const {
 
 QByteArrayList CodexSignIn::opening() {
     // The server takes one after the other, so there is nothing to wait for in between.
-    return {
-        Json::encode(Sent{.id = initializeId, .method = u"initialize"_s, .params = Params{.clientInfo = Client()}}),
-        Json::encode(Sent{.method = u"initialized"_s}),
-        Json::encode(Sent{.id = loginId, .method = u"account/login/start"_s, .params = Params{.type = u"chatgpt"_s}})};
+    const codex_call::Initialize client{.clientInfo = {.version = QStringLiteral(LMP_VERSION)}};
+    return {json_rpc::request(initializeId, u"initialize"_s, client),
+            json_rpc::notification(u"initialized"_s, json_rpc::Nothing()),
+            json_rpc::request(loginId, u"account/login/start"_s, StartLogin())};
 }
 
 DevSignIn::Step CodexSignIn::read(QByteArrayView line) {
-    if (const auto reply = Json::decode<Reply>(line); reply && !reply->method) {
-        if (reply->id != loginId)
+    const auto message = Json::decode<CodexMessage>(line);
+    if (!message)
+        return {};
+    if (const auto *response = std::get_if<codex_message::Response>(&message->what)) {
+        if (response->id.number() != loginId)
             return {};
-        if (!reply->result || !reply->result->authUrl || !isWebAddress(*reply->result->authUrl))
+        const auto login =
+            response->result ? Json::fromValue<Login>(*response->result) : std::unexpected(JsonFailure());
+        if (!login || !login->authUrl || !isWebAddress(*login->authUrl))
             return {.failure = u"codex 没有给出授权链接"_s};
-        m_loginId = reply->result->loginId.value_or(QString());
-        return {.url = reply->result->authUrl};
+        m_loginId = login->loginId.value_or(QString());
+        return {.url = login->authUrl};
     }
     const auto notice = Json::decode<Notice>(line);
     if (!notice || notice->method != "account/login/completed"_L1)

@@ -78,13 +78,14 @@ bool Guardian::start(const char *directory, char **arguments) {
     }
     for (const int end : report)
         ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    const pid_t self = ::getpid();
     m_child = ::fork();
     if (m_child < 0) {
         tell(GuardianMessage::FailedProgram, errno);
         return false;
     }
     if (m_child == 0)
-        runChild(directory, arguments, report[1]);
+        runChild(self, directory, arguments, report[1]);
     ::close(report[1]);
     // The pipes are the child's. Kept open here, they would hide its end from the program.
     const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -107,12 +108,15 @@ bool Guardian::start(const char *directory, char **arguments) {
     return true;
 }
 
-void Guardian::runChild(const char *directory, char **arguments, int report) {
+void Guardian::runChild(pid_t guardian, const char *directory, char **arguments, int report) {
     ::setsid();
 #ifdef __linux__
     // Should somebody kill this guardian, its child at least goes too. (Its only thread is the one that forks.)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
+    // It may have been before that could take effect.
+    if (::getppid() != guardian)
+        ::_exit(127);
     for (int signal = 1; signal < NSIG; ++signal)
         handle(signal, SIG_DFL);
     sigset_t none;

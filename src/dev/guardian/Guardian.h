@@ -30,7 +30,7 @@ private:
         Clearing ///< being killed
     };
 
-    [[noreturn]] void runChild(const char *directory, char **arguments, int report);
+    [[noreturn]] void runChild(pid_t guardian, const char *directory, char **arguments, int report);
     void wait();
     void readControl();
     void reap();

@@ -10,6 +10,8 @@
 #include <QGuiApplication>
 #include <QPointer>
 
+#include <algorithm>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -19,10 +21,6 @@ namespace {
 
 QString pip(std::optional<qint64> amount) {
     return amount ? QString::number(*amount) + u" Pip"_s : u"—"_s;
-}
-
-QString ownerOf(const ConversationAccount &account) {
-    return account.key() + u'\n' + account.signIn();
 }
 
 } // namespace
@@ -47,14 +45,23 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_extraction(
           m_services.api, m_session, [this] { return isIdle(); }, m_services.extractions)
     , m_inputs(m_services.inputs, *m_services.clock)
-    , m_owner(ownerOf(m_services.account)) {
+    , m_retry(m_session, m_view, m_messages, m_inputs)
+    , m_owner(m_services.account.owner())
+    , m_user(m_services.account.current())
+    , m_signIn(m_services.account.signIn()) {
     m_view.surface = u"chat"_s;
     connect(&m_session, &ConversationSession::opened, this, &ChatModel::onOpened);
     connect(&m_session, &ConversationSession::saveEnded, this, &ChatModel::onSaveEnded);
+    connect(&m_session, &ConversationSession::secured, this, &ChatModel::onSecured);
+    connect(&m_session, &ConversationSession::refused, this, &ChatModel::onRefused);
+    connect(&m_session.left(), &LeftConversations::refusedChanged, this, &ChatModel::onLeft);
     connect(&m_view, &ChatWithTwinView::stateChanged, this, &ChatModel::onViewChanged);
     connect(&m_view, &ChatWithTwinView::turnCompleted, this, &ChatModel::onTurnEnded);
     connect(&m_view, &ChatWithTwinView::turnFailed, this, &ChatModel::onTurnEnded);
-    connect(&m_view, &ChatWithTwinView::retryEnded, this, &ChatModel::onRetryEnded);
+    connect(&m_retry, &ChatRetry::inputChanged, this, &ChatModel::inputChanged);
+    connect(&m_retry, &ChatRetry::held, this, &ChatModel::hold);
+    connect(&m_retry, &ChatRetry::sent, this, &ChatModel::sent);
+    connect(&m_retry, &ChatRetry::answered, this, &ChatModel::emptyBox);
     connect(&m_inputs, &ComposerInputs::replaced, this, &ChatModel::inputChanged);
     connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::inputDraftChanged);
     connect(&m_inputs, &ComposerInputs::kept, this, &ChatModel::draftsChanged);
@@ -66,8 +73,10 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
 ChatModel::~ChatModel() {
     // What the members say while they go is for nobody.
     m_session.disconnect(this);
+    m_session.left().disconnect(this);
     m_view.disconnect(this);
     m_inputs.disconnect(this);
+    m_retry.disconnect(this);
     if (m_services.search)
         m_services.search->holdBack(this, false);
 }
@@ -151,10 +160,14 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
         co_return;
     }
     m_inputs.describe(place());
-    dropStaleRetry();
+    m_retry.dropStale();
     Q_EMIT conversationChanged();
     if (self && m_loads == loads && m_whenOpened)
         std::exchange(m_whenOpened, nullptr)();
+    if (!self || m_loads != loads)
+        co_return;
+    const QString unread = m_session.draftUnread().value_or(QString());
+    setNotice(unread);
     if (!self || m_loads != loads || !m_session.unsaved())
         co_return;
     // Whether it is saved again is the person's word: the save before may have arrived.
@@ -162,10 +175,10 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     const bool kept = co_await m_session.preserve();
     if (!self || m_loads != loads || !m_session.unsaved() || m_session.isSaving())
         co_return;
+    QString text = kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept();
     if (conflict)
-        setNotice(kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept());
-    else
-        setNotice(kept ? ConversationTexts::notSynchronised() : ConversationTexts::notKept());
+        text = kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept();
+    setNotice(unread.isEmpty() ? text : unread + u'\n' + text);
 }
 
 void ChatModel::endTurn() {
@@ -186,9 +199,7 @@ void ChatModel::forgetOpening() {
 }
 
 void ChatModel::onOpened() {
-    m_retryRow.clear();
-    m_retryWhenSaved.clear();
-    m_retryInput.reset();
+    m_retry.onOpened();
     Q_EMIT conversationChanged();
     Q_EMIT inputChanged();
 }
@@ -217,6 +228,10 @@ void ChatModel::saveAsNew() {
     if (!self)
         return;
     m_extraction.carryOver(before);
+    for (Sent &sent : m_sent) {
+        if (sent.conversation == before)
+            sent.conversation = conversationId();
+    }
     m_inputs.moveTo(place(), true);
     Q_EMIT conversationChanged();
     if (self)
@@ -227,10 +242,7 @@ void ChatModel::onSaveEnded(const ConversationSession::Saved &saved) {
     const QPointer self(this);
     m_inputs.describe(place());
     setNotice(saved.text.value_or(QString()));
-    if (const QString waiting = std::exchange(m_retryWhenSaved, {}); !waiting.isEmpty()) {
-        m_messages.setRetrying({});
-        waiting == retryTarget() ? sendRetry() : retry(waiting);
-    }
+    m_retry.onSaveEnded();
     Q_EMIT conversationChanged();
     if (self && saved.where == ConversationSession::Saved::Where::Service)
         Q_EMIT this->saved();
@@ -238,13 +250,64 @@ void ChatModel::onSaveEnded(const ConversationSession::Saved &saved) {
         Q_EMIT draftsChanged();
 }
 
+void ChatModel::onSecured(const QString &conversationId, quint64 edits) {
+    // What was sent stands in its message from now on, and need not stand in the box's file any more.
+    const auto isSafe = [&](const Sent &sent) {
+        return sent.conversation == conversationId && sent.edits <= edits;
+    };
+    QList<Sent> safe;
+    std::ranges::copy_if(m_sent, std::back_inserter(safe), isSafe);
+    m_sent.removeIf(isSafe);
+    for (const Sent &sent : std::as_const(safe))
+        m_inputs.release(sent.box, sent.edits);
+    if (m_notice == ConversationTexts::notKept() && conversationId == this->conversationId() && m_session.unsaved())
+        setNotice(ConversationTexts::notSynchronised());
+}
+
+void ChatModel::onRefused() {
+    // The end of a save tells it too, and what the service said.
+    if (m_session.isSaving())
+        return;
+    const QPointer self(this);
+    setNotice(m_session.draftChangedElsewhere() ? ConversationTexts::draftChangedElsewhere()
+                                                : ConversationTexts::notKept());
+    if (self)
+        Q_EMIT conversationChanged();
+}
+
+void ChatModel::onLeft() {
+    const auto titles = m_session.left().refused(m_services.account.current());
+    const QString notice = titles.isEmpty() ? QString() : ConversationTexts::leftNotKept(titles);
+    if (std::exchange(m_leftNotice, notice) != notice)
+        Q_EMIT noticeChanged();
+}
+
+void ChatModel::emptyBox() {
+    if (m_session.incognito()) {
+        m_inputs.clear();
+        return;
+    }
+    m_sent.push_back({conversationId(), conversationId(), m_session.edits()});
+    m_inputs.hold(m_session.edits());
+    if (!m_session.unsaved())
+        onSecured(conversationId(), m_session.edits());
+}
+
 void ChatModel::setNotice(const QString &notice) {
     if (std::exchange(m_notice, notice) != notice)
         Q_EMIT noticeChanged();
 }
 
+QString ChatModel::notice() const {
+    QStringList notices{m_notice, m_leftNotice};
+    notices.removeAll(QString());
+    return notices.join(u'\n');
+}
+
 void ChatModel::closeNotice() {
+    m_leftNotice.clear();
     setNotice({});
+    Q_EMIT noticeChanged();
 }
 
 void ChatModel::closeLinkNotice() {
@@ -253,16 +316,27 @@ void ChatModel::closeLinkNotice() {
 }
 
 void ChatModel::recheckAccount() {
-    const QString owner = ownerOf(m_services.account);
+    const QString owner = m_services.account.owner();
     if (std::exchange(m_owner, owner) == owner)
         return;
     const QPointer self(this);
+    const auto before = std::exchange(m_user, m_services.account.current());
+    const QString signIn = std::exchange(m_signIn, m_services.account.signIn());
+    if (!before && m_user && signIn == m_signIn) {
+        // It was typed, and perhaps sent, before it was known by whom.
+        m_session.knowOwner();
+        m_view.knowOwner();
+        m_inputs.open(m_user, true);
+        onLeft();
+        return;
+    }
     forgetOpening();
-    m_inputs.open(m_services.account.current());
+    m_inputs.open(m_user);
     m_session.close();
     if (!self)
         return;
     m_used.show({});
+    onLeft();
     Q_EMIT conversationChanged();
 }
 
@@ -292,14 +366,14 @@ void ChatModel::setCheaperMode(bool cheaper) {
 bool ChatModel::send() {
     m_heldReason.clear();
     if (!retryTarget().isEmpty())
-        return sendRetry();
+        return m_retry.send();
     const auto reference = m_view.send(input());
     if (!reference) {
         hold(reference.error());
         return false;
     }
     m_inputs.describe(place());
-    m_inputs.clear();
+    emptyBox();
     m_messages.jumpToLatest();
     Q_EMIT conversationChanged();
     Q_EMIT sent();
@@ -328,118 +402,9 @@ void ChatModel::onTurnEnded(const TurnOutcome &outcome) {
 
 // Another answer
 
-bool ChatModel::retryReply(const QString &twinMessageId) {
-    return retry(twinMessageId);
-}
-
-bool ChatModel::waitsForSave(const QString &messageId) {
-    // Only what the service has can be answered again, and right after a turn it is about to have it.
-    if (!m_session.isSaving() || !isIdle())
-        return false;
-    m_retryWhenSaved = messageId;
-    m_messages.setError(messageId, {});
-    m_messages.setRetrying(messageId);
-    return true;
-}
-
-bool ChatModel::retry(const QString &messageId) {
-    if (waitsForSave(messageId))
-        return true;
-    const auto *message = messageOf(messageId);
-    const bool twin = message && message->role == TalkRole::twin;
-    return startedRetry(messageId, twin ? m_view.retryReply(messageId) : m_view.retryMessage(messageId));
-}
-
 bool ChatModel::retryMessage(const QString &userMessageId, const QString &edited) {
-    const auto *message = messageOf(userMessageId);
-    if (edited.isEmpty() || (message && message->text == edited))
-        return retry(userMessageId);
-    if (retryTarget() != userMessageId && !m_inputs.current().isEmpty()) {
-        m_messages.setError(userMessageId, ConversationTexts::inputBoxOccupied());
-        return false;
-    }
-    m_inputs.setText(edited);
-    m_inputs.setRetryMessage(userMessageId);
-    Q_EMIT inputChanged();
-    return send();
-}
-
-bool ChatModel::restoreMessage(const QString &userMessageId) {
-    const auto *message = messageOf(userMessageId);
-    if (!message || message->deliveryState != ConversationDeliveryState::failed)
-        return false;
-    if (retryTarget() == userMessageId)
-        return true;
-    if (!m_inputs.current().isEmpty()) {
-        m_messages.setError(userMessageId, ConversationTexts::inputBoxOccupied());
-        return false;
-    }
-    m_inputs.setText(message->text);
-    m_inputs.setRetryMessage(userMessageId);
-    m_messages.setError(userMessageId, {});
-    Q_EMIT inputChanged();
-    return true;
-}
-
-bool ChatModel::sendRetry() {
-    const QString target = retryTarget();
-    const QString text = input();
-    if (text.trimmed().isEmpty()) {
-        hold(ConversationTexts::nothingTyped());
-        return false;
-    }
-    if (waitsForSave(target))
-        return true;
-    const auto *message = messageOf(target);
-    const bool edited = !message || message->text != text;
-    if (const auto why = m_view.retryMessage(target, edited ? std::optional(text) : std::nullopt)) {
-        hold(*why);
-        return false;
-    }
-    m_retryInput = text;
-    startedRetry(target, std::nullopt);
-    Q_EMIT inputChanged();
-    Q_EMIT sent();
-    return true;
-}
-
-bool ChatModel::startedRetry(const QString &row, const std::optional<QString> &refusal) {
-    m_messages.setError(row, refusal.value_or(QString()));
-    if (refusal)
-        return false;
-    m_retryRow = row;
-    m_messages.setRetrying(row);
-    return true;
-}
-
-void ChatModel::onRetryEnded(const QString &, const QString &text) {
-    const QString row = std::exchange(m_retryRow, {});
-    const auto sentInput = std::exchange(m_retryInput, std::nullopt);
-    m_messages.setRetrying({});
-    if (!text.isNull())
-        m_messages.setError(row, text);
-    // What was typed on meanwhile stays, and says something new.
-    else if (sentInput && input() == *sentInput)
-        m_inputs.clear();
-    else if (sentInput)
-        clearRetryTarget();
-}
-
-void ChatModel::dropStaleRetry() {
-    const QString target = retryTarget();
-    const auto *message = messageOf(target);
-    if (!target.isEmpty() && (!message || message->deliveryState != ConversationDeliveryState::failed))
-        clearRetryTarget();
-}
-
-void ChatModel::clearRetryTarget() {
-    m_inputs.setRetryMessage(std::nullopt);
-    Q_EMIT inputChanged();
-}
-
-const ConvMessageDTO *ChatModel::messageOf(const QString &id) const {
-    const auto *conversation = m_session.conversation();
-    return conversation ? ConversationMessageDelivery::find(*conversation, id) : nullptr;
+    m_heldReason.clear();
+    return m_retry.askEdited(userMessageId, edited);
 }
 
 // The input
@@ -475,31 +440,19 @@ QString ChatModel::otherInputText() const {
     return lines.join(u'\n');
 }
 
-QString ChatModel::retryTarget() const {
-    return m_inputs.current().retryMessageId.value_or(QString());
-}
-
 QString ChatModel::retryTargetText() const {
     return retryTarget().isEmpty() ? QString() : ConversationTexts::retryRunning();
 }
 
 bool ChatModel::localInputSaved() const {
-    return m_inputs.isKept() && (!m_session.unsaved() || m_session.incognito());
+    return m_inputs.isKept() && m_session.left().isEmpty() && (!m_session.unsaved() || m_session.incognito());
 }
 
 QCoro::Task<bool> ChatModel::preserve() {
     const QPointer self(this);
-    const bool inputs = co_await m_inputs.keep();
-    if (!self)
-        co_return false;
+    // First the messages: what was sent stays in its box's file until its message is safe.
     const bool conversation = co_await m_session.preserve();
-    if (!self)
-        co_return false;
-    if (!conversation && !m_session.isSaving()) {
-        setNotice(m_session.draftChangedElsewhere() ? ConversationTexts::draftChangedElsewhere()
-                                                    : ConversationTexts::notKept());
-        Q_EMIT conversationChanged();
-    }
+    const bool inputs = self && co_await m_inputs.keep();
     co_return inputs &&conversation;
 }
 
@@ -515,7 +468,8 @@ void ChatModel::copyText(const QString &text) {
 }
 
 void ChatModel::copyMessage(const QString &messageId) {
-    if (const auto *message = messageOf(messageId))
+    const auto *conversation = m_session.conversation();
+    if (const auto *message = conversation ? ConversationMessageDelivery::find(*conversation, messageId) : nullptr)
         copyText(message->text);
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/LocalInputRegistry.h"
 #include "screens/chat/ChatFind.h"
+#include "screens/chat/ChatRetry.h"
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
 #include "screens/chat/ExtractionModel.h"
@@ -76,6 +77,8 @@ class ChatModel : public QObject {
     /// Another window has written something else; `keepMyInput` or `takeOtherInput` is the person's choice.
     Q_PROPERTY(bool inputDraftConflicted READ inputDraftConflicted NOTIFY inputDraftChanged)
     Q_PROPERTY(QString otherInputText READ otherInputText NOTIFY inputDraftChanged)
+    /// One of the two was given up; `takeInputBack` is the action.
+    Q_PROPERTY(bool inputGivenUp READ inputGivenUp NOTIFY inputDraftChanged)
 
     // The sheets.
     Q_PROPERTY(bool usedOpen READ usedOpen NOTIFY stateChanged)
@@ -103,7 +106,7 @@ public:
     bool conflicted() const { return m_session.conflicted(); }
     bool blocked() const { return m_session.conflicted() || m_session.draftChangedElsewhere(); }
     bool localOnly() const { return m_session.unsaved() && !m_session.isSaving() && isIdle(); }
-    const QString &notice() const { return m_notice; }
+    QString notice() const;
     const QString &linkNotice() const { return m_linkNotice; }
     bool sending() const { return m_view.sending(); }
     bool awaitingReply() const { return m_view.awaitingReply(); }
@@ -118,12 +121,13 @@ public:
     void setInput(const QString &text);
     bool canSend() const;
     const QString &inputHeldReason() const { return m_heldReason; }
-    QString retryTarget() const;
+    QString retryTarget() const { return m_retry.target(); }
     QString retryTargetText() const;
     bool inputRestored() const { return m_inputs.isRestored(); }
     QString inputDraftError() const { return m_inputs.error(); }
     bool inputDraftConflicted() const { return m_inputs.isConflicted(); }
     QString otherInputText() const;
+    bool inputGivenUp() const { return m_inputs.hasGivenUp(); }
     /// The write of the input's file that this window last read or made.
     std::optional<QString> inputDraftWriteId() const { return m_inputs.draftWriteId(); }
     /// The account whose input is in the boxes.
@@ -157,17 +161,21 @@ public:
     Q_INVOKABLE bool send();
     Q_INVOKABLE void stop();
     /// Another answer to what a reply answered. Why not is told in the reply's own row.
-    Q_INVOKABLE bool retryReply(const QString &twinMessageId);
+    Q_INVOKABLE bool retryReply(const QString &twinMessageId) { return m_retry.ask(twinMessageId); }
     /// Sends a failed message again. An edited text goes by way of the input box, so that it cannot be lost.
     Q_INVOKABLE bool retryMessage(const QString &userMessageId, const QString &edited = {});
     /// Puts a failed message into the input box, to be edited and tried again. @return false when the box is occupied
-    Q_INVOKABLE bool restoreMessage(const QString &userMessageId);
+    Q_INVOKABLE bool restoreMessage(const QString &userMessageId) { return m_retry.restore(userMessageId); }
     /// Sending says something new again; the text stays.
-    Q_INVOKABLE void clearRetryTarget();
+    Q_INVOKABLE void clearRetryTarget() { m_retry.clearTarget(); }
     /// Puts the input here in the place of the other window's.
     Q_INVOKABLE void keepMyInput() { m_inputs.keepMine(); }
     /// Gives up the input here for the other window's.
     Q_INVOKABLE void takeOtherInput() { m_inputs.takeTheirs(); }
+    /// Has back the one of the two that was given up, in exchange for the other.
+    Q_INVOKABLE void takeInputBack() { m_inputs.takeBack(); }
+    /// Is content with the choice.
+    Q_INVOKABLE void closeInputChoice() { m_inputs.forgetGivenUp(); }
 
     Q_INVOKABLE void like(const QString &messageId) { m_view.likeReply(messageId); }
     Q_INVOKABLE void openReasons(const QString &messageId) { m_view.openReasons(messageId); }
@@ -207,19 +215,16 @@ private:
     void endTurn();
     void forgetOpening();
     ComposerInputs::Place place() const;
-    const ConvMessageDTO *messageOf(const QString &id) const;
-    bool waitsForSave(const QString &messageId);
-    bool retry(const QString &messageId);
-    bool sendRetry();
-    bool startedRetry(const QString &row, const std::optional<QString> &refusal);
-    void dropStaleRetry();
     void hold(const QString &reason);
     void setNotice(const QString &notice);
     void onOpened();
     void onViewChanged();
     void onTurnEnded(const TurnOutcome &outcome);
-    void onRetryEnded(const QString &messageId, const QString &text);
     void onSaveEnded(const ConversationSession::Saved &saved);
+    void onSecured(const QString &conversationId, quint64 edits);
+    void onRefused();
+    void onLeft();
+    void emptyBox();
 
     ChatServices m_services;
     ConversationSession m_session;
@@ -230,19 +235,26 @@ private:
     SpeechModel m_speech;
     ExtractionModel m_extraction;
     ComposerInputs m_inputs;
+    ChatRetry m_retry;
     LocalInputRegistry::Registration m_localInput;
+    /// An input that was sent, until its message is on disk or with the service.
+    struct Sent {
+        QString box, conversation;
+        quint64 edits = 0;
+    };
+    QList<Sent> m_sent;
     QString m_owner;                    ///< the account and sign-in that what is open is of
+    std::optional<QString> m_user;      ///< the account of these
+    QString m_signIn;                   ///< the sign-in of these
     QString m_wantedId;                 ///< of a conversation that is being opened, or could not be
     quint64 m_loads = 0;                ///< counts what was asked for
     std::function<void()> m_whenOpened; ///< goes to the message that was asked for
     bool m_loading = false;
     QString m_loadError;
     QString m_notice;
+    QString m_leftNotice; ///< about conversations that are not open any more
     QString m_linkNotice;
     QString m_heldReason;
-    QString m_retryWhenSaved;            ///< the message to try again as soon as the service has it
-    QString m_retryRow;                  ///< whose retry is under way
-    std::optional<QString> m_retryInput; ///< what it was sent with, when that is the input
 };
 
 } // namespace lmp

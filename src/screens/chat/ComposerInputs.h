@@ -1,33 +1,23 @@
 #pragma once
 
-#include "conversation/ConversationAccount.h"
-#include "platform/Clock.h"
-#include "screens/chat/ComposerBox.h"
+#include "conversation/KeptTexts.h"
 
-#include <QCoroTask>
-
-#include <QHash>
 #include <QObject>
-#include <QThreadPool>
 
 namespace lmp {
 
-/// What is typed and not sent in one window, kept apart for each conversation, and put on disk when it is left or soon
-/// after it was typed.
+/// What is typed and not sent in one window, kept apart for each conversation: which of the kept texts stands in the
+/// box, and what a fresh conversation takes over.
 ///
-/// Part of the chat's model; the clock outlives it. UI thread; the disk is a thread of its own. Of an incognito
-/// conversation nothing is kept. What one account typed is put away when another signs in, and is there again when it
-/// comes back. What another window wrote is never overwritten: `isConflicted` asks the person, and until then this
-/// window's input is kept beside.
+/// Part of the chat's model; the clock outlives it. UI thread. Of an incognito conversation nothing is kept. How texts
+/// come to the disk, and what happens where two windows meet, is KeptTexts'.
 class ComposerInputs : public QObject {
     Q_OBJECT
 public:
-    using Place = ComposerBox::Place;
+    using Place = KeptText::Place;
 
-    /// How long what is typed stays in memory alone.
-    static constexpr std::chrono::milliseconds typingPause{300};
-    /// How soon what the disk refused is tried again.
-    static constexpr std::chrono::milliseconds retryPause{2000};
+    static constexpr auto typingPause = KeptTexts::typingPause;
+    static constexpr auto retryPause = KeptTexts::retryPause;
 
     ComposerInputs(ConversationInputDraftStore store, Clock &clock, QObject *parent = nullptr);
     ~ComposerInputs() override;
@@ -40,32 +30,41 @@ public:
     void describe(const Place &place);
 
     /// What stands in the box in use.
-    ConversationInput current() const { return m_boxes.value(m_id).input; }
+    ConversationInput current() const { return m_texts.box(m_id).input; }
     void setText(const QString &text);
     void setRetryMessage(std::optional<QString> messageId);
     void clear();
+    /// What stands in the box was sent: it is empty, and what it held stays on disk until `release`.
+    void hold(quint64 ticket) { m_texts.hold(m_id, ticket); }
+    /// What was sent from the box of `id` up to `ticket` is safe.
+    void release(const QString &id, quint64 ticket) { m_texts.release(id, ticket); }
 
     /// Puts away what there is and begins with what the disk has for `account`.
-    void open(const std::optional<QString> &account);
+    /// @param samePerson only now it is known who it is that has been typing: the box stays as it is
+    void open(const std::optional<QString> &account, bool samePerson = false);
     /// The account whose input was restored.
-    const std::optional<QString> &restoredDraftAccount() const { return m_restoredAccount; }
+    const std::optional<QString> &restoredDraftAccount() const { return m_texts.restoredAccount(); }
     /// Whether the disk has everything that is to be kept.
-    bool isKept() const;
+    bool isKept() const { return m_texts.isKept(); }
     /// Puts on disk what is not there yet. @return false when that did not work
-    QCoro::Task<bool> keep();
+    QCoro::Task<bool> keep() { return m_texts.keep(); }
 
     // Of the box in use.
-    bool isRestored() const { return m_boxes.value(m_id).restored; }
-    std::optional<QString> draftWriteId() const { return m_boxes.value(m_id).draftWriteId; }
+    bool isRestored() const { return m_texts.box(m_id).restored; }
+    std::optional<QString> draftWriteId() const { return m_texts.box(m_id).draftWriteId; }
     /// Why the box is not on disk, or what the disk has is not in the box; null when all is well.
-    QString error() const;
-    bool isConflicted() const { return m_boxes.value(m_id).theirs.has_value(); }
+    QString error() const { return m_texts.error(m_id); }
+    bool isConflicted() const { return m_texts.box(m_id).theirs.has_value(); }
     /// What another window wrote, while that is so.
-    std::optional<ComposerBox::Entry> theirs() const { return m_boxes.value(m_id).theirs; }
-    /// Puts what stands here in the place of what the other window wrote.
+    std::optional<KeptText::Entry> theirs() const { return m_texts.box(m_id).theirs; }
+    /// Puts what stands here in the place of what the other window wrote. Nothing never takes the place of something.
     void keepMine();
     /// Gives up what stands here for what the other window wrote.
     void takeTheirs();
+    /// Whether one of the two was given up, and can be had back with `takeBack`.
+    bool hasGivenUp() const { return m_texts.box(m_id).givenUp.has_value() && !isConflicted(); }
+    void takeBack() { m_texts.takeBack(m_id); }
+    void forgetGivenUp() { m_texts.forgetGivenUp(m_id); }
 
 Q_SIGNALS:
     /// The box in use holds something else, other than by `setText`.
@@ -76,43 +75,12 @@ Q_SIGNALS:
     void kept();
 
 private:
-    struct Write;
-    using Boxes = QHash<QString, ComposerBox>;
-
-    ComposerBox &box(const QString &id);
-    ComposerBox *find(const std::optional<QString> &account, const QString &id);
-    void change(const std::function<void(ConversationInput &)> &change);
     void takeOver();
+    void onReplaced(const QString &id);
+    void onRestored();
 
-    QCoro::Task<> keepNow();
-    QCoro::Task<> putAway(QList<Write> writes);
-    QCoro::Task<> keepAfterPause();
-    /// @param last there is no time to learn what the disk has: what was not restored is kept beside it
-    QList<Write> dirty(bool last = false);
-    void collect(Boxes &boxes, bool last, QList<Write> &writes) const;
-    static QList<Write> written(const ConversationInputDraftStore &store, QList<Write> writes);
-    QCoro::Task<bool> keepWritten(QList<Write> writes);
-    void settle(ComposerBox &box, const Write &write);
-    /// The box goes on from what the disk has. The file thread learns of it in the order of what is written there.
-    void goOnFrom(ComposerBox &box, const ComposerBox::Entry &entry);
-    void removeCopy(ComposerBox &box);
-
-    QCoro::Task<> restore();
-    QCoro::Task<> readAgain(QString id);
-    void adopt(const QString &id, const std::optional<ComposerBox::Entry> &entry);
-    void adoptCopy(const ComposerBox::Entry &copy);
-
-    ConversationInputDraftStore m_store;
-    Clock &m_clock;
-    std::optional<QString> m_account;
-    std::optional<QString> m_restoredAccount;
-    quint64 m_generation = 0; ///< counts the accounts opened
-    bool m_keepWaits = false;
-    std::stop_source m_stop;
-    Boxes m_boxes;                ///< of the account, by conversation
-    QHash<QString, Boxes> m_left; ///< of accounts that went before the disk had everything
-    QString m_id;                 ///< of the box in use
-    QThreadPool m_pool;           ///< of one thread: files are written in the order in which that was decided
+    KeptTexts m_texts;
+    QString m_id; ///< of the box in use
 };
 
 } // namespace lmp

@@ -2,16 +2,18 @@ import QtQuick
 import Lumenpair.Chat
 import Lumenpair.Kit
 
-/// Shows over the input what another window has put in its place, until the person has chosen between the two.
+/// Shows over the input what another window has put in its place, until the person has chosen between the two; after
+/// that, the way back.
 Item {
     id: root
 
     required property ChatModel chat
+    readonly property bool asks: root.chat.inputDraftConflicted
 
     signal chosen
 
     height: root.visible ? body.height + 2 * body.y : 0
-    visible: root.chat.inputDraftConflicted
+    visible: root.asks || root.chat.inputGivenUp
 
     Column {
         id: body
@@ -25,7 +27,7 @@ Item {
             Accessible.role: Accessible.AlertMessage
             color: Theme.warning
             kind: LMPText.Caption
-            text: root.chat.inputDraftError
+            text: root.asks ? root.chat.inputDraftError : "两份里用了一份。没有用的那一份还在，可以换回来。"
             width: parent.width
         }
         // Whoever wants some of both copies it from here.
@@ -35,13 +37,17 @@ Item {
             minimumLines: 1
             readOnly: true
             text: root.chat.otherInputText
+            visible: root.asks
             width: parent.width
         }
         Flow {
             spacing: Theme.space8
+            visible: root.asks
             width: parent.width
 
             LMPButton {
+                // Nothing never takes the place of something.
+                enabled: root.chat.input.length > 0
                 text: "保留我的"
 
                 onClicked: {
@@ -55,6 +61,30 @@ Item {
 
                 onClicked: {
                     root.chat.takeOtherInput();
+                    root.chosen();
+                }
+            }
+        }
+        Flow {
+            spacing: Theme.space8
+            visible: !root.asks
+            width: parent.width
+
+            LMPButton {
+                kind: LMPButton.Quiet
+                text: "换回另一份"
+
+                onClicked: {
+                    root.chat.takeInputBack();
+                    root.chosen();
+                }
+            }
+            LMPButton {
+                kind: LMPButton.Quiet
+                text: "不用了"
+
+                onClicked: {
+                    root.chat.closeInputChoice();
                     root.chosen();
                 }
             }

@@ -11,6 +11,6 @@ SharedModels::SharedModels(Application &opened)
     , safety(opened.safety(), opened.opener())
     , telemetry(opened.telemetry())
     , updates(opened.site().downloads, opened.opener())
-    , memoryInputs(opened.support(), opened.account(), opened.clock()) {}
+    , memoryInputs(opened.support(), opened.account(), opened.clock(), opened.scope()) {}
 
 } // namespace lmp

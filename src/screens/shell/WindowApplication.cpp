@@ -3,6 +3,7 @@
 #include "app/DeepLink.h"
 #include "core/Detach.h"
 #include "platform/Log.h"
+#include "platform/ProcessPrivacy.h"
 #include "platform/UserDefaults.h"
 #include "screens/shell/QmlModules.h"
 #include "screens/shell/WindowScene.h"
@@ -47,7 +48,7 @@ WindowApplication::~WindowApplication() {
 }
 
 Application::Options WindowApplication::options(const WindowOptions &options, std::chrono::nanoseconds processStartAt) {
-    const QString token = qEnvironmentVariable("LMP_TOKEN");
+    const QString token = ProcessPrivacy::take("LMP_TOKEN");
     return {.site = options.site,
             .profile = options.profile,
             .token = token.isEmpty() ? std::nullopt : std::optional(token),

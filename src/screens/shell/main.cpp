@@ -1,4 +1,5 @@
 #include "app/SingleInstance.h"
+#include "platform/ProcessPrivacy.h"
 #include "platform/SystemClock.h"
 #include "screens/shell/GraphicsChoice.h"
 #include "screens/shell/WindowApplication.h"
@@ -18,6 +19,7 @@ int complain(const QString &text, int status) {
 
 int main(int argc, char **argv) {
     const auto start = lmp::SystemClock().monotonic();
+    lmp::ProcessPrivacy::begin();
     QStringList arguments;
     for (int at = 1; at < argc; ++at)
         arguments << QString::fromLocal8Bit(argv[at]);
@@ -52,5 +54,7 @@ int main(int argc, char **argv) {
     lmp::WindowApplication window(*std::move(options), start);
     QObject::connect(&instance, &lmp::SingleInstance::handedOver, &window, &lmp::WindowApplication::takeOver);
     QObject::connect(&window, &lmp::WindowApplication::leaving, &instance, &lmp::SingleInstance::release);
-    return window.start() ? QGuiApplication::exec() : 1;
+    const int status = window.start() ? QGuiApplication::exec() : 1;
+    lmp::Application::endChildren();
+    return status;
 }

@@ -3,6 +3,7 @@
 #include "screens/chat/ChatModel.h"
 
 #include "support/Await.h"
+#include "support/FileThreadEnd.h"
 #include "support/ManualClock.h"
 #include "support/StubServer.h"
 
@@ -142,6 +143,7 @@ protected:
     StubServer server;
     QPointer<QTcpSocket> held;
     QTemporaryDir folder;
+    FileThreadEnd files;
     ApplicationSupport support = ApplicationSupport::at(folder.path());
     ManualClock clock;
     SafetyGateStore safety;

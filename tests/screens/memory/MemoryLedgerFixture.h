@@ -4,6 +4,7 @@
 #include "screens/memory/MemoryLedgerModel.h"
 
 #include "support/Await.h"
+#include "support/FileThreadEnd.h"
 #include "support/ManualClock.h"
 #include "support/StubServer.h"
 
@@ -102,6 +103,7 @@ protected:
     StubServer server;
     QPointer<QTcpSocket> held;
     QTemporaryDir folder;
+    FileThreadEnd files;
     ManualClock clock;
     std::optional<QString> user = QStringLiteral("u1");
     QString signIn = QStringLiteral("s");

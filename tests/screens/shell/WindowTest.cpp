@@ -172,6 +172,7 @@ TEST_F(WindowTest, WhatIsSetIsThereAtTheNextStart) {
         window.scene().layout()->setSidebarWidth(300);
         ASSERT_TRUE(window.quits());
     }
+    signInBefore(); // the token is gone once it has been read
     WindowDriver window(options());
     // Before the first paint: nothing flashes in the wrong colours.
     EXPECT_TRUE(window.scene().appearance()->dark());
