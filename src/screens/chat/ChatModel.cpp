@@ -276,7 +276,9 @@ void ChatModel::onRefused() {
 }
 
 void ChatModel::onLeft() {
-    const auto titles = m_session.left().refused(m_services.account.current());
+    QStringList titles = m_session.left().refused(m_services.account.current());
+    for (QString &title : titles)
+        title = PlainLabel::line(title);
     const QString notice = titles.isEmpty() ? QString() : ConversationTexts::leftNotKept(titles);
     if (std::exchange(m_leftNotice, notice) != notice)
         Q_EMIT noticeChanged();
