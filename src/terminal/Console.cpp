@@ -1,5 +1,7 @@
 #include "terminal/Console.h"
 
+#include "core/PlainLabel.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -47,8 +49,7 @@ QString Console::harmless(const QString &text) {
     QString kept;
     kept.reserve(text.size());
     for (const QChar c : text) {
-        const bool control = c < u' ' || (c >= u'\x7f' && c <= u'\x9f');
-        if (!control || c == u'\n' || c == u'\t')
+        if (!PlainLabel::acts(c))
             kept += c;
     }
     return kept;
