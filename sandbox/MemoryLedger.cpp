@@ -1,5 +1,6 @@
 #include "MemoryLedger.h"
 
+#include "ChineseText.h"
 #include "JsonFields.h"
 #include "SandboxAccount.h"
 #include "SandboxCrypto.h"
@@ -223,7 +224,7 @@ void MemoryLedger::change(SQLite::Database &database, const std::string &userId,
 
 boost::json::object MemoryLedger::correct(const std::string &userId, const std::string &memoryId,
                                           const std::string &content, const std::string &expectedRevision) {
-    if (content.empty() || content.size() > longestContent)
+    if (trimmed(content).empty() || content.size() > longestContent)
         throw SandboxFailure::badField("content", "1 到 2000 字节的文字");
     return m_database.write([&](SQLite::Database &database) {
         const auto before = row(database, userId, memoryId);

@@ -1,5 +1,9 @@
 #include "conversation/ConversationTexts.h"
 
+#include "core/PlainLabel.h"
+
+#include <QHash>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -145,6 +149,10 @@ QString ConversationTexts::inputsKeptUnread() {
     return u"有未发送输入暂时无法读取，原文件已保留。"_s;
 }
 
+QString ConversationTexts::inputCarriedOver() {
+    return u"那段对话已经不在了。没发出的内容还在，放进了这段新对话的输入框。"_s;
+}
+
 QString ConversationTexts::inputNotWritten() {
     return u"这段输入未能保存在本机，请不要关闭窗口。"_s;
 }
@@ -224,6 +232,12 @@ QString ConversationTexts::usedMemories(qsizetype count) {
 QString ConversationTexts::usedMemoriesNote(qsizetype count) {
     return u"这里列出该轮返回的 "_s + QString::number(count) +
            u" 条记忆摘要，不代表完整注入量；当前摘要未附可定位的来源。"_s;
+}
+
+QString ConversationTexts::usedMemoryTruth(const QString &truth) {
+    static const QHash<QString, QString> known{
+        {u"fact"_s, u"事实"_s}, {u"pref"_s, u"偏好"_s}, {u"inf"_s, u"推断"_s}, {u"canon"_s, u"设定"_s}};
+    return known.value(truth, PlainLabel::line(truth));
 }
 
 QString ConversationTexts::draftsKeptUnread(qsizetype count) {

@@ -52,6 +52,7 @@ public:
     static QString inputChangedElsewhere();
     static QString inputUnreadable();
     static QString inputsKeptUnread();
+    static QString inputCarriedOver();
     static QString inputNotWritten();
 
     // Asking for another answer.
@@ -78,6 +79,8 @@ public:
     static QString usedMemories(qsizetype count);
     /// The line over the list of them.
     static QString usedMemoriesNote(qsizetype count);
+    /// How sure a used memory is, as it is told; what nobody here knows yet as the service says it.
+    static QString usedMemoryTruth(const QString &truth);
     /// @param count of the drafts that could not be read
     static QString draftsKeptUnread(qsizetype count);
 };

@@ -24,7 +24,8 @@ QString CardText::continuousUse(const ContinuousUseNotice &notice) {
 QString CardText::used(const QList<UsedMemory> &used) {
     QString text = ConversationTexts::usedMemoriesNote(used.size());
     for (const UsedMemory &memory : used)
-        text += u"\n  · "_s + PlainLabel::content(memory.content) + u"（"_s + PlainLabel::line(memory.truth) + u"）"_s;
+        text += u"\n  · "_s + PlainLabel::content(memory.content) + u"（"_s +
+                ConversationTexts::usedMemoryTruth(memory.truth) + u"）"_s;
     return text;
 }
 

@@ -106,7 +106,7 @@ void addDrafts(CLI::App &app, CommandLine &line, Words &words) {
     discard->add_flag("--unreadable", line.discardUnreadable, "丢弃读不出来的草稿文件")->excludes(discarded);
     discard->require_option(1, 2);
     for (auto *one : {list, show})
-        one->add_flag("--json", line.draftJson, "标准输出一行一个 JSON 记录");
+        one->add_flag("--jsonl,--json", line.draftJson, "标准输出一行一个 JSON 记录");
     discard->add_flag("--yes", line.discardSurely, "不再问");
     list->callback([&line] { line.command = CommandLine::Command::DraftList; });
     show->callback([&line] { line.command = CommandLine::Command::DraftShow; });
@@ -190,6 +190,7 @@ QString complaint(const CLI::ParseError &error) {
         Meaning{ExitCodes::ExcludesError, u"这些选项不能同时用"_s, pattern(u"^(.+) excludes (.+)$"_s)},
         Meaning{ExitCodes::RequiresError, u"这些选项要一起用"_s, pattern(u"^(.+) requires (.+)$"_s)},
         Meaning{ExitCodes::RequiredError, u"还缺少必填的内容"_s, pattern(u"^(?!A subcommand)(.+) is required$"_s)},
+        Meaning{ExitCodes::ValidationError, u"这个值不能用"_s, pattern(u"^([^:]+):"_s)},
         Meaning{ExitCodes::ArgumentMismatch, u"参数的个数不对"_s, pattern(u"^([^:]+):"_s)},
     };
     QString text = u"命令写得不对"_s;
@@ -220,6 +221,17 @@ void takeOver(CommandLine &line, const Words &words) {
     line.memory.text = memoryWords.join(u' ');
     for (const std::string &piece : words.text)
         line.text << fromUtf8(piece);
+}
+
+/// What was given and holds nothing: an empty word is none, and would find everything or leave nothing of a memory.
+/// @param hasMemoryText whether the command about memories takes a text
+QString missing(const CommandLine &line, bool hasMemoryText) {
+    using Command = CommandLine::Command;
+    if (line.command == Command::DraftDiscard && line.draftId.isEmpty() && !line.discardUnreadable)
+        return u"ID"_s;
+    const bool searches = line.command == Command::Search && line.text.join(QString()).trimmed().isEmpty();
+    const bool says = hasMemoryText && line.memory.text.trimmed().isEmpty();
+    return searches || says ? u"TEXT"_s : QString();
 }
 
 } // namespace
@@ -257,6 +269,8 @@ std::expected<CommandLine, CommandLine::Leave> CommandLine::parse(int argc, cons
     takeOver(line, words);
     if (const auto wrong = dev.takeOver(line))
         return std::unexpected(Leave{*wrong + u'\n', true});
+    if (const QString what = missing(line, !words.memoryWords.empty()); !what.isEmpty())
+        return std::unexpected(Leave{u"还缺少必填的内容："_s + what + u"\n用 --help 看用法。\n"_s, true});
     if (!line.profile.isEmpty() && !ApplicationSupport::isProfileName(line.profile))
         return std::unexpected(Leave{u"--profile 只能用字母、数字、- 和 _。\n"_s, true});
     return line;

@@ -14,7 +14,7 @@ namespace {
 using Drafts = QList<ConversationDraftCache::Entry>;
 using Inputs = QList<ConversationInputDraftStore::Entry>;
 
-/// One record a line, for `--json`.
+/// One record a line, for `--jsonl`.
 struct Line {
     QString kind; ///< "conversation" or "input"
     QString id, title, updatedAt;

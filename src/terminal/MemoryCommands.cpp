@@ -8,6 +8,8 @@
 #include "identity/TruthStatus.h"
 #include "terminal/SessionGate.h"
 
+#include <algorithm>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -18,6 +20,15 @@ namespace {
 ExitCode failed(Console *console, const APIError &error) {
     console->error(error.reason);
     return error.status == 401 ? ExitCode::NotSignedIn : ExitCode::Failed;
+}
+
+/// Of something that was to be done: it may have been, unless the service has said no.
+ExitCode notDone(Console *console, const APIError &error) {
+    if (error.status >= 400 && error.status < 500 && error.status != 408)
+        return failed(console, error);
+    console->error(error.reason);
+    console->error(u"没有收到确认，不知道做没做成。请先核对记忆，再决定要不要再做一次。"_s);
+    return ExitCode::Unknown;
 }
 
 /// One a line; a wording cannot make two of it.
@@ -142,7 +153,7 @@ QCoro::Task<ExitCode> MemoryCommands::change(Application *application, Console *
     if (command.what == What::Confirm) {
         const auto answer = co_await service.confirm(command.id);
         if (!answer)
-            co_return failed(console, answer.error());
+            co_return notDone(console, answer.error());
         console->note(answer->supersededContent ? MemoryTexts::confirmedInPlaceOf(*answer->supersededContent)
                                                 : MemoryTexts::candidateConfirmed());
         if (answer->item && command.jsonl)
@@ -156,7 +167,7 @@ QCoro::Task<ExitCode> MemoryCommands::change(Application *application, Console *
                                                 : service.freeze(command.id, command.what == What::Freeze);
     const auto answer = co_await task;
     if (!answer)
-        co_return failed(console, answer.error());
+        co_return notDone(console, answer.error());
     console->note(command.what == What::Dismiss    ? u"已丢掉。"_s
                   : command.what == What::Freeze   ? u"已冻结。"_s
                   : command.what == What::Unfreeze ? u"已解冻。"_s
@@ -220,16 +231,28 @@ QCoro::Task<ExitCode> MemoryCommands::revert(Application *application, Console *
 }
 
 QCoro::Task<ExitCode> MemoryCommands::forget(Application *application, Console *console, Command command) {
-    const auto answer = co_await MemoryService(application->api()).forget(command.id);
-    if (!answer)
-        co_return failed(console, answer.error());
-    // What an undo needs is the person's to keep: on this machine nothing of it stays behind.
-    if (answer->item)
-        line(console, *answer->item);
-    console->note(MemoryTexts::forgetNote());
-    if (answer->item)
-        console->note(u"要撤销，把上面那一行交给：lumenpair memory restore"_s);
-    co_return ExitCode::Submitted;
+    const MemoryService service(application->api());
+    // What an undo needs is at hand before anything goes, since the answer may get lost. It is the person's to keep: on
+    // this machine nothing of it stays behind.
+    const auto ledger = co_await service.load();
+    if (!ledger) {
+        console->error(MemoryTexts::loadFailed());
+        co_return failed(console, ledger.error());
+    }
+    const auto known = std::ranges::find(ledger->items, command.id, &MemoryItemDTO::id);
+    auto item = known == ledger->items.end() ? std::nullopt : std::optional(*known);
+    const auto answer = co_await service.forget(command.id);
+    const auto code = answer ? ExitCode::Submitted : notDone(console, answer.error());
+    if (answer && answer->item)
+        item = answer->item;
+    if (answer)
+        console->note(MemoryTexts::forgetNote());
+    if (!item || (!answer && code != ExitCode::Unknown))
+        co_return code;
+    line(console, *item);
+    console->note(answer ? u"要撤销，把上面那一行交给：lumenpair memory restore"_s
+                         : u"如果它已经被忘记，要撤销，把上面那一行交给：lumenpair memory restore"_s);
+    co_return code;
 }
 
 QCoro::Task<ExitCode> MemoryCommands::restore(Application *application, Console *console, StandardInput *input,
@@ -244,7 +267,7 @@ QCoro::Task<ExitCode> MemoryCommands::restore(Application *application, Console 
     }
     const auto answer = co_await MemoryService(application->api()).restore(*item);
     if (!answer)
-        co_return failed(console, answer.error());
+        co_return notDone(console, answer.error());
     console->note(MemoryTexts::restored());
     co_return ExitCode::Submitted;
 }

@@ -1,47 +1,18 @@
 #include "support/PseudoTerminal.h"
-#include "support/SandboxFixture.h"
+#include "terminal/TerminalFixture.h"
 
 #include <sys/stat.h>
 
 namespace lmp {
 
-using namespace Qt::StringLiterals;
-
 /// `lumenpair memory` as people type it, against a sandbox, with a home of its own.
-class MemoryCommandsTest : public SandboxFixture {
+class MemoryCommandsTest : public TerminalFixture {
 protected:
-    struct Run {
-        int code = -1;
-        QString out;
-        QString err;
-    };
-
-    void SetUp() override {
-        SandboxFixture::SetUp();
-        m_token = signIn(u"13900000001"_s);
-    }
     void start(QProcess &program, const QStringList &arguments) const {
-        auto env = QProcessEnvironment::systemEnvironment();
-        for (const QString &name : {u"DBUS_SESSION_BUS_ADDRESS"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"LMP_SITE"_s})
-            env.remove(name);
-        env.insert(u"HOME"_s, m_home.path());
-        env.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
-        env.insert(u"XDG_RUNTIME_DIR"_s, m_home.path());
-        env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-        env.insert(u"TERM"_s, u"xterm"_s);
-        env.insert(u"LMP_TOKEN"_s, m_token);
-        program.setProcessEnvironment(env);
-        program.start(QCoreApplication::applicationDirPath() + u"/lumenpair"_s,
-                      QStringList{u"--site"_s, m_site.toString(), u"memory"_s} + arguments);
+        TerminalFixture::start(program, QStringList{u"memory"_s} + arguments, m_token);
     }
-    Run run(const QStringList &arguments, const QByteArray &input = {}) const {
-        QProcess program;
-        start(program, arguments);
-        program.write(input);
-        program.closeWriteChannel();
-        EXPECT_TRUE(eventually([&] { return program.state() == QProcess::NotRunning; }, 60'000));
-        return {program.exitCode(), QString::fromUtf8(program.readAllStandardOutput()),
-                QString::fromUtf8(program.readAllStandardError())};
+    Run run(const QStringList &arguments, const QByteArray &input = {}) {
+        return TerminalFixture::run(QStringList{u"memory"_s} + arguments, input);
     }
     /// The ids at the beginnings of the lines.
     static QStringList ids(const Run &run) {
@@ -58,9 +29,6 @@ protected:
             EXPECT_EQ(run({u"confirm"_s, id}).code, 0);
         return ids(run({u"list"_s})).value(0);
     }
-
-    QTemporaryDir m_home;
-    QString m_token;
 };
 
 TEST_F(MemoryCommandsTest, TheLifeOfAMemory) {
@@ -130,6 +98,8 @@ TEST_F(MemoryCommandsTest, WhatFailedOrIsNotKnownIsSaid) {
               u"未确认改回结果，请先检查最新记忆。"_s},
              {R"({"route":"/app/memory/history","status":503})", {u"history"_s, id}, 1, u"没读到版本历史："_s},
              {R"({"route":"/app/memory/extract","status":500})", {u"import"_s, u"-"_s}, 1, u"扫描失败，稍后再试"_s},
+             {R"({"route":"/app/memory/freeze","garbage":true})", {u"unfreeze"_s, id}, 4, u"没有收到确认"_s},
+             {R"({"route":"/app/memory/freeze","status":500})", {u"freeze"_s, id}, 4, u"没有收到确认"_s},
              {R"({"route":"/app/memory/forget","status":401})", {u"forget"_s, id}, 3, {}}}) {
         SCOPED_TRACE(rule.constData());
         fault(rule);
@@ -138,12 +108,24 @@ TEST_F(MemoryCommandsTest, WhatFailedOrIsNotKnownIsSaid) {
         EXPECT_TRUE(ended.err.contains(says)) << ended.err.toStdString();
     }
     fault({});
+    // It is gone, and its answer is lost: the way back is not.
+    fault(R"({"route":"/app/memory/forget","cutAfterEvents":1})");
+    const auto unheard = run({u"forget"_s, id});
+    EXPECT_EQ(unheard.code, 4) << unheard.err.toStdString();
+    EXPECT_TRUE(run({u"list"_s}).out.isEmpty());
+    EXPECT_EQ(run({u"restore"_s}, unheard.out.toUtf8()).code, 0);
+    EXPECT_EQ(ids(run({u"list"_s})), QStringList{id});
     const QString pipe = m_home.filePath(u"pipe"_s);
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     for (const QString &none : {m_home.filePath(u"none"_s), pipe})
         EXPECT_EQ(run({u"import"_s, none}).code, 2);
     EXPECT_EQ(run({u"import"_s, u"-"_s}, " \n\n").code, 2);
     EXPECT_EQ(run({u"forget"_s}).code, 2);
+    // An empty word is neither a wording nor something to look for.
+    EXPECT_EQ(run({u"correct"_s, id, u"  "_s}).code, 2);
+    EXPECT_EQ(run({u"search"_s, u""_s}).code, 2);
+    EXPECT_EQ(run({u"correct"_s, id, u"喜欢徒步"_s}).code, 0);
+    EXPECT_TRUE(run({u"list"_s}).out.contains(u"喜欢徒步"_s));
 }
 
 TEST_F(MemoryCommandsTest, OnATerminalOnePicksWhatIsWritten) {

@@ -1,10 +1,8 @@
 #include "support/PseudoTerminal.h"
-#include "support/SandboxFixture.h"
 #include "support/StubServer.h"
+#include "terminal/TerminalFixture.h"
 
-#include <QCryptographicHash>
 #include <QDir>
-#include <QDirIterator>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
@@ -14,98 +12,7 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
-/// The program as people start it, against a sandbox, with a home of its own and no keychain.
-class TerminalTest : public SandboxFixture {
-protected:
-    struct Run {
-        int code = -1;
-        QString out;
-        QString err;
-        QList<boost::json::value> events() const {
-            QList<boost::json::value> all;
-            for (const QString &line : out.split(u'\n', Qt::SkipEmptyParts))
-                all << Json::decode<boost::json::value>(line.toUtf8()).value_or(boost::json::value());
-            return all;
-        }
-        QStringList types() const {
-            QStringList all;
-            for (const auto &event : events())
-                all << QString::fromStdString(std::string(event.at("type").as_string()));
-            all.removeDuplicates();
-            return all;
-        }
-    };
-
-    void SetUp() override {
-        SandboxFixture::SetUp();
-        m_token = signIn(u"13900000001"_s);
-    }
-
-    QProcessEnvironment environment() const {
-        auto env = QProcessEnvironment::systemEnvironment();
-        for (const QString &name :
-             {u"DBUS_SESSION_BUS_ADDRESS"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"LMP_SITE"_s, u"LMP_TOKEN"_s})
-            env.remove(name);
-        env.insert(u"HOME"_s, m_home.path());
-        env.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
-        env.insert(u"XDG_RUNTIME_DIR"_s, m_home.path());
-        env.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-        env.insert(u"TERM"_s, u"xterm"_s);
-        return env;
-    }
-    void start(QProcess &program, const QStringList &arguments, const QString &token) const {
-        auto env = environment();
-        if (!token.isEmpty())
-            env.insert(u"LMP_TOKEN"_s, token);
-        program.setProcessEnvironment(env);
-        program.start(QCoreApplication::applicationDirPath() + u"/lumenpair"_s,
-                      QStringList{u"--site"_s, m_site.toString()} + arguments);
-    }
-    Run finish(QProcess &program) {
-        // With the event loop running, since a stub in this process may have to answer meanwhile.
-        EXPECT_TRUE(eventually([&] { return program.state() == QProcess::NotRunning; }, 60'000));
-        return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -2,
-                QString::fromUtf8(program.readAllStandardOutput()), QString::fromUtf8(program.readAllStandardError())};
-    }
-    Run run(const QStringList &arguments, const QByteArray &input = {}, std::optional<QString> token = {}) {
-        QProcess program;
-        start(program, arguments, token.value_or(m_token));
-        program.write(input);
-        program.closeWriteChannel();
-        return finish(program);
-    }
-    /// Text of the last user message's state as the service holds it, in the newest conversation.
-    std::string lastState() {
-        const auto all = look(u"/api/app/conversations"_s, m_token);
-        const auto id = all.at("conversations").at(0).at("id").as_string();
-        const auto one = look(u"/api/app/conversation?id="_s + QString::fromStdString(std::string(id)), m_token);
-        std::string state;
-        for (const auto &message : one.at("conversation").at("messages").as_array()) {
-            if (message.at("role") == "user")
-                state = message.at("deliveryState").as_string();
-        }
-        return state;
-    }
-    /// Whether any file of the program's home holds `bytes`; one that is being written does not count.
-    bool isOnDisk(const QByteArray &bytes) const {
-        QDirIterator files(m_home.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            QFile file(files.next());
-            if (!file.fileName().endsWith(u".tmp"_s) && file.open(QIODevice::ReadOnly) &&
-                file.readAll().contains(bytes))
-                return true;
-        }
-        return false;
-    }
-    void expectNothingInClear() const {
-        EXPECT_FALSE(isOnDisk("sbx_"));
-        EXPECT_FALSE(isOnDisk("long-Secret-77"));
-    }
-    std::size_t charges() { return look(u"/sandbox/charges"_s, m_token).at("charges").as_array().size(); }
-
-    QTemporaryDir m_home;
-    QString m_token;
-};
+class TerminalTest : public TerminalFixture {};
 
 TEST_F(TerminalTest, AsksOnceAndPrintsTheReplyAlone) {
     const auto piped = run({}, "你好\n");
@@ -194,88 +101,6 @@ TEST_F(TerminalTest, EveryOutcomeHasItsCodeAndItsSentence) {
     }
 }
 
-TEST_F(TerminalTest, FailedSaveIsANoteAndADraft) {
-    fault(R"({"route":"/app/conversation/sync","times":-1,"status":500})");
-    const auto turn = run({u"chat"_s, u"--jsonl"_s, u"别丢了我"_s});
-    EXPECT_EQ(turn.code, 0);
-    EXPECT_TRUE(turn.err.contains(u"尚未同步，草稿已保存在本机，连接恢复后可重试。"_s)) << turn.err.toStdString();
-    const auto listed = run({u"conversations"_s, u"list"_s});
-    EXPECT_TRUE(listed.out.contains(u"草稿"_s)) << listed.out.toStdString();
-    const auto id = QString::fromStdString(std::string(turn.events().front().at("conversationId").as_string()));
-    EXPECT_TRUE(run({u"conversations"_s, u"show"_s, id}).out.contains(u"别丢了我"_s));
-
-    fault({});
-    const auto next = run({u"chat"_s, u"--conversation"_s, id, u"现在呢"_s});
-    EXPECT_EQ(next.code, 0) << next.err.toStdString();
-    EXPECT_EQ(look(u"/api/app/conversations"_s, m_token).at("conversations").as_array().size(), 1u);
-    EXPECT_FALSE(run({u"conversations"_s, u"list"_s}).out.contains(u"草稿"_s));
-}
-
-TEST_F(TerminalTest, DraftsAreListedAndDiscardedWhenAsked) {
-    EXPECT_TRUE(run({u"drafts"_s, u"list"_s}).err.contains(u"本机没有草稿。"_s));
-    fault(R"({"route":"/app/conversation/sync","times":-1,"status":500})");
-    const auto turn = run({u"chat"_s, u"--jsonl"_s, u"没同步的话"_s});
-    const auto id = QString::fromStdString(std::string(turn.events().front().at("conversationId").as_string()));
-    // What a window left in that conversation's input box.
-    const QString user = run({u"whoami"_s}).out.section(u'\n', 0, 0).section(u'：', 1);
-    const QString folder = m_home.filePath(u"data/Lumenpair/UnsentInput/v1/"_s);
-    ASSERT_TRUE(QDir().mkpath(folder));
-    const QString site = m_site.toString(QUrl::StripTrailingSlash);
-    const QByteArray key = Json::encode(QList<QString>{site, user, id});
-    const auto name = QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex();
-    QFile box(folder + QString::fromLatin1(name) + u".json"_s);
-    ASSERT_TRUE(box.open(QIODevice::WriteOnly));
-    box.write(
-        R"({"id":")" + id.toUtf8() +
-        R"(","writeId":"w","title":"","cloudRevision":0,"updatedAt":"","input":{"text":"半句","parts":[],"intent":""}})");
-    box.close();
-
-    const auto listed = run({u"drafts"_s, u"list"_s});
-    EXPECT_TRUE(listed.out.contains(id + u"\t没同步的话（对话草稿，尚未同步）\n"_s)) << listed.out.toStdString();
-    EXPECT_TRUE(listed.out.contains(id + u"\t半句（未发送输入）\n"_s));
-    const auto shown = run({u"drafts"_s, u"show"_s, id});
-    EXPECT_TRUE(shown.out.contains(u"你：没同步的话"_s) && shown.out.endsWith(u"半句\n"_s)) << shown.out.toStdString();
-    const auto records = run({u"drafts"_s, u"show"_s, id, u"--json"_s}).events();
-    ASSERT_EQ(records.size(), 2);
-    EXPECT_EQ(records[0].at("conversation").at("messages").at(0).at("text"), "没同步的话");
-    EXPECT_EQ(records[1].at("input").at("text"), "半句");
-    EXPECT_EQ(run({u"drafts"_s, u"list"_s}, {}, signIn(u"13900000009"_s)).out, QString()) << "somebody else's";
-
-    for (const QByteArray answer : {"", "\n", "n\n"})
-        EXPECT_NE(run({u"drafts"_s, u"discard"_s, id}, answer).code, 0);
-    EXPECT_EQ(run({u"drafts"_s, u"list"_s}).out, listed.out) << "all of it is still there";
-    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"nobody"_s, u"--yes"_s}).code, 1);
-    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, id}, u"丢弃\n"_s.toUtf8()).code, 0);
-    EXPECT_EQ(run({u"drafts"_s, u"list"_s}).out, QString());
-    EXPECT_FALSE(box.exists());
-
-    ASSERT_TRUE(box.open(QIODevice::WriteOnly));
-    box.write("{");
-    box.close();
-    const auto broken = run({u"drafts"_s, u"list"_s});
-    EXPECT_EQ(broken.code, 1);
-    EXPECT_TRUE(broken.err.contains(u"有未发送输入暂时无法读取，原文件已保留。"_s)) << broken.err.toStdString();
-    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, id, u"--yes"_s}).code, 1);
-    EXPECT_TRUE(box.exists());
-    EXPECT_TRUE(broken.err.contains(box.fileName())) << "it can be found";
-    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"--unreadable"_s}, "\n").code, 130);
-    EXPECT_TRUE(box.exists());
-    EXPECT_EQ(run({u"drafts"_s, u"discard"_s, u"--unreadable"_s, u"--yes"_s}).code, 0);
-    EXPECT_EQ(run({u"drafts"_s, u"list"_s}).code, 0);
-}
-
-TEST_F(TerminalTest, ADraftIsKeptWhileNobodyCanSayWhoIsThere) {
-    EXPECT_EQ(run({u"whoami"_s}).code, 0);
-    fault(R"({"route":"/app/*","times":-1,"status":500})");
-    EXPECT_EQ(run({u"chat"_s, u"断网时说的话"_s}).code, 0);
-    fault({});
-    EXPECT_TRUE(run({u"conversations"_s, u"list"_s}).out.contains(u"断网时说的话（草稿，尚未同步）"_s));
-    // Somebody else's token finds nothing of it.
-    const auto other = run({u"conversations"_s, u"list"_s}, {}, signIn(u"13900000009"_s));
-    EXPECT_EQ(other.code, 0);
-    EXPECT_FALSE(other.out.contains(u"断网"_s));
-}
-
 TEST_F(TerminalTest, CtrlCStopsTheReplyAndKeepsIt) {
     fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
     QProcess program;
@@ -353,6 +178,8 @@ TEST_F(TerminalTest, UsageErrors) {
                                          {u"conversations"_s},
                                          {u"--site"_s},
                                          {u"nonsense"_s},
+                                         {u"search"_s, u" "_s},
+                                         {u"search"_s, u"--most"_s, u"0"_s, u"x"_s},
                                          {u"--profile"_s, u"../x"_s, u"whoami"_s}}) {
         const auto refused = run(arguments);
         EXPECT_EQ(refused.code, 2) << arguments.join(u' ').toStdString();
@@ -438,29 +265,6 @@ TEST_F(TerminalTest, SecretsAreNotShownAndTheEchoComesBack) {
         EXPECT_TRUE(terminal.echoes());
         EXPECT_FALSE(terminal.shown().contains("Secret"));
     }
-}
-
-TEST_F(TerminalTest, AKilledProgramLosesNoInput) {
-    fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
-    QProcess program;
-    start(program, {u"chat"_s, u"--jsonl"_s, u"别丢了这句"_s}, m_token);
-    program.closeWriteChannel();
-    QByteArray out;
-    ASSERT_TRUE(eventually([&] { return (out += program.readAllStandardOutput()).contains("\"delta\""); }, 60'000));
-    // The input goes to the disk beside the request, and while the reply is still on its way.
-    ASSERT_TRUE(eventually([&] { return isOnDisk("别丢了这句"); }));
-    EXPECT_EQ(program.state(), QProcess::Running);
-    program.kill();
-    EXPECT_EQ(finish(program).code, -2);
-
-    const auto started = Json::decode<boost::json::value>(out.first(out.indexOf('\n')));
-    ASSERT_TRUE(started);
-    const auto id = QString::fromStdString(std::string(started->at("conversationId").as_string()));
-    const auto listed = run({u"conversations"_s, u"list"_s});
-    EXPECT_TRUE(listed.out.contains(id)) << listed.out.toStdString();
-    const auto shown = run({u"conversations"_s, u"show"_s, id});
-    EXPECT_EQ(shown.code, 0) << shown.err.toStdString();
-    EXPECT_TRUE(shown.out.contains(u"你：别丢了这句（"_s)) << shown.out.toStdString();
 }
 
 /// The program, the sandbox, and behind it an endpoint that speaks as the inference servers do.

@@ -29,7 +29,7 @@ QVariant UsedMemoryModel::data(const QModelIndex &index, int role) const {
     case TruthRole:
         return memory.truth;
     case TruthTextRole:
-        return truthText(memory.truth);
+        return ConversationTexts::usedMemoryTruth(memory.truth);
     default:
         return {};
     }
@@ -51,12 +51,6 @@ void UsedMemoryModel::show(const QList<UsedMemory> &memories) {
     m_memories = memories;
     endResetModel();
     Q_EMIT noteChanged();
-}
-
-QString UsedMemoryModel::truthText(const QString &truth) {
-    static const QHash<QString, QString> known{
-        {u"fact"_s, u"事实"_s}, {u"pref"_s, u"偏好"_s}, {u"inf"_s, u"推断"_s}, {u"canon"_s, u"设定"_s}};
-    return known.value(truth, PlainLabel::line(truth));
 }
 
 } // namespace lmp

@@ -32,9 +32,6 @@ public:
     QString note() const;
     void show(const QList<UsedMemory> &memories);
 
-    /// How certain a memory is, for a person; a label that is not known stays as it is.
-    static QString truthText(const QString &truth);
-
 Q_SIGNALS:
     void noteChanged();
 
