@@ -2,6 +2,8 @@
 
 #include "conversation/ConversationSendScope.h"
 #include "conversation/ConversationSession.h"
+#include "conversation/FeedbackReq.h"
+#include "conversation/OkResp.h"
 #include "conversation/TurnOutcome.h"
 #include "conversation/TwinReplyRetry.h"
 #include "core/SSEClient.h"
@@ -32,16 +34,8 @@ public:
     /// Where product and stability events go.
     using Recorder = std::function<void(const QString &event, const QString &subjectType, const QString &subjectId,
                                         const QVariantMap &props)>;
-    struct FeedbackReq {
-        QString polarity; ///< "positive" or "negative"
-        std::optional<QString> reason = {};
-        QString conversationId = {};
-        QString messageId = {};
-        std::optional<QString> requestId = {};
-    };
-    struct OkResp {
-        std::optional<bool> ok;
-    };
+    using FeedbackReq = lmp::FeedbackReq;
+    using OkResp = lmp::OkResp;
     /// What else is under way on the screen, and holds an input back.
     struct Elsewhere {
         bool call = false;
@@ -149,7 +143,5 @@ private:
     QMap<QString, QString> m_feedback;
     std::optional<QString> m_reasonsOpenFor;
 };
-BOOST_DESCRIBE_STRUCT(ChatWithTwinView::FeedbackReq, (), (polarity, reason, conversationId, messageId, requestId))
-BOOST_DESCRIBE_STRUCT(ChatWithTwinView::OkResp, (), (ok))
 
 } // namespace lmp

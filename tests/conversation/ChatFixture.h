@@ -20,6 +20,11 @@ namespace lmp {
 /// A chat over a scripted service, with the drafts in a folder of its own. Saving works unless a test says otherwise.
 class ChatFixture : public ::testing::Test {
 protected:
+    static inline const QByteArray stream = "/api/relay/chat/stream";
+    static inline const QByteArray plain = "/api/relay/chat";
+    static inline const QByteArray done = R"({"done":true,"pipCharged":3,"balance":97,"requestId":"r1"})";
+    static QByteArray delta(const QByteArray &text) { return R"({"delta":")" + text + "\"}"; }
+
     ChatFixture() {
         using namespace Qt::StringLiterals;
         server.on("/api/app/conversation/sync", StubServer::reply(200, R"({"ok":true,"revision":1})"));
