@@ -20,7 +20,8 @@ FocusScope {
     Accessible.role: Accessible.ListItem
     Keys.onEnterPressed: root.activated()
     Keys.onReturnPressed: root.activated()
-    activeFocusOnTab: root.current
+    // Not before the keyboard has gone on.
+    activeFocusOnTab: root.current || root.activeFocus
     implicitHeight: card.implicitHeight
     width: root.list ? root.list.width : 0
 

@@ -177,6 +177,11 @@ bool MemoryCorrectionModel::canSave() const {
     return m_state == State::Ready && !m_mustReopen && !m_revision.isEmpty() && typed() && !m_text.trimmed().isEmpty();
 }
 
+bool MemoryCorrectionModel::canAct() const {
+    return canSave() || m_mustReopen ||
+           (m_state != State::Closed && m_state != State::Unreadable && m_state != State::Ready);
+}
+
 void MemoryCorrectionModel::save() {
     if (!canSave())
         return;

@@ -27,6 +27,8 @@ class MemoryCorrectionModel : public QObject {
     /// What was typed differs from the wording now.
     Q_PROPERTY(bool typed READ typed NOTIFY textChanged)
     Q_PROPERTY(bool canSave READ canSave NOTIFY textChanged)
+    /// There is something to do, or to wait for.
+    Q_PROPERTY(bool canAct READ canAct NOTIFY textChanged)
     /// Why it cannot be saved, or was not; empty when there is nothing to say.
     Q_PROPERTY(QString message READ message NOTIFY changed)
     /// Only opening it again shows what there is to go on from.
@@ -49,6 +51,7 @@ public:
     void setText(const QString &text);
     bool typed() const { return m_state != State::Closed && m_text != m_history.current; }
     bool canSave() const;
+    bool canAct() const;
     const QString &message() const { return m_message; }
     bool mustReopen() const { return m_mustReopen; }
     static QString becomesFact();

@@ -22,7 +22,7 @@ LMPSheet {
     }
 
     primaryBusy: root.saving || root.state === MemoryCorrectionModel.Loading
-    primaryEnabled: root.saved || root.correction.mustReopen || root.correction.canSave || root.primaryBusy
+    primaryEnabled: root.correction.canAct
     primaryText: root.saved ? "好" : root.correction.mustReopen ? "重新打开" : "保存"
     secondaryText: root.saved ? "" : "先不改"
     title: root.saved ? root.correction.savedTitle : "纠正这条记忆"

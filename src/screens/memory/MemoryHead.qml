@@ -11,6 +11,8 @@ Column {
     signal downPressed
 
     function focusFind(): void {
+        if (!root.searchable)
+            root.ledger.filter = MemoryLedgerModel.All;
         find.forceActiveFocus(Qt.ShortcutFocusReason);
         find.selectAll();
     }
@@ -20,9 +22,11 @@ Column {
     spacing: Theme.space8
 
     LMPBanner {
+        closable: true
         text: root.ledger.inputNotice
         tone: LMPBanner.Warning
         visible: root.ledger.inputNotice !== ""
+        onClosed: root.ledger.closeInputNotice()
     }
 
     LMPBanner {

@@ -77,6 +77,11 @@ void MemoryInputs::onStateChanged() {
         Q_EMIT replaced();
 }
 
+void MemoryInputs::closeNotice() {
+    m_joined = false;
+    onStateChanged();
+}
+
 void MemoryInputs::joinConflicts() {
     // As a copy: what is put together is announced, and whoever hears of it may type.
     const auto boxes = m_texts.boxes();

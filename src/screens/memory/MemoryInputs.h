@@ -32,6 +32,8 @@ public:
     void setText(const QString &key, const QString &text);
     /// Why something is not on disk, or is not as it was left; empty when all is well.
     const QString &notice() const { return m_notice; }
+    /// The person has read it; what is still so is said again.
+    void closeNotice();
 
     /// To be called when somebody else may be signed in.
     void recheckAccount();

@@ -22,6 +22,11 @@ MemoryCard {
             root.items.ledger.edit(root.memoryId);
     }
 
+    function openMenu(): void {
+        if (!root.busy)
+            root.items.menuRequested(root.memoryId, root.frozen, more);
+    }
+
     /// What a screen reader says of it.
     function spoken(): string {
         let words = root.content + "，" + root.truthText;
@@ -34,10 +39,7 @@ MemoryCard {
         return root.detail === "" ? words : words + "，" + root.detail;
     }
 
-    Keys.onMenuPressed: {
-        if (!root.busy)
-            root.items.menuRequested(root.memoryId, root.frozen, more);
-    }
+    Keys.onMenuPressed: root.openMenu()
     accessibleName: root.spoken()
     onActivated: root.edit()
 
@@ -66,8 +68,8 @@ MemoryCard {
                 visible: root.busy
             }
 
+            // Not disabled while it is busy: that would take the keyboard away.
             LMPIconButton {
-                enabled: !root.busy
                 focusPolicy: root.buttonPolicy
                 iconName: "edit"
                 text: "纠正"
@@ -77,11 +79,10 @@ MemoryCard {
             LMPIconButton {
                 id: more
 
-                enabled: !root.busy
                 focusPolicy: root.buttonPolicy
                 iconName: "more"
                 text: "更多"
-                onClicked: root.items.menuRequested(root.memoryId, root.frozen, more)
+                onClicked: root.openMenu()
             }
         }
     }

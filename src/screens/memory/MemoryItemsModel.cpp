@@ -104,15 +104,39 @@ bool MemoryItemsModel::matches(const Row &row) const {
 }
 
 void MemoryItemsModel::setItems(const QList<MemoryItemDTO> &items, const QStringList &folded) {
-    beginResetModel();
-    m_shown.clear();
-    m_all.clear();
+    // What is shown before and after stays a row: whoever reads it, or has the keyboard in it, stays there.
+    const auto before = std::exchange(m_all, {});
     m_all.reserve(std::size_t(items.size()));
     for (qsizetype at = 0; at < items.size(); ++at)
         m_all.push_back(std::make_unique<Row>(Row{.item = items[at], .folded = folded[at]}));
     settle();
-    endResetModel();
+    replaceShown();
     show();
+}
+
+void MemoryItemsModel::replaceShown() {
+    QHash<QString, const Row *> now;
+    for (const auto &row : m_all)
+        now.insert(row->item.id, row.get());
+    // Those that have lost their order come in again.
+    Shown kept;
+    int last = -1;
+    for (const Row *row : m_shown) {
+        const Row *same = now.value(row->item.id);
+        kept.push_back(same && same->place > last ? same : nullptr);
+        last = kept.back() ? same->place : last;
+    }
+    for (int at = count() - 1; at >= 0; --at) {
+        if (kept[std::size_t(at)])
+            continue;
+        beginRemoveRows({}, at, at);
+        m_shown.erase(m_shown.begin() + at);
+        kept.erase(kept.begin() + at);
+        endRemoveRows();
+    }
+    m_shown = std::move(kept);
+    if (count() > 0)
+        Q_EMIT dataChanged(index(0), index(count() - 1));
 }
 
 void MemoryItemsModel::settle() {

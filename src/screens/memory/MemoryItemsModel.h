@@ -92,6 +92,8 @@ private:
     bool matches(const Row &row) const;
     /// Numbers the rows and finds out which were superseded.
     void settle();
+    /// Puts the rows of `m_all` in the place of those that are shown with the same ids.
+    void replaceShown();
     void show();
     void removeGone(const Shown &wanted);
     void insertNew(const Shown &wanted);

@@ -60,6 +60,10 @@ const QString &MemoryLedgerModel::inputNotice() const {
     return m_services.inputs->notice();
 }
 
+void MemoryLedgerModel::closeInputNotice() {
+    m_services.inputs->closeNotice();
+}
+
 // What is seen
 
 void MemoryLedgerModel::open() {

@@ -75,8 +75,7 @@ public:
     Filter filter() const { return m_filter; }
     void setFilter(Filter filter);
     int tier() const { return m_tier; }
-    /// @param tier of `tiers`
-    void setTier(int tier);
+    void setTier(int tier); ///< of `tiers`
     static QStringList tiers();
     const QString &searchText() const { return m_items.query().text; }
     QString emptyTitle() const;
@@ -105,6 +104,7 @@ public:
     Q_INVOKABLE void showHistory(const QString &memoryId);
     Q_INVOKABLE void copy(const QString &memoryId);
     Q_INVOKABLE void closeBanner();
+    Q_INVOKABLE void closeInputNotice();
 
     /// To be called when somebody else may be signed in.
     void recheckAccount();

@@ -36,6 +36,12 @@ FocusScope {
             root.ledger.open();
     }
 
+    // What is not there yet cannot have the keyboard.
+    onLoadedChanged: {
+        if (root.loaded && root.activeFocus)
+            head.focusFind();
+    }
+
     Component.onCompleted: {
         if (root.visible)
             root.ledger.open();
@@ -85,7 +91,6 @@ FocusScope {
         MemoryHead {
             id: head
 
-            focus: true
             ledger: root.ledger
             visible: root.loaded
             width: Math.min(parent.width - 2 * Theme.space20, Theme.dp(760))

@@ -7,7 +7,17 @@ import Lumenpair.Shell
 TabPage {
     id: root
 
+    Connections {
+        function onMemoryFindRequested(): void {
+            page.focusFind();
+        }
+
+        target: root.scene
+    }
+
     MemoryPage {
+        id: page
+
         anchors.fill: parent
         focus: true
         leading: [

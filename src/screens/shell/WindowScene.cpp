@@ -233,6 +233,10 @@ void WindowScene::onCommand(Command command) {
     case Command::Settings:
         return m_navigation.openSection(WindowNavigation::Section::Account);
     case Command::Find:
+        if (m_navigation.tab() == WindowNavigation::Tab::Me && m_navigation.page() == WindowNavigation::Page::Memory) {
+            Q_EMIT memoryFindRequested();
+            return;
+        }
         m_navigation.setTab(WindowNavigation::Tab::Now);
         return m_chat->find()->begin();
     case Command::Larger:

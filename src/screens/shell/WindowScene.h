@@ -132,6 +132,8 @@ Q_SIGNALS:
     void readyToClose();
     /// Something has been opened to be written in.
     void composerRequested();
+    /// The ledger that is shown is to be searched.
+    void memoryFindRequested();
 
 private:
     void settleStage();

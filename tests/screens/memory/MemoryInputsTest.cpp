@@ -123,6 +123,8 @@ TEST_F(MemoryInputsTest, WhereTwoProgramsMeetNothingIsLost) {
     EXPECT_TRUE(await(inputs->keep()));
     EXPECT_EQ(inputs->text(u"k"_s), u"这边\n那边"_s);
     EXPECT_FALSE(inputs->notice().isEmpty());
+    inputs->closeNotice();
+    EXPECT_EQ(inputs->notice(), QString());
     EXPECT_EQ(program()->text(u"k"_s), u"这边\n那边"_s);
     EXPECT_TRUE(eventually([this] {
         FileThread::finish();

@@ -89,6 +89,40 @@ TEST_F(MemoryKeysTest, ACardTallerThanTheListIsReadToItsEnd) {
     EXPECT_EQ(current(), 2);
 }
 
+TEST_F(MemoryKeysTest, AReadingAndADeedLeaveTheKeyboardInItsCard) {
+    open();
+    auto *list = show("MemoryItemList { width: 500; height: 300; delegate: MemoryItemCard {} }");
+    ASSERT_TRUE(list);
+    ASSERT_TRUE(eventually([&] { return list->property("count").toInt() == 3; }));
+    QMetaObject::invokeMethod(list, "go", Q_ARG(int, 1), Q_ARG(bool, false));
+    const auto focused = [this] {
+        const QQuickItem *item = window.activeFocusItem();
+        while (item && !item->property("memoryId").isValid())
+            item = item->parentItem();
+        return item ? item->property("memoryId").toString() : QString();
+    };
+    ASSERT_EQ(focused(), u"m2"_s);
+    // One more in front, one gone, and one that has another place.
+    server.on(ledgerPath, StubServer::reply(200, R"({"items":[)" + item("m0", "新的") + "," + item("m3", "搬了") + "," +
+                                                     item("m2", "住在东边") + R"(],"candidates":[],"chapters":[]})"));
+    open();
+    EXPECT_EQ(shown(), (QStringList{u"m0"_s, u"m3"_s, u"m2"_s}));
+    EXPECT_EQ(role(u"m2"_s, MemoryItemsModel::ContentRole), u"住在东边"_s);
+    EXPECT_EQ(focused(), u"m2"_s);
+
+    press({Qt::Key_Tab, Qt::Key_Tab});
+    const auto *button = window.activeFocusItem();
+    ASSERT_EQ(focused(), u"m2"_s);
+    hold("/api/app/memory/freeze");
+    ledger->setFrozen(u"m2"_s, true);
+    settle();
+    EXPECT_TRUE(role(u"m2"_s, MemoryItemsModel::BusyRole).toBool());
+    EXPECT_EQ(window.activeFocusItem(), button);
+    release(200, "{}");
+    EXPECT_TRUE(eventually([this] { return role(u"m2"_s, MemoryItemsModel::FrozenRole).toBool(); }));
+    EXPECT_EQ(window.activeFocusItem(), button);
+}
+
 TEST_F(MemoryKeysTest, LettersThatAreComposedHaveTheArrowsToThemselves) {
     open();
     auto *head = show("MemoryHead { width: 500; property int downs: 0; onDownPressed: ++downs }");

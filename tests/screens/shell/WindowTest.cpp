@@ -91,6 +91,16 @@ TEST_F(WindowTest, EverythingIsReachedByKeys) {
     window.key(Qt::Key_Comma, Qt::ControlModifier);
     EXPECT_EQ(navigation->tab(), Tab::Me);
     EXPECT_TRUE(window.shows(u"界面大小"_s));
+    // In the ledger what is looked for are memories.
+    navigation->openMemory();
+    ASSERT_TRUE(window.shows(u"还没有记住关于你的事"_s));
+    window.type(u"猫"_s);
+    EXPECT_EQ(window.scene().ledger()->searchText(), u"猫"_s) << "its field has the keyboard";
+    window.key(Qt::Key_F6);
+    window.key(Qt::Key_F, Qt::ControlModifier);
+    window.type(u"狗"_s);
+    EXPECT_EQ(window.scene().ledger()->searchText(), u"狗"_s);
+    EXPECT_EQ(navigation->tab(), Tab::Me);
     window.key(Qt::Key_1, Qt::ControlModifier);
     EXPECT_EQ(navigation->tab(), Tab::Now);
     EXPECT_EQ(window.scene().chat()->input(), u"没说完的话"_s);
