@@ -103,6 +103,8 @@ void KeptTexts::hold(const QString &id, quint64 ticket) {
     box.held = held;
     box.givenUp.reset();
     box.input = {};
+    // What could not be kept is no input any more; how its message stands is told with that.
+    box.error.reset();
     box.checkpoint.compare(box.input);
     // Ours is sent, so that what the other window wrote is what is left to be sent.
     if (box.theirs) {

@@ -30,6 +30,7 @@ LMPSheet {
     LMPText {
         color: Theme.text2
         text: root.extraction.candidatesNote
+        visible: root.extraction.noneTaken
         width: parent.width
     }
 

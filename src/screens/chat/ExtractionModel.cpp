@@ -12,6 +12,12 @@ namespace lmp {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString taken = u"已收下"_s;
+
+} // namespace
+
 ExtractionModel::ExtractionModel(const APIClient &api, ConversationSession &session, std::function<bool()> isIdle,
                                  ExtractionProgress *progress, QObject *parent)
     : QObject(parent)
@@ -50,6 +56,10 @@ QString ExtractionModel::leftText() const {
 
 bool ExtractionModel::allHandled() const {
     return std::ranges::none_of(extracted(), [](const Row &row) { return row.handledText.isEmpty(); });
+}
+
+bool ExtractionModel::noneTaken() const {
+    return std::ranges::find(extracted(), taken, &Row::handledText) == extracted().end();
 }
 
 QString ExtractionModel::place() const {
@@ -171,7 +181,7 @@ QCoro::Task<> ExtractionModel::confirmNow(QString candidateId) {
     if (!answer)
         end(candidateId, {}, MemoryTexts::candidateNotTaken(), true);
     else
-        end(candidateId, u"已收下"_s,
+        end(candidateId, taken,
             answer->supersededContent ? MemoryTexts::candidateTookPlaceOf(*answer->supersededContent) : QString(),
             false);
 }

@@ -38,6 +38,8 @@ class ExtractionModel : public QObject {
     Q_PROPERTY(QString report READ report NOTIFY changed)
     Q_PROPERTY(bool reportFailed READ reportFailed NOTIFY changed)
     Q_PROPERTY(bool allHandled READ allHandled NOTIFY changed)
+    /// None of them is a memory yet.
+    Q_PROPERTY(bool noneTaken READ noneTaken NOTIFY changed)
 public:
     struct Row {
         QString candidateId;
@@ -72,6 +74,7 @@ public:
     const QString &report() const { return m_report; }
     bool reportFailed() const { return m_reportFailed; }
     bool allHandled() const;
+    bool noneTaken() const;
 
     /// Reads what has been said since the last time.
     Q_INVOKABLE void extract();

@@ -218,7 +218,9 @@ TEST_F(ExtractionModelTest, EachCandidateIsAnsweredByItself) {
     server.on("/api/app/memory/candidate/confirm", StubServer::reply(200, R"({"supersededContent":"养狗"})"));
     extraction().confirm(u"c1"_s);
     EXPECT_TRUE(extraction().extracted()[0].busy);
+    EXPECT_TRUE(extraction().noneTaken());
     ASSERT_TRUE(eventually([&] { return !extraction().extracted()[0].handledText.isEmpty(); }));
+    EXPECT_FALSE(extraction().noneTaken());
     EXPECT_EQ(extraction().report(), u"已收下，并取代了更早的「养狗…」——旧的仍留在记忆账本里，标着有效期。"_s);
     server.on("/api/app/memory/candidate/dismiss", StubServer::reply(500, "{}"));
     extraction().dismiss(u"c2"_s);
