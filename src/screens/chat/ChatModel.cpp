@@ -64,6 +64,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     connect(&m_retry, &ChatRetry::answered, this, &ChatModel::emptyBox);
     connect(&m_inputs, &ComposerInputs::replaced, this, &ChatModel::inputChanged);
     connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::inputDraftChanged);
+    connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::goOnTyping);
     connect(&m_inputs, &ComposerInputs::kept, this, &ChatModel::draftsChanged);
     m_inputs.open(m_services.account.current());
     if (m_services.search)
@@ -110,10 +111,36 @@ void ChatModel::begin(bool incognito) {
     Q_EMIT conversationChanged();
 }
 
+void ChatModel::goOn() {
+    begin();
+    m_goesOn = true;
+    goOnTyping();
+}
+
+void ChatModel::goOnTyping() {
+    if (!m_goesOn || !restoredDraftAccount() || restoredDraftAccount() != m_services.account.current())
+        return;
+    m_goesOn = false;
+    load(m_inputs.typedLater());
+}
+
 void ChatModel::load(const QString &id) {
     if (id.isEmpty() || (id == conversationId() && m_loadError.isEmpty()))
         return;
-    openAs(id, Copy::Local);
+    if (m_inputs.isFresh(id))
+        beginWith(id);
+    else
+        openAs(id, Copy::Local);
+}
+
+void ChatModel::beginWith(const QString &id) {
+    endTurn();
+    forgetOpening();
+    m_inputs.moveTo({.id = id});
+    m_session.begin();
+    m_inputs.moveTo(place(), true);
+    m_retry.dropStale();
+    Q_EMIT conversationChanged();
 }
 
 void ChatModel::loadAt(const QString &id, const QString &messageId, const QString &query) {
@@ -153,7 +180,18 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     const auto opened = co_await m_session.load(id, copy);
     if (!self || m_loads != loads)
         co_return;
+    // Nobody has the conversation any more, and what was typed for it may still be here.
+    const bool gone = !opened && opened.error().status == 404;
+    if (gone)
+        co_await ComposerInputs::looked();
+    if (!self || m_loads != loads)
+        co_return;
     m_loading = false;
+    if (gone && !m_inputs.current().isEmpty()) {
+        beginWith(id);
+        setNotice(ConversationTexts::inputCarriedOver());
+        co_return;
+    }
     if (!opened) {
         m_loadError = opened.error().reason;
         Q_EMIT conversationChanged();
@@ -189,7 +227,7 @@ void ChatModel::endTurn() {
 
 void ChatModel::forgetOpening() {
     ++m_loads;
-    m_loading = false;
+    m_loading = m_goesOn = false;
     m_loadError.clear();
     m_wantedId.clear();
     m_heldReason.clear();
@@ -418,6 +456,7 @@ QString ChatModel::input() const {
 void ChatModel::setInput(const QString &text) {
     if (text == input())
         return;
+    m_goesOn = false;
     m_inputs.setText(text);
     if (isIdle())
         m_heldReason.clear();

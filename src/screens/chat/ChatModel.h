@@ -141,7 +141,10 @@ public:
 
     /// Opens a fresh conversation. One that is open and still empty stays.
     Q_INVOKABLE void begin(bool incognito = false);
-    /// Opens a conversation of the service. One that is open already stays.
+    /// At the start: opens the conversation in which was typed last and not sent, a fresh one where there is none.
+    void goOn();
+    /// Opens a conversation of the service, or a fresh one with what was typed for `id` where there is no conversation
+    /// to it. One that is open already stays.
     Q_INVOKABLE void load(const QString &id);
     /// Opens a conversation at one of its messages, with what it was found by marked.
     void loadAt(const QString &id, const QString &messageId, const QString &query);
@@ -213,6 +216,8 @@ private:
     void openAs(const QString &id, ConversationSession::Copy copy);
     QCoro::Task<> load(QString id, ConversationSession::Copy copy, quint64 loads);
     void endTurn();
+    void beginWith(const QString &id);
+    void goOnTyping();
     void forgetOpening();
     ComposerInputs::Place place() const;
     void hold(const QString &reason);
@@ -250,6 +255,7 @@ private:
     quint64 m_loads = 0;                ///< counts what was asked for
     std::function<void()> m_whenOpened; ///< goes to the message that was asked for
     bool m_loading = false;
+    bool m_goesOn = false; ///< as soon as the disk has told where something was typed
     QString m_loadError;
     QString m_notice;
     QString m_leftNotice; ///< about conversations that are not open any more

@@ -1,5 +1,8 @@
 #include "screens/chat/ComposerInputs.h"
 
+#include "core/PoolAwaiter.h"
+#include "platform/FileThread.h"
+
 #include <QPointer>
 #include <QSet>
 
@@ -65,6 +68,34 @@ void ComposerInputs::describe(const Place &place) {
     m_texts.describe(place);
     if (!place.isFresh())
         freshInUse().remove(m_id);
+}
+
+bool ComposerInputs::isFresh(const QString &id) const {
+    const KeptText box = m_texts.box(id);
+    return !id.isEmpty() && box.place.isFresh() && !box.place.incognito && !box.input.isEmpty();
+}
+
+QString ComposerInputs::typedLater() const {
+    const KeptText now = m_texts.box(m_id);
+    QDateTime lastAt = now.input.isEmpty() ? QDateTime() : now.changedAt;
+    QString last;
+    for (const auto &[id, left] : m_texts.boxes().asKeyValueRange()) {
+        if (id.isEmpty() || id == m_id || left.place.isFresh() || left.place.incognito || left.input.isEmpty() ||
+            !left.changedAt.isValid() || (lastAt.isValid() && left.changedAt <= lastAt))
+            continue;
+        last = id;
+        lastAt = left.changedAt;
+    }
+    return last;
+}
+
+QCoro::Task<> ComposerInputs::looked() {
+    // Behind the look, which was given to the file thread before.
+    co_await PoolAwaiter([] { return true; }, &FileThread::pool());
+}
+
+bool ComposerInputs::isInUse(const QString &id) {
+    return freshInUse().contains(id);
 }
 
 void ComposerInputs::takeOver() {

@@ -28,6 +28,14 @@ public:
     void moveTo(const Place &place, bool carry = false);
     /// More has become known of the conversation in use.
     void describe(const Place &place);
+    /// Whether the box of `id` holds something for a conversation that was never begun.
+    bool isFresh(const QString &id) const;
+    /// The conversation in whose box was typed last, when that was later than in the box in use; else empty.
+    QString typedLater() const;
+    /// Resumes when what the disk had as the box in use was moved to is in it.
+    static QCoro::Task<> looked();
+    /// Whether some window has the fresh conversation `id` open.
+    static bool isInUse(const QString &id);
 
     /// What stands in the box in use.
     ConversationInput current() const { return m_texts.box(m_id).input; }

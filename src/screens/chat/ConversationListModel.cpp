@@ -19,6 +19,7 @@ namespace {
 
 /// The list is narrow, and its rows are to be seen below what went wrong.
 constexpr qsizetype longestReason = 80;
+constexpr qsizetype longestExcerpt = 40;
 
 } // namespace
 
@@ -54,6 +55,8 @@ QVariant ConversationListModel::data(const QModelIndex &index, int role) const {
     case TitleRole:
         return row.title.isEmpty() ? u"新对话"_s : row.title;
     case SubtitleRole:
+        if (!row.unsent.isEmpty())
+            return u"没发出："_s + row.unsent;
         return row.localOnly ? u"只在本机，尚未同步"_s : QString();
     case TimeTextRole:
         return ChatDateText::of(row.at, m_services.clock->now().toLocalTime());
@@ -147,8 +150,17 @@ ConversationListModel::Local ConversationListModel::Local::read(const Conversati
         local.notices << kept.error().reason;
     }
     if (const auto unsent = inputs.list(*account)) {
-        for (const auto &entry : unsent->entries)
-            local.unsent.insert(ConversationInputDraftStore::originalId(entry.id));
+        for (const auto &entry : unsent->entries) {
+            const QString id = ConversationInputDraftStore::originalId(entry.id);
+            const QString title = PlainLabel::line(entry.title);
+            if (!local.unsent.contains(id))
+                local.texts.push_back({.id = id,
+                                       .title = title.isEmpty() ? u"未发送的新对话"_s : title,
+                                       .at = QDateTime::fromString(entry.updatedAt, Qt::ISODateWithMs),
+                                       .draft = true,
+                                       .unsent = PlainLabel::line(entry.input.text, longestExcerpt)});
+            local.unsent.insert(id);
+        }
         if (unsent->unreadable > 0)
             local.notices << ConversationTexts::inputsKeptUnread();
     } else {
@@ -182,12 +194,26 @@ void ConversationListModel::rebuild() {
             all.push_back(row);
     }
     all += known;
+    all = textsBeside(all) + all;
     const bool listed = std::ranges::find(all, m_open.id, &ConversationRow::id) != all.end();
     if (!listed && !m_open.id.isEmpty() && !m_open.title.isEmpty())
         all.prepend(m_open);
     m_all = std::move(all);
     show();
     Q_EMIT stateChanged();
+}
+
+QList<ConversationRow> ConversationListModel::textsBeside(const QList<ConversationRow> &listed) const {
+    // Before the service has answered, most of them belong to what it is about to list.
+    if (!m_loaded && m_errorText.isEmpty())
+        return {};
+    QSet<QString> known{m_openId};
+    for (const ConversationRow &row : listed)
+        known.insert(row.id);
+    auto texts = m_local.texts;
+    texts.removeIf(
+        [&](const ConversationRow &row) { return known.contains(row.id) || ComposerInputs::isInUse(row.id); });
+    return texts;
 }
 
 void ConversationListModel::find(const QString &text) {
@@ -284,7 +310,8 @@ void ConversationListModel::onChatChanged() {
               .at = {},
               .draft = titled && m_chat->localOnly(),
               .localOnly = true};
-    const bool other = id != m_selectedId;
+    // Not by what is selected: the list may have gone ahead.
+    const bool other = std::exchange(m_openId, id) != id;
     select(id);
     rebuild();
     // What was open before stands on disk as it was left.

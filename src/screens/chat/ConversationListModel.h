@@ -84,9 +84,10 @@ Q_SIGNALS:
 private:
     /// What this machine alone holds.
     struct Local {
-        QList<ConversationRow> rows; ///< conversations, newest first
-        QSet<QString> unsent;        ///< the conversations with something in their input box
-        QStringList notices;         ///< what could not be read, a sentence each
+        QList<ConversationRow> rows;  ///< conversations, newest first
+        QList<ConversationRow> texts; ///< what stands in input boxes, newest first
+        QSet<QString> unsent;         ///< the conversations with something in theirs
+        QStringList notices;          ///< what could not be read, a sentence each
 
         static Local read(const ConversationDraftCache &drafts, const ConversationInputDraftStore &inputs,
                           const std::optional<QString> &account);
@@ -95,6 +96,9 @@ private:
     QCoro::Task<> load();
     QCoro::Task<> readLocal();
     void rebuild();
+    /// Of what was typed, what belongs to none of the conversations `listed`, nor to one that is open: those that were
+    /// never begun, and those that nobody has any more.
+    QList<ConversationRow> textsBeside(const QList<ConversationRow> &listed) const;
     void show();
     /// Makes `wanted` the shown row `row`; the rows before it are right.
     void place(qsizetype row, const ConversationRow &wanted);
@@ -106,7 +110,8 @@ private:
     QList<ConversationSummaryDTO> m_summaries; ///< as the service said last
     Local m_local;
     QHash<QString, QDateTime> m_savedAt; ///< by this window
-    ConversationRow m_open;              ///< what the followed chat has open
+    QString m_openId;                    ///< of what the followed chat has open
+    ConversationRow m_open;              ///< the same as a row, once it has messages
     QList<ConversationRow> m_all;
     QList<ConversationRow> m_shown;
     QString m_findText;

@@ -24,6 +24,7 @@ struct SharedModels {
     TelemetryModel telemetry;
     UpdateChecker updates;
     MemoryInputs memoryInputs;
+    bool wentOn = false; ///< some window has gone on where the program ended
 };
 
 } // namespace lmp

@@ -192,8 +192,13 @@ void WindowScene::enterShell() {
     m_conversations->refresh();
     indexWhenIdle();
     // A link may have opened one already.
-    if (m_chat->conversationId().isEmpty())
+    if (!m_chat->conversationId().isEmpty())
+        return;
+    // Where one was typing before the program ended; a window opened beside begins anew.
+    if (std::exchange(m_shared->wentOn, true))
         m_chat->begin();
+    else
+        m_chat->goOn();
 }
 
 void WindowScene::indexWhenIdle() {

@@ -113,6 +113,53 @@ TEST_F(ConversationListModelTest, WhatThisMachineAloneHolds) {
     EXPECT_EQ(shownIn(0, "timeText"), u"刚刚"_s);
 }
 
+TEST_F(ConversationListModelTest, WhatWasTypedForNoConversationHasARow) {
+    list.follow(chat.get());
+    // By another window, after this one has read what there was.
+    ConversationInputDraftStore::Entry entry;
+    entry.id = u"f"_s;
+    entry.input.text = u"先写的"_s;
+    ASSERT_TRUE(ConversationInputDraftStore(support).save(*user, entry, {}, clock.now()));
+    clock.advance(std::chrono::seconds(1));
+    chat->begin();
+    chat->setInput(u"后写的"_s);
+    settleFiles();
+    clock.advance(std::chrono::seconds(1));
+    load(u"c"_s);
+    chat->setInput(u"给丙的"_s);
+    load(u"a"_s);
+    settleFiles();
+    EXPECT_EQ(list.rowCount(), 1) << "only what is open, before the service has answered";
+    serve({"a", "b"});
+    server.on("/api/app/conversation?id=c", StubServer::reply(404, "{}"));
+    refresh();
+    ASSERT_EQ(list.rowCount(), 5);
+    for (int row = 0; const QString &says :
+                      {u"tc没发出：给丙的"_s, u"未发送的新对话没发出：后写的"_s, u"未发送的新对话没发出：先写的"_s}) {
+        EXPECT_EQ(shownIn(row, "title").toString() + shownIn(row, "subtitle").toString(), says);
+        ++row;
+    }
+    // As soon as it is left, also where the list has gone ahead.
+    clock.advance(std::chrono::seconds(1));
+    chat->begin();
+    chat->setInput(u"再写的"_s);
+    settleFiles();
+    EXPECT_EQ(list.rowCount(), 4) << "a fresh one takes along what was typed in the last";
+    list.select(u"a"_s);
+    load(u"a"_s);
+    EXPECT_TRUE(eventually([this] { return list.rowCount() == 5; })) << list.rowCount();
+    EXPECT_EQ(shownIn(0, "subtitle"), u"没发出：再写的"_s);
+    for (const QString &text : {u"先写的"_s, u"给丙的"_s, u"再写的"_s}) {
+        const int row = list.rowCount() - 3;
+        load(shownIn(row, "conversationId").toString());
+        EXPECT_EQ(chat->title() + chat->input(), u"新对话"_s + text);
+        EXPECT_EQ(chat->notice(), text == u"再写的"_s ? QString() : ConversationTexts::inputCarriedOver());
+        chat->setInput({});
+        settleFiles();
+        EXPECT_TRUE(eventually([&] { return list.rowCount() == row + 2; })) << list.rowCount();
+    }
+}
+
 TEST_F(ConversationListModelTest, WhatCannotBeReadIsToldAndStays) {
     const auto damage = [this](const QString &path) {
         QFile file(folder.filePath(path));

@@ -75,7 +75,7 @@ TEST_F(TypedTextTest, WhatIsSentLeavesItsFileWhenItsMessageIsSafe) {
         setDisk(drafts, false);
         holdStream();
         ASSERT_TRUE(chat->send());
-        EXPECT_EQ(chat->input(), QString());
+        EXPECT_EQ(chat->input() + chat->inputDraftError(), QString());
         EXPECT_TRUE(eventually([this] { return chat->notice() == ConversationTexts::notKept(); }));
         EXPECT_EQ(unsent(id), QStringList{u"在吗"_s});
 
@@ -284,6 +284,35 @@ TEST_F(TypedTextTest, ADraftThatCannotBeReadIsMentioned) {
     EXPECT_EQ(chat->notice(), ConversationTexts::draftsUnreadable());
     load(u"b"_s);
     EXPECT_EQ(chat->notice(), QString());
+}
+
+TEST_F(TypedTextTest, WhereOneWasTypingIsOpenAfterARestart) {
+    const auto restart = [this] {
+        chat.reset();
+        open();
+        chat->goOn();
+        EXPECT_TRUE(eventually([this] { return chat->inputRestored() && !chat->loading(); }));
+        settle();
+    };
+    chat->begin();
+    chat->setInput(u"新的半句"_s);
+    settleFiles();
+    clock.advance(std::chrono::seconds(1));
+    load(u"a"_s);
+    chat->setInput(u"半句"_s);
+    settleFiles();
+    restart();
+    EXPECT_EQ(chat->conversationId() + chat->input(), u"a半句"_s);
+    EXPECT_TRUE(chat->isOpen());
+
+    clock.advance(std::chrono::seconds(1));
+    chat->begin();
+    EXPECT_EQ(chat->input(), u"新的半句"_s);
+    chat->setInput(u"新的一句"_s);
+    settleFiles();
+    restart();
+    EXPECT_EQ(chat->title() + chat->input(), u"新对话新的一句"_s) << "that was typed later";
+    EXPECT_EQ(unsent(u"a"_s), QStringList{u"半句"_s});
 }
 
 } // namespace lmp
