@@ -10,7 +10,7 @@ Column {
 
     signal serviceCopyWanted
 
-    readonly property bool any: root.chat.incognito || root.chat.notice !== "" || root.chat.linkNotice !== ""
+    readonly property bool any: root.chat.incognito || root.chat.notice !== "" || root.chat.deeds.linkNotice !== ""
 
     spacing: Theme.space8
     visible: root.any
@@ -38,10 +38,10 @@ Column {
     }
     LMPBanner {
         closable: true
-        text: root.chat.linkNotice
+        text: root.chat.deeds.linkNotice
         tone: LMPBanner.Warning
-        visible: root.chat.linkNotice !== ""
+        visible: root.chat.deeds.linkNotice !== ""
 
-        onClosed: root.chat.closeLinkNotice()
+        onClosed: root.chat.deeds.closeLinkNotice()
     }
 }

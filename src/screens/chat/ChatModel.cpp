@@ -6,8 +6,6 @@
 #include "core/Detach.h"
 #include "core/PlainLabel.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QPointer>
 
 #include <algorithm>
@@ -40,6 +38,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     , m_session(ConversationService(m_services.api), m_services.drafts, m_services.account, *m_services.clock)
     , m_view(m_session, *m_services.safety, m_services.api, m_services.events, m_services.recorder)
     , m_messages(m_session, m_view, *m_services.clock)
+    , m_deeds(m_session, m_view, m_services.opener)
     , m_find(m_session)
     , m_speech(m_session, m_services.api, m_services.makeAudio)
     , m_extraction(
@@ -63,7 +62,6 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     connect(&m_retry, &ChatRetry::sent, this, &ChatModel::sent);
     connect(&m_retry, &ChatRetry::answered, this, &ChatModel::emptyBox);
     connect(&m_inputs, &ComposerInputs::replaced, this, &ChatModel::inputChanged);
-    connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::inputDraftChanged);
     connect(&m_inputs, &ComposerInputs::stateChanged, this, &ChatModel::goOnTyping);
     connect(&m_inputs, &ComposerInputs::kept, this, &ChatModel::draftsChanged);
     m_inputs.open(m_services.account.current());
@@ -118,7 +116,8 @@ void ChatModel::goOn() {
 }
 
 void ChatModel::goOnTyping() {
-    if (!m_goesOn || !restoredDraftAccount() || restoredDraftAccount() != m_services.account.current())
+    const auto &restored = m_inputs.restoredDraftAccount();
+    if (!m_goesOn || !restored || restored != m_services.account.current())
         return;
     m_goesOn = false;
     load(m_inputs.typedLater());
@@ -231,7 +230,7 @@ void ChatModel::forgetOpening() {
     m_loadError.clear();
     m_wantedId.clear();
     m_heldReason.clear();
-    m_linkNotice.clear();
+    m_deeds.closeLinkNotice();
     setNotice({});
     m_whenOpened = nullptr;
 }
@@ -350,11 +349,6 @@ void ChatModel::closeNotice() {
     Q_EMIT noticeChanged();
 }
 
-void ChatModel::closeLinkNotice() {
-    m_linkNotice.clear();
-    Q_EMIT noticeChanged();
-}
-
 void ChatModel::recheckAccount() {
     const QString owner = m_services.account.owner();
     if (std::exchange(m_owner, owner) == owner)
@@ -375,7 +369,7 @@ void ChatModel::recheckAccount() {
     m_session.close();
     if (!self)
         return;
-    m_used.show({});
+    m_deeds.forget();
     onLeft();
     Q_EMIT conversationChanged();
 }
@@ -383,8 +377,6 @@ void ChatModel::recheckAccount() {
 // The turn
 
 void ChatModel::onViewChanged() {
-    if (const auto &used = m_view.showUsed())
-        m_used.show(*used);
     if (m_services.search)
         m_services.search->holdBack(this, sending());
     Q_EMIT stateChanged();
@@ -467,20 +459,6 @@ bool ChatModel::canSend() const {
     return isOpen() && !input().trimmed().isEmpty();
 }
 
-QString ChatModel::otherInputText() const {
-    const auto theirs = m_inputs.theirs();
-    if (!theirs)
-        return {};
-    QStringList lines;
-    if (!theirs->input.text.isEmpty())
-        lines << theirs->input.text;
-    if (const auto count = theirs->input.parts.size())
-        lines << u"（附件 %1 个）"_s.arg(count);
-    if (theirs->input.selection)
-        lines << u"（已选目标）"_s;
-    return lines.join(u'\n');
-}
-
 QString ChatModel::retryTargetText() const {
     return retryTarget().isEmpty() ? QString() : ConversationTexts::retryRunning();
 }
@@ -495,35 +473,6 @@ QCoro::Task<bool> ChatModel::preserve() {
     const bool conversation = co_await m_session.preserve();
     const bool inputs = self && co_await m_inputs.keep();
     co_return inputs &&conversation;
-}
-
-// What one does with a message
-
-QStringList ChatModel::feedbackReasonTexts() const {
-    return {u"不像我"_s, u"编造了内容"_s, u"时机不对"_s, u"太长了"_s, u"没说到点子上"_s, u"越界了"_s};
-}
-
-void ChatModel::copyText(const QString &text) {
-    if (auto *clipboard = QGuiApplication::clipboard())
-        clipboard->setText(text);
-}
-
-void ChatModel::copyMessage(const QString &messageId) {
-    const auto *conversation = m_session.conversation();
-    if (const auto *message = conversation ? ConversationMessageDelivery::find(*conversation, messageId) : nullptr)
-        copyText(message->text);
-}
-
-bool ChatModel::openLink(const QUrl &link) {
-    const QString scheme = link.scheme();
-    if (!link.isValid() || link.host().isEmpty() || (scheme != u"http"_s && scheme != u"https"_s))
-        m_linkNotice = u"只打开 http 或 https 开头的链接，这个链接没有打开。"_s;
-    else if (!m_services.opener->open(link))
-        m_linkNotice = u"没有程序能打开这个链接："_s + PlainLabel::line(link.toString(), PlainLabel::longestSentence);
-    else
-        m_linkNotice.clear();
-    Q_EMIT noticeChanged();
-    return m_linkNotice.isEmpty();
 }
 
 } // namespace lmp

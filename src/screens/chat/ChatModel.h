@@ -6,11 +6,9 @@
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ComposerInputs.h"
 #include "screens/chat/ExtractionModel.h"
+#include "screens/chat/MessageDeeds.h"
 #include "screens/chat/MessageListModel.h"
 #include "screens/chat/SpeechModel.h"
-#include "screens/chat/UsedMemoryModel.h"
-
-#include <QUrl>
 
 namespace lmp {
 
@@ -24,7 +22,9 @@ class ChatModel : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made by the window's scene")
     Q_PROPERTY(lmp::MessageListModel *messages READ messages CONSTANT)
-    Q_PROPERTY(lmp::UsedMemoryModel *usedMemories READ usedMemories CONSTANT)
+    Q_PROPERTY(lmp::MessageDeeds *deeds READ deeds CONSTANT)
+    /// How what is typed stands with the disk.
+    Q_PROPERTY(lmp::ComposerInputs *inputs READ inputs CONSTANT)
     Q_PROPERTY(lmp::ChatFind *find READ find CONSTANT)
     Q_PROPERTY(lmp::SpeechModel *speech READ speech CONSTANT)
     Q_PROPERTY(lmp::ExtractionModel *extraction READ extraction CONSTANT)
@@ -46,8 +46,6 @@ class ChatModel : public QObject {
     Q_PROPERTY(bool localOnly READ localOnly NOTIFY conversationChanged)
     /// What became of the last save, while it is not with the service; `saveAgain` is the action.
     Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
-    /// Why a link was not opened, until it is closed.
-    Q_PROPERTY(QString linkNotice READ linkNotice NOTIFY noticeChanged)
 
     // The turn.
     Q_PROPERTY(bool sending READ sending NOTIFY stateChanged)
@@ -68,31 +66,14 @@ class ChatModel : public QObject {
     /// The failed message that sending tries again; empty when sending says something new.
     Q_PROPERTY(QString retryTarget READ retryTarget NOTIFY inputChanged)
     Q_PROPERTY(QString retryTargetText READ retryTargetText NOTIFY inputChanged)
-
-    // The input and the disk.
-    /// What the disk had of it is in the box.
-    Q_PROPERTY(bool inputRestored READ inputRestored NOTIFY inputDraftChanged)
-    /// Why it is not on disk, or not from there; empty when all is well.
-    Q_PROPERTY(QString inputDraftError READ inputDraftError NOTIFY inputDraftChanged)
-    /// Another window has written something else; `keepMyInput` or `takeOtherInput` is the person's choice.
-    Q_PROPERTY(bool inputDraftConflicted READ inputDraftConflicted NOTIFY inputDraftChanged)
-    Q_PROPERTY(QString otherInputText READ otherInputText NOTIFY inputDraftChanged)
-    /// One of the two was given up; `takeInputBack` is the action.
-    Q_PROPERTY(bool inputGivenUp READ inputGivenUp NOTIFY inputDraftChanged)
-
-    // The sheets.
-    Q_PROPERTY(bool usedOpen READ usedOpen NOTIFY stateChanged)
-    Q_PROPERTY(QString reasonsOpenFor READ reasonsOpenFor NOTIFY stateChanged)
-    /// What `dislike` takes, in the order of presentation, and how each reads.
-    Q_PROPERTY(QStringList feedbackReasons READ feedbackReasons CONSTANT)
-    Q_PROPERTY(QStringList feedbackReasonTexts READ feedbackReasonTexts CONSTANT)
 public:
     explicit ChatModel(Application &application, QObject *parent = nullptr);
     explicit ChatModel(ChatServices services, QObject *parent = nullptr);
     ~ChatModel() override;
 
     MessageListModel *messages() { return &m_messages; }
-    UsedMemoryModel *usedMemories() { return &m_used; }
+    MessageDeeds *deeds() { return &m_deeds; }
+    ComposerInputs *inputs() { return &m_inputs; }
     ChatFind *find() { return &m_find; }
     SpeechModel *speech() { return &m_speech; }
     ExtractionModel *extraction() { return &m_extraction; }
@@ -107,7 +88,6 @@ public:
     bool blocked() const { return m_session.conflicted() || m_session.draftChangedElsewhere(); }
     bool localOnly() const { return m_session.unsaved() && !m_session.isSaving() && isIdle(); }
     QString notice() const;
-    const QString &linkNotice() const { return m_linkNotice; }
     bool sending() const { return m_view.sending(); }
     bool awaitingReply() const { return m_view.awaitingReply(); }
     bool retrying() const { return m_view.retry().isRunning(); }
@@ -123,21 +103,6 @@ public:
     const QString &inputHeldReason() const { return m_heldReason; }
     QString retryTarget() const { return m_retry.target(); }
     QString retryTargetText() const;
-    bool inputRestored() const { return m_inputs.isRestored(); }
-    QString inputDraftError() const { return m_inputs.error(); }
-    bool inputDraftConflicted() const { return m_inputs.isConflicted(); }
-    QString otherInputText() const;
-    bool inputGivenUp() const { return m_inputs.hasGivenUp(); }
-    /// The write of the input's file that this window last read or made.
-    std::optional<QString> inputDraftWriteId() const { return m_inputs.draftWriteId(); }
-    /// The account whose input is in the boxes.
-    std::optional<QString> restoredDraftAccount() const { return m_inputs.restoredDraftAccount(); }
-    bool usedOpen() const { return m_view.showUsed().has_value(); }
-    QString reasonsOpenFor() const { return m_view.reasonsOpenFor().value_or(QString()); }
-    QStringList feedbackReasons() const { return ChatWithTwinView::feedbackReasons(); }
-    QStringList feedbackReasonTexts() const;
-
-    // A turn that is under way ends where its conversation is left: as if it was stopped, with what has arrived.
 
     /// Opens a fresh conversation. One that is open and still empty stays.
     Q_INVOKABLE void begin(bool incognito = false);
@@ -156,7 +121,6 @@ public:
     /// Goes on with what is open, and what is typed, as a conversation of its own. Not while a turn is under way.
     Q_INVOKABLE void saveAsNew();
     Q_INVOKABLE void closeNotice();
-    Q_INVOKABLE void closeLinkNotice();
 
     /// Submits the input, or tries the `retryTarget` again with it. The model empties the input itself: when the turn
     /// has begun, or when the retry has succeeded.
@@ -171,27 +135,6 @@ public:
     Q_INVOKABLE bool restoreMessage(const QString &userMessageId) { return m_retry.restore(userMessageId); }
     /// Sending says something new again; the text stays.
     Q_INVOKABLE void clearRetryTarget() { m_retry.clearTarget(); }
-    /// Puts the input here in the place of the other window's.
-    Q_INVOKABLE void keepMyInput() { m_inputs.keepMine(); }
-    /// Gives up the input here for the other window's.
-    Q_INVOKABLE void takeOtherInput() { m_inputs.takeTheirs(); }
-    /// Has back the one of the two that was given up, in exchange for the other.
-    Q_INVOKABLE void takeInputBack() { m_inputs.takeBack(); }
-    /// Is content with the choice.
-    Q_INVOKABLE void closeInputChoice() { m_inputs.forgetGivenUp(); }
-
-    Q_INVOKABLE void like(const QString &messageId) { m_view.likeReply(messageId); }
-    Q_INVOKABLE void openReasons(const QString &messageId) { m_view.openReasons(messageId); }
-    Q_INVOKABLE void dislike(const QString &messageId, const QString &reason) {
-        m_view.dislikeReply(messageId, reason);
-    }
-    Q_INVOKABLE void closeReasons() { m_view.closeReasons(); }
-    Q_INVOKABLE void openUsed(const QString &messageId) { m_view.openUsed(messageId); }
-    Q_INVOKABLE void closeUsed() { m_view.closeUsed(); }
-    Q_INVOKABLE void copyText(const QString &text);
-    Q_INVOKABLE void copyMessage(const QString &messageId);
-    /// Hands http and https links to the browser; any other is refused with `linkNotice`.
-    Q_INVOKABLE bool openLink(const QUrl &link);
 
     /// Whether everything typed is on disk or with the service.
     Q_INVOKABLE bool localInputSaved() const;
@@ -204,7 +147,6 @@ Q_SIGNALS:
     void conversationChanged();
     void stateChanged();
     void inputChanged();
-    void inputDraftChanged();
     void noticeChanged();
     /// A turn has begun with what was typed.
     void sent();
@@ -235,7 +177,7 @@ private:
     ConversationSession m_session;
     ChatWithTwinView m_view;
     MessageListModel m_messages;
-    UsedMemoryModel m_used;
+    MessageDeeds m_deeds;
     ChatFind m_find;
     SpeechModel m_speech;
     ExtractionModel m_extraction;
@@ -259,7 +201,6 @@ private:
     QString m_loadError;
     QString m_notice;
     QString m_leftNotice; ///< about conversations that are not open any more
-    QString m_linkNotice;
     QString m_heldReason;
 };
 

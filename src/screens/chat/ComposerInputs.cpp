@@ -10,6 +10,8 @@
 
 namespace lmp {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// The fresh conversations that some window has open: their input is not left behind.
@@ -148,6 +150,20 @@ void ComposerInputs::onRestored() {
     if (!m_id.isEmpty() && m_texts.unreadable() != 0)
         m_texts.look(m_id);
     Q_EMIT replaced();
+}
+
+QString ComposerInputs::otherText() const {
+    const auto theirs = this->theirs();
+    if (!theirs)
+        return {};
+    QStringList lines;
+    if (!theirs->input.text.isEmpty())
+        lines << theirs->input.text;
+    if (const auto count = theirs->input.parts.size())
+        lines << u"（附件 %1 个）"_s.arg(count);
+    if (theirs->input.selection)
+        lines << u"（已选目标）"_s;
+    return lines.join(u'\n');
 }
 
 void ComposerInputs::keepMine() {

@@ -3,6 +3,7 @@
 #include "conversation/KeptTexts.h"
 
 #include <QObject>
+#include <QtQmlIntegration>
 
 namespace lmp {
 
@@ -13,6 +14,17 @@ namespace lmp {
 /// come to the disk, and what happens where two windows meet, is KeptTexts'.
 class ComposerInputs : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("part of a ChatModel")
+    /// What the disk had of the box in use is in it.
+    Q_PROPERTY(bool inputRestored READ isRestored NOTIFY stateChanged)
+    /// Why it is not on disk, or not from there; empty when all is well.
+    Q_PROPERTY(QString inputDraftError READ error NOTIFY stateChanged)
+    /// Another window has written something else; `keepMine` or `takeTheirs` is the person's choice.
+    Q_PROPERTY(bool inputDraftConflicted READ isConflicted NOTIFY stateChanged)
+    Q_PROPERTY(QString otherText READ otherText NOTIFY stateChanged)
+    /// One of the two was given up; `takeBack` is the action.
+    Q_PROPERTY(bool givenUp READ hasGivenUp NOTIFY stateChanged)
 public:
     using Place = KeptText::Place;
 
@@ -59,20 +71,22 @@ public:
 
     // Of the box in use.
     bool isRestored() const { return m_texts.box(m_id).restored; }
-    std::optional<QString> draftWriteId() const { return m_texts.box(m_id).draftWriteId; }
+    std::optional<QString> inputDraftWriteId() const { return m_texts.box(m_id).draftWriteId; }
     /// Why the box is not on disk, or what the disk has is not in the box; null when all is well.
     QString error() const { return m_texts.error(m_id); }
     bool isConflicted() const { return m_texts.box(m_id).theirs.has_value(); }
     /// What another window wrote, while that is so.
     std::optional<KeptText::Entry> theirs() const { return m_texts.box(m_id).theirs; }
+    /// The same, as it reads.
+    QString otherText() const;
     /// Puts what stands here in the place of what the other window wrote. Nothing never takes the place of something.
-    void keepMine();
+    Q_INVOKABLE void keepMine();
     /// Gives up what stands here for what the other window wrote.
-    void takeTheirs();
+    Q_INVOKABLE void takeTheirs();
     /// Whether one of the two was given up, and can be had back with `takeBack`.
     bool hasGivenUp() const { return m_texts.box(m_id).givenUp.has_value() && !isConflicted(); }
-    void takeBack() { m_texts.takeBack(m_id); }
-    void forgetGivenUp() { m_texts.forgetGivenUp(m_id); }
+    Q_INVOKABLE void takeBack() { m_texts.takeBack(m_id); }
+    Q_INVOKABLE void forgetGivenUp() { m_texts.forgetGivenUp(m_id); }
 
 Q_SIGNALS:
     /// The box in use holds something else, other than by `setText`.

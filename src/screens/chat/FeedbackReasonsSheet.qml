@@ -7,7 +7,7 @@ LMPSheet {
     id: root
 
     required property ChatModel chat
-    readonly property string messageId: root.chat.reasonsOpenFor
+    readonly property string messageId: root.chat.deeds.reasonsOpenFor
     property int chosen: -1
 
     function prepare(index: int, choice: LMPRadio): void {
@@ -24,8 +24,8 @@ LMPSheet {
     primaryText: "发送反馈"
     title: "哪里不太对？"
 
-    onAccepted: root.chat.dislike(root.messageId, root.chat.feedbackReasons[root.chosen])
-    onClosed: root.chat.closeReasons()
+    onAccepted: root.chat.deeds.dislike(root.messageId, root.chat.deeds.feedbackReasons[root.chosen])
+    onClosed: root.chat.deeds.closeReasons()
     onMessageIdChanged: {
         if (root.messageId !== "")
             root.start();
@@ -36,7 +36,7 @@ LMPSheet {
     Repeater {
         id: choices
 
-        model: root.chat.feedbackReasonTexts
+        model: root.chat.deeds.feedbackReasonTexts
 
         delegate: LMPRadio {
             required property string modelData

@@ -8,12 +8,12 @@ Item {
     id: root
 
     required property ChatModel chat
-    readonly property bool asks: root.chat.inputDraftConflicted
+    readonly property bool asks: root.chat.inputs.inputDraftConflicted
 
     signal chosen
 
     height: root.visible ? body.height + 2 * body.y : 0
-    visible: root.asks || root.chat.inputGivenUp
+    visible: root.asks || root.chat.inputs.givenUp
 
     Column {
         id: body
@@ -27,7 +27,7 @@ Item {
             Accessible.role: Accessible.AlertMessage
             color: Theme.warning
             kind: LMPText.Caption
-            text: root.asks ? root.chat.inputDraftError : "两份里用了一份。没有用的那一份还在，可以换回来。"
+            text: root.asks ? root.chat.inputs.inputDraftError : "两份里用了一份。没有用的那一份还在，可以换回来。"
             width: parent.width
         }
         // Whoever wants some of both copies it from here.
@@ -36,7 +36,7 @@ Item {
             maximumLines: 4
             minimumLines: 1
             readOnly: true
-            text: root.chat.otherInputText
+            text: root.chat.inputs.otherText
             visible: root.asks
             width: parent.width
         }
@@ -51,7 +51,7 @@ Item {
                 text: "保留我的"
 
                 onClicked: {
-                    root.chat.keepMyInput();
+                    root.chat.inputs.keepMine();
                     root.chosen();
                 }
             }
@@ -60,7 +60,7 @@ Item {
                 text: "改用另一份"
 
                 onClicked: {
-                    root.chat.takeOtherInput();
+                    root.chat.inputs.takeTheirs();
                     root.chosen();
                 }
             }
@@ -75,7 +75,7 @@ Item {
                 text: "换回另一份"
 
                 onClicked: {
-                    root.chat.takeInputBack();
+                    root.chat.inputs.takeBack();
                     root.chosen();
                 }
             }
@@ -84,7 +84,7 @@ Item {
                 text: "不用了"
 
                 onClicked: {
-                    root.chat.closeInputChoice();
+                    root.chat.inputs.forgetGivenUp();
                     root.chosen();
                 }
             }

@@ -11,7 +11,7 @@ Item {
     Accessible.name: words.text
     Accessible.role: Accessible.AlertMessage
     height: root.visible ? words.height : 0
-    visible: root.chat.inputDraftError !== "" && !root.chat.inputDraftConflicted
+    visible: root.chat.inputs.inputDraftError !== "" && !root.chat.inputs.inputDraftConflicted
 
     LMPText {
         id: words
@@ -19,7 +19,7 @@ Item {
         Accessible.ignored: true
         color: Theme.warning
         kind: LMPText.Caption
-        text: root.chat.inputDraftError
+        text: root.chat.inputs.inputDraftError
         width: parent.width - 2 * x
         x: Theme.space4
     }

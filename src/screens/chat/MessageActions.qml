@@ -17,7 +17,7 @@ Row {
         implicitHeight: Theme.target
         text: "复制回答"
 
-        onClicked: root.chat.copyMessage(root.row.messageId)
+        onClicked: root.chat.deeds.copyMessage(root.row.messageId)
     }
     LMPIconButton {
         readonly property bool speaking: root.chat.speech.messageId === root.row.messageId
@@ -36,7 +36,7 @@ Row {
         implicitHeight: Theme.target
         text: root.row.feedback === "positive" ? "说得好（已选）" : "说得好"
 
-        onClicked: root.chat.like(root.row.messageId)
+        onClicked: root.chat.deeds.like(root.row.messageId)
     }
     LMPIconButton {
         checked: root.row.feedback === "negative"
@@ -44,7 +44,7 @@ Row {
         implicitHeight: Theme.target
         text: root.row.feedback === "negative" ? "不太对（已选）" : "不太对，说说原因"
 
-        onClicked: root.chat.openReasons(root.row.messageId)
+        onClicked: root.chat.deeds.openReasons(root.row.messageId)
     }
     LMPButton {
         busy: root.row.retryBusy

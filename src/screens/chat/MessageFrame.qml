@@ -32,7 +32,7 @@ T.Control {
     }
     Keys.onPressed: event => {
         if (event.matches(StandardKey.Copy)) {
-            root.row.chat.copyMessage(root.row.messageId);
+            root.row.chat.deeds.copyMessage(root.row.messageId);
             event.accepted = true;
         }
     }

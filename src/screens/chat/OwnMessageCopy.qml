@@ -11,5 +11,5 @@ LMPIconButton {
     implicitHeight: Theme.target
     text: "复制这条消息"
 
-    onClicked: root.row.chat.copyMessage(root.row.messageId)
+    onClicked: root.row.chat.deeds.copyMessage(root.row.messageId)
 }

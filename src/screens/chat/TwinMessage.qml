@@ -13,8 +13,8 @@ MessageFrame {
         keepsPlace: false
         maximumWidth: root.width
 
-        onCopyRequested: text => root.row.chat.copyText(text)
-        onLinkActivated: link => root.row.chat.openLink(link)
+        onCopyRequested: text => root.row.chat.deeds.copyText(text)
+        onLinkActivated: link => root.row.chat.deeds.openLink(link)
         onMeasuredAbove: by => root.row.column.measuredAbove(root.row, by)
         onMoveAsked: by => root.row.column.moveAsked(by)
     }

@@ -11,5 +11,5 @@ LMPChip {
     iconName: "memory"
     text: root.row.usedText
 
-    onClicked: root.row.chat.openUsed(root.row.messageId)
+    onClicked: root.row.chat.deeds.openUsed(root.row.messageId)
 }

@@ -7,14 +7,14 @@ LMPSheet {
     id: root
 
     required property ChatModel chat
-    readonly property bool wanted: root.chat.usedOpen
+    readonly property bool wanted: root.chat.deeds.usedOpen
 
     primaryText: "知道了"
     secondaryText: ""
     title: "本次用到的记忆"
 
     onAccepted: root.close()
-    onClosed: root.chat.closeUsed()
+    onClosed: root.chat.deeds.closeUsed()
     onWantedChanged: {
         if (root.wanted)
             root.open();
@@ -24,11 +24,11 @@ LMPSheet {
 
     LMPText {
         color: Theme.text2
-        text: root.chat.usedMemories.note
+        text: root.chat.deeds.usedMemories.note
         width: parent.width
     }
     Repeater {
-        model: root.chat.usedMemories
+        model: root.chat.deeds.usedMemories
 
         delegate: Item {
             id: memory

@@ -187,7 +187,7 @@ QList<GalleryScene> ChatScenes::drafts() {
     // What another window has put into the box of the same conversation.
     const auto conflict = [](GalleryStage &stage) {
         stage.then([&stage] { chat(stage).setInput(u"我这边写的是：周六上午去，午饭前回来。"_s); });
-        stage.until(u"the save"_s, [&stage] { return chat(stage).inputDraftWriteId().has_value(); });
+        stage.until(u"the save"_s, [&stage] { return chat(stage).inputs()->inputDraftWriteId().has_value(); });
         stage.then([&stage] {
             auto &application = stage.program().application();
             const QString user = Fixtures::person().id;
@@ -197,7 +197,7 @@ QList<GalleryScene> ChatScenes::drafts() {
             (void)application.inputs().save(user, entry, entry.writeId, application.clock().now());
             chat(stage).setInput(u"我这边写的是：周六上午去，午饭前回来，路上买菜。"_s);
         });
-        stage.until(u"the conflict"_s, [&stage] { return chat(stage).inputDraftConflicted(); });
+        stage.until(u"the conflict"_s, [&stage] { return chat(stage).inputs()->isConflicted(); });
     };
     const auto inTheWay = [](GalleryStage &stage, const QString &name) {
         QFile file(stage.program().application().support().root() + u'/' + name);
@@ -209,7 +209,7 @@ QList<GalleryScene> ChatScenes::drafts() {
             inTheWay(stage, u"UnsentInput"_s);
             chat(stage).setInput(u"磁盘满了的时候写的一句话"_s);
         });
-        stage.until(u"the failure"_s, [&stage] { return !chat(stage).inputDraftError().isEmpty(); });
+        stage.until(u"the failure"_s, [&stage] { return !chat(stage).inputs()->error().isEmpty(); });
     };
     const auto unreadable = [inTheWay](GalleryStage &stage) {
         stage.then([&stage, inTheWay] {
@@ -251,18 +251,18 @@ QList<GalleryScene> ChatScenes::ways() {
     };
     const auto used = [](GalleryStage &stage) {
         stage.until(u"the reply"_s, [&stage] { return stage.visibleItem(u"MessageActions"_s) != nullptr; });
-        stage.then([&stage] { chat(stage).openUsed(u"a"_s); });
+        stage.then([&stage] { chat(stage).deeds()->openUsed(u"a"_s); });
     };
     const auto reasons = [](GalleryStage &stage) {
         stage.until(u"the reply"_s, [&stage] { return stage.visibleItem(u"MessageActions"_s) != nullptr; });
-        stage.then([&stage] { chat(stage).openReasons(u"a"_s); });
+        stage.then([&stage] { chat(stage).deeds()->openReasons(u"a"_s); });
     };
     const auto feedback = [](GalleryStage &stage) {
         stage.service().reply(u"/api/app/feedback"_s, ChatWithTwinView::OkResp{.ok = true});
-        stage.then([&stage] { chat(stage).like(u"a"_s); });
+        stage.then([&stage] { chat(stage).deeds()->like(u"a"_s); });
     };
     const auto link = [](GalleryStage &stage) {
-        stage.then([&stage] { chat(stage).openLink(QUrl(u"javascript:alert(1)"_s)); });
+        stage.then([&stage] { chat(stage).deeds()->openLink(QUrl(u"javascript:alert(1)"_s)); });
     };
     const auto notOpened = [](GalleryStage &stage) {
         Fixtures::serve(stage.service(), 5);

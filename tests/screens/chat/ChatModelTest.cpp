@@ -146,186 +146,12 @@ TEST_F(ChatModelTest, WhatOthersSayNeitherActsNorFillsTheWindow) {
     load(u"a"_s);
     EXPECT_EQ(chat->title(), u"账单"_s);
     EXPECT_EQ(text(-1), u"好\u202e"_s) << "the text of a message is its own";
-    chat->openUsed(u"r"_s);
-    const auto *used = chat->usedMemories();
+    chat->deeds()->openUsed(u"r"_s);
+    const auto *used = chat->deeds()->usedMemories();
     EXPECT_EQ(used->rowCount(), 100);
     EXPECT_TRUE(used->note().contains(u"500"_s) && used->note().contains(u"100"_s));
     EXPECT_EQ(used->data(used->index(0), UsedMemoryModel::ContentRole).toString().size(), PlainLabel::longestContent);
     EXPECT_EQ(used->data(used->index(0), UsedMemoryModel::TruthTextRole), u"x"_s);
-}
-
-TEST_F(ChatModelTest, WhatIsTypedStaysWithItsConversation) {
-    load(u"a"_s);
-    chat->setInput(u"给 a"_s);
-    load(u"b"_s);
-    EXPECT_EQ(chat->input(), QString());
-    chat->setInput(u"给 b"_s);
-    server.on("/api/app/conversation?id=c", StubServer::reply(500, R"({"reason":"稍后"})"));
-    load(u"c"_s);
-    EXPECT_EQ(chat->loadError(), u"稍后"_s);
-    EXPECT_FALSE(chat->isOpen());
-    chat->setInput(u"给 c"_s);
-    EXPECT_FALSE(chat->send());
-    EXPECT_EQ(chat->inputHeldReason(), ConversationTexts::nothingOpen());
-    chat->begin();
-    EXPECT_EQ(chat->input(), QString()) << "what was typed for one that could not be opened is not a fresh one's";
-    chat->setInput(u"新的"_s);
-    chat->begin(true);
-    EXPECT_EQ(chat->input(), QString());
-    chat->setInput(u"无痕"_s);
-    EXPECT_TRUE(await(chat->preserve()));
-    EXPECT_TRUE(chat->localInputSaved()) << "of an incognito conversation nothing is to be kept";
-    server.on("/api/app/conversation?id=c", StubServer::reply(200, conversation("c", message("c1"))));
-
-    // After a restart.
-    chat.reset();
-    open();
-    for (const auto &[id, typed] : std::initializer_list<std::pair<QString, QString>>{
-             {u"b"_s, u"给 b"_s}, {u"c"_s, u"给 c"_s}, {u"a"_s, u"给 a"_s}}) {
-        load(id);
-        EXPECT_EQ(chat->input(), typed);
-    }
-    chat->begin();
-    EXPECT_EQ(chat->input(), u"新的"_s);
-    ASSERT_TRUE(chat->send());
-    EXPECT_TRUE(eventually([this] { return chat->isIdle(); }));
-    settleFiles();
-    chat.reset();
-    open();
-    chat->begin();
-    EXPECT_EQ(chat->input(), QString()) << "what was sent does not come back";
-}
-
-TEST_F(ChatModelTest, WhatIsTypedIsOnDiskAfterAPause) {
-    chat->setInput(u"先说"_s);
-    chat->begin();
-    EXPECT_EQ(chat->input(), u"先说"_s) << "typed before anything was open";
-    load(u"a"_s);
-    chat->setInput(u"没说完"_s);
-    clock.advance(ComposerInputs::typingPause);
-    const auto onDisk = [this] {
-        QStringList texts;
-        for (const auto &entry : ConversationInputDraftStore(support).list(*user)->entries)
-            texts.push_back(entry.input.text);
-        texts.sort();
-        return texts;
-    };
-    EXPECT_TRUE(eventually([&] { return onDisk() == QStringList{u"先说"_s, u"没说完"_s}; }));
-}
-
-TEST_F(ChatModelTest, WhatAnotherWindowHasOpenIsNotLeftBehind) {
-    chat->begin();
-    chat->setInput(u"这个窗口"_s);
-    EXPECT_TRUE(await(chat->preserve()));
-    ChatModel other(services());
-    await(other.preserve());
-    settle();
-    other.begin();
-    EXPECT_EQ(other.input(), QString());
-}
-
-TEST_F(ChatModelTest, TwoWindowsAndOneInput) {
-    const ConversationInputDraftStore store(support);
-    const auto onDisk = [&](const QString &id) {
-        const auto entry = store.read(*user, id).value_or(std::nullopt);
-        return entry ? entry->input.text : QString();
-    };
-    load(u"a"_s);
-    chat->setInput(u"早先"_s);
-    ASSERT_TRUE(await(chat->preserve()));
-    for (const bool mine : {true, false}) {
-        SCOPED_TRACE(mine);
-        // The other window, with an attachment and a target that must not get lost on the way.
-        auto theirs = *store.read(*user, u"a"_s).value();
-        theirs.input.text = u"那边"_s;
-        theirs.input.parts.resize(1);
-        theirs.input.selection.emplace().workId = u"w"_s;
-        const auto written = store.save(*user, theirs, theirs.writeId, clock.now());
-        ASSERT_TRUE(written);
-
-        chat->setInput(u"这边"_s);
-        EXPECT_TRUE(await(chat->preserve())) << "kept beside";
-        EXPECT_TRUE(chat->inputDraftConflicted());
-        EXPECT_EQ(chat->inputDraftError(), ConversationTexts::inputChangedElsewhere());
-        EXPECT_EQ(chat->otherInputText(), u"那边\n（附件 1 个）\n（已选目标）"_s);
-        EXPECT_EQ(chat->input(), u"这边"_s);
-        EXPECT_EQ(onDisk(u"a"_s), u"那边"_s);
-
-        // Nothing is decided by leaving, nor by a restart.
-        chat->setInput(u"这边，又写"_s);
-        load(u"b"_s);
-        EXPECT_FALSE(chat->inputDraftConflicted());
-        EXPECT_EQ(chat->input() + chat->inputDraftError(), QString());
-        chat.reset();
-        open();
-        load(u"a"_s);
-        EXPECT_TRUE(chat->inputDraftConflicted());
-        EXPECT_EQ(chat->input(), u"这边，又写"_s);
-        EXPECT_EQ(onDisk(u"a"_s), u"那边"_s);
-
-        mine ? chat->keepMyInput() : chat->takeOtherInput();
-        EXPECT_FALSE(chat->inputDraftConflicted());
-        EXPECT_EQ(chat->input(), mine ? u"这边，又写"_s : u"那边"_s);
-        EXPECT_TRUE(await(chat->preserve()));
-        settle();
-        EXPECT_EQ(onDisk(u"a"_s), chat->input());
-        EXPECT_EQ(store.read(*user, u"a"_s).value()->input.parts.size(), mine ? 0 : 1);
-        EXPECT_EQ(chat->inputDraftWriteId(), store.read(*user, u"a"_s).value()->writeId);
-        EXPECT_TRUE(eventually([&] { return store.list(*user)->entries.size() == 1; })) << "the copy beside is gone";
-    }
-
-    // What the other window sends is gone here too, as long as nothing was changed here.
-    const auto now = *store.read(*user, u"a"_s).value();
-    auto nothing = now;
-    nothing.input = {};
-    ASSERT_TRUE(store.save(*user, nothing, now.writeId, clock.now()));
-    load(u"b"_s);
-    load(u"a"_s);
-    EXPECT_TRUE(eventually([this] { return chat->input().isEmpty(); }));
-}
-
-TEST_F(ChatModelTest, WhatTheDiskRefusedFollowsItsAccount) {
-    // A lock that cannot be taken.
-    QFile::remove(folder.filePath(u"UnsentInput/v1/.lock"_s));
-    ASSERT_TRUE(QDir(folder.path()).mkpath(u"UnsentInput/v1/.lock"_s));
-    load(u"a"_s);
-    chat->setInput(u"秘密"_s);
-    EXPECT_FALSE(await(chat->preserve()));
-    EXPECT_EQ(chat->inputDraftError(), ConversationTexts::inputNotWritten());
-    user = u"u2"_s;
-    signIn += u'+';
-    chat->recheckAccount();
-    load(u"a"_s);
-    EXPECT_EQ(chat->input() + chat->inputDraftError(), QString());
-    EXPECT_TRUE(eventually([this] { return chat->restoredDraftAccount() == u"u2"_s; }));
-    EXPECT_FALSE(chat->localInputSaved()) << "a quit would still lose it";
-    ASSERT_TRUE(QDir(folder.path()).rmdir(u"UnsentInput/v1/.lock"_s));
-    clock.advance(ComposerInputs::typingPause);
-    settle();
-    clock.advance(ComposerInputs::retryPause);
-    EXPECT_TRUE(eventually([this] { return chat->localInputSaved(); }));
-    EXPECT_EQ(chat->input(), QString());
-    become(u"u1"_s);
-    load(u"a"_s);
-    EXPECT_EQ(chat->input(), u"秘密"_s);
-}
-
-TEST_F(ChatModelTest, WhatCannotMoveStaysWhereItWas) {
-    load(u"a"_s);
-    chat->setInput(u"短的"_s);
-    ASSERT_TRUE(await(chat->preserve()));
-    chat->setInput(QString(2'000'001, u'x'));
-    EXPECT_FALSE(await(chat->preserve()));
-    chat->saveAsNew();
-    EXPECT_FALSE(await(chat->preserve()));
-    const QDir kept(folder.filePath(u"UnsentInput/v1"_s));
-    QByteArray all;
-    for (const QString &name : kept.entryList({u"*.json"_s})) {
-        QFile file(kept.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        all += file.readAll();
-    }
-    EXPECT_TRUE(all.contains("短的"));
 }
 
 TEST_F(ChatModelTest, QuittingIsHeldUpByADiskThatRefuses) {
@@ -375,7 +201,7 @@ TEST_F(ChatModelTest, SwitchingInMidStreamWritesNothingIntoEither) {
 TEST_F(ChatModelTest, AnotherAccountSeesNothingOfTheFirst) {
     load(u"a"_s);
     turn(u"在吗"_s);
-    chat->openUsed(text(-1, "messageId"));
+    chat->deeds()->openUsed(text(-1, "messageId"));
     chat->setInput(u"秘密"_s);
     chat->load(u"b"_s);
     become(u"u2"_s);
@@ -494,25 +320,25 @@ TEST_F(ChatModelTest, WhatBecameOfASaveStaysInSight) {
 }
 
 TEST_F(ChatModelTest, MemoriesAndFeedback) {
-    QAbstractItemModelTester used(chat->usedMemories(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QAbstractItemModelTester used(chat->deeds()->usedMemories(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     chat->begin();
     answer(
         {R"({"delta":"a","usedMemories":[{"content":"怕冷","truth":"pref"},{"content":"x","truth":"newer"}]})", done});
     turn(u"在吗"_s);
     EXPECT_EQ(text(1, "usedText"), ConversationTexts::usedMemories(2));
-    chat->openUsed(text(1, "messageId"));
-    ASSERT_TRUE(chat->usedOpen());
-    const auto *memories = chat->usedMemories();
+    chat->deeds()->openUsed(text(1, "messageId"));
+    ASSERT_TRUE(chat->deeds()->usedOpen());
+    const auto *memories = chat->deeds()->usedMemories();
     EXPECT_EQ(memories->note(), ConversationTexts::usedMemoriesNote(2));
     EXPECT_EQ(memories->data(memories->index(0), UsedMemoryModel::TruthTextRole), u"偏好"_s);
     EXPECT_EQ(memories->data(memories->index(1), UsedMemoryModel::TruthTextRole), u"newer"_s);
 
-    EXPECT_EQ(chat->feedbackReasons().size(), chat->feedbackReasonTexts().size());
+    EXPECT_EQ(chat->deeds()->feedbackReasons().size(), chat->deeds()->feedbackReasonTexts().size());
     server.on("/api/app/feedback", StubServer::reply(200, "{}"));
-    chat->like(text(1, "messageId"));
+    chat->deeds()->like(text(1, "messageId"));
     EXPECT_EQ(text(1, "feedback"), u"positive"_s);
     server.on("/api/app/feedback", StubServer::reply(500, "{}"));
-    chat->dislike(text(1, "messageId"), u"too_long"_s);
+    chat->deeds()->dislike(text(1, "messageId"), u"too_long"_s);
     EXPECT_EQ(text(1, "feedback"), u"negative"_s);
     EXPECT_TRUE(eventually([this] { return text(1, "feedback").isEmpty(); })) << "it did not arrive";
     EXPECT_EQ(chat->errorText(), ConversationTexts::feedbackNotSent());
@@ -521,15 +347,15 @@ TEST_F(ChatModelTest, MemoriesAndFeedback) {
 TEST_F(ChatModelTest, LinksThatAreNotOpened) {
     for (const char *link :
          {"file:///etc/passwd", "javascript:alert(1)", "https:///x", "tel:110", "lumenpair://x", ""}) {
-        EXPECT_FALSE(chat->openLink(QUrl(QString::fromLatin1(link)))) << link;
-        EXPECT_FALSE(chat->linkNotice().isEmpty());
+        EXPECT_FALSE(chat->deeds()->openLink(QUrl(QString::fromLatin1(link)))) << link;
+        EXPECT_FALSE(chat->deeds()->linkNotice().isEmpty());
     }
     EXPECT_TRUE(opener.opened.isEmpty());
-    EXPECT_TRUE(chat->openLink(QUrl(u"HTTPS://example.invalid/a"_s)));
-    EXPECT_EQ(chat->linkNotice(), QString());
+    EXPECT_TRUE(chat->deeds()->openLink(QUrl(u"HTTPS://example.invalid/a"_s)));
+    EXPECT_EQ(chat->deeds()->linkNotice(), QString());
     opener.works = false;
-    EXPECT_FALSE(chat->openLink(QUrl(u"https://example.invalid/a"_s)));
-    EXPECT_TRUE(chat->linkNotice().contains(u"example.invalid"_s));
+    EXPECT_FALSE(chat->deeds()->openLink(QUrl(u"https://example.invalid/a"_s)));
+    EXPECT_TRUE(chat->deeds()->linkNotice().contains(u"example.invalid"_s));
 }
 
 } // namespace lmp

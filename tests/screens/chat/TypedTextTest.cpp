@@ -51,7 +51,7 @@ protected:
         writeElsewhere(u"a"_s, theirs);
         chat->setInput(mine);
         ASSERT_TRUE(await(chat->preserve()));
-        ASSERT_TRUE(chat->inputDraftConflicted());
+        ASSERT_TRUE(chat->inputs()->isConflicted());
     }
     void turnClock(std::chrono::milliseconds by) {
         settle();
@@ -75,7 +75,7 @@ TEST_F(TypedTextTest, WhatIsSentLeavesItsFileWhenItsMessageIsSafe) {
         setDisk(drafts, false);
         holdStream();
         ASSERT_TRUE(chat->send());
-        EXPECT_EQ(chat->input() + chat->inputDraftError(), QString());
+        EXPECT_EQ(chat->input() + chat->inputs()->error(), QString());
         EXPECT_TRUE(eventually([this] { return chat->notice() == ConversationTexts::notKept(); }));
         EXPECT_EQ(unsent(id), QStringList{u"在吗"_s});
 
@@ -177,7 +177,7 @@ TEST_F(TypedTextTest, WhatIsTypedBeforeItIsKnownWhoTypesGoesWithThem) {
     say({delta("好")});
     chat->setInput(u"还有"_s);
     EXPECT_FALSE(await(chat->preserve()));
-    EXPECT_FALSE(chat->inputDraftError().isEmpty());
+    EXPECT_FALSE(chat->inputs()->error().isEmpty());
     user = u"u1"_s;
     chat->recheckAccount();
     EXPECT_EQ(chat->conversationId(), id);
@@ -203,7 +203,7 @@ TEST_F(TypedTextTest, ACopyBesideBelongsToItsWindow) {
     other.load(u"a"_s);
     ASSERT_TRUE(eventually([&] { return !other.loading(); }));
     EXPECT_EQ(other.input(), u"那边"_s);
-    EXPECT_FALSE(other.inputDraftConflicted());
+    EXPECT_FALSE(other.inputs()->isConflicted());
     other.setInput(u"那边，又写"_s);
     ASSERT_TRUE(await(other.preserve()));
     chat->setInput(u"这边，又写"_s);
@@ -223,7 +223,7 @@ TEST_F(TypedTextTest, SendingInAConflictLeavesTheOtherText) {
     meet(u"这边"_s, u"那边"_s);
     ASSERT_TRUE(chat->send());
     EXPECT_EQ(chat->input(), u"那边"_s) << "what is left to be sent";
-    EXPECT_FALSE(chat->inputDraftConflicted());
+    EXPECT_FALSE(chat->inputs()->isConflicted());
     EXPECT_TRUE(eventually([this] { return chat->isIdle(); }));
     settleFiles();
     EXPECT_EQ(unsent(u"a"_s), QStringList{u"那边"_s});
@@ -232,21 +232,21 @@ TEST_F(TypedTextTest, SendingInAConflictLeavesTheOtherText) {
 TEST_F(TypedTextTest, AChoiceCanBeTakenBack) {
     meet(u"这边"_s, u"那边"_s);
     chat->setInput({});
-    chat->keepMyInput();
-    EXPECT_TRUE(chat->inputDraftConflicted()) << "nothing never takes the place of something";
+    chat->inputs()->keepMine();
+    EXPECT_TRUE(chat->inputs()->isConflicted()) << "nothing never takes the place of something";
     chat->setInput(u"这边"_s);
     for (const bool mine : {true, false}) {
         SCOPED_TRACE(mine);
-        EXPECT_FALSE(chat->inputGivenUp());
-        mine ? chat->keepMyInput() : chat->takeOtherInput();
+        EXPECT_FALSE(chat->inputs()->hasGivenUp());
+        mine ? chat->inputs()->keepMine() : chat->inputs()->takeTheirs();
         settleFiles();
         EXPECT_EQ(unsent(u"a"_s), QStringList{mine ? u"这边"_s : u"那边"_s});
-        ASSERT_TRUE(chat->inputGivenUp());
-        chat->takeInputBack();
+        ASSERT_TRUE(chat->inputs()->hasGivenUp());
+        chat->inputs()->takeBack();
         EXPECT_EQ(chat->input(), mine ? u"那边"_s : u"这边"_s);
         settleFiles();
         EXPECT_EQ(unsent(u"a"_s), QStringList{chat->input()});
-        chat->closeInputChoice();
+        chat->inputs()->forgetGivenUp();
         if (mine)
             meet(u"这边"_s, u"那边"_s);
     }
@@ -291,7 +291,7 @@ TEST_F(TypedTextTest, WhereOneWasTypingIsOpenAfterARestart) {
         chat.reset();
         open();
         chat->goOn();
-        EXPECT_TRUE(eventually([this] { return chat->inputRestored() && !chat->loading(); }));
+        EXPECT_TRUE(eventually([this] { return chat->inputs()->isRestored() && !chat->loading(); }));
         settle();
     };
     chat->begin();
