@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
+#include <QTest>
 
 namespace lmp {
 
@@ -314,6 +315,34 @@ TEST_F(WindowTest, WindowsThatCloseTogetherEndTheProgram) {
     first->close();
     window.window().close();
     EXPECT_TRUE(eventually([&] { return leaving; }));
+}
+
+TEST_F(WindowTest, AQuestionDoesNotGoWithItsWindow) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    QQuickWindow *first = &window.window();
+    const WindowScene *firstScene = &window.scene();
+    window.key(Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_TRUE(eventually([&] { return &window.window() != first; }));
+    const auto full = window.program().application().localInput().add([]() -> QCoro::Task<bool> { co_return false; });
+
+    first->requestActivate();
+    ASSERT_TRUE(eventually([&] { return first->isActive(); }));
+    QTest::keyClick(first, Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_TRUE(eventually([&] { return firstScene->asking(); }));
+    // Asked in the other window, it is answered there.
+    window.window().requestActivate();
+    ASSERT_TRUE(eventually([&] { return window.window().isActive(); }));
+    window.key(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    EXPECT_FALSE(firstScene->asking());
+    // And where that one is closed by its frame, in what is left.
+    window.window().close();
+    ASSERT_TRUE(eventually([&] { return &window.window() == first; }));
+    EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    ASSERT_TRUE(window.click(u"返回应用"_s));
+    EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Idle; }));
 }
 
 TEST_F(WindowTest, WhoSignsInNextBeginsAtTheFirstTab) {
