@@ -37,7 +37,7 @@ FocusScope {
     /// Begins a conversation of the other kind. What nobody keeps is asked for before it goes.
     function switchIncognito(incognito: bool): void {
         options.close();
-        if (root.chat.incognito && transcript.count > 0)
+        if (root.chat.losesIncognito())
             leaving.open();
         else
             root.chat.begin(incognito);
