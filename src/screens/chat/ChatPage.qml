@@ -16,7 +16,7 @@ FocusScope {
 
     /// Puts the caret into the input box.
     function focusInput(): void {
-        composer.forceActiveFocus();
+        composer.focusText();
     }
     function beginExtraction(): void {
         extraction.open();
@@ -40,7 +40,11 @@ FocusScope {
         if (root.chat.losesIncognito())
             leaving.open();
         else
-            root.chat.begin(incognito);
+            root.beginAnew(incognito);
+    }
+    function beginAnew(incognito: bool): void {
+        root.chat.begin(incognito);
+        root.focusInput();
     }
 
     LMPPage {
@@ -264,7 +268,7 @@ FocusScope {
 
         onChosen: index => {
             if (index === 0)
-                root.chat.begin(false);
+                root.beginAnew(false);
         }
     }
     LMPDialog {

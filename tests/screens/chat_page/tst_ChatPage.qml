@@ -133,6 +133,13 @@ Item {
             verify(!test.page.chat.incognito);
         }
 
+        function test_whoWritesGetsTheCaretWhateverHadTheKeyboard() {
+            test.button(test.page, "对话方式").forceActiveFocus(Qt.TabFocusReason);
+            test.page.focusInput();
+            keyClick(Qt.Key_A);
+            compare(test.page.composer.text, "a");
+        }
+
         function test_inputIsHeldWhileAReplyComes() {
             test.beginTurn("第一句", "嗯");
             test.type("第二句");
