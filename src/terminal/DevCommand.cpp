@@ -162,25 +162,24 @@ void DevCommand::submit(const QString &text) {
         m_failed = m_turnInterrupted = false;
         m_withdrawn.clear();
     }
-    // Codex takes what is said during a turn into that turn, Claude Code makes a turn of its own of it.
-    const bool joins = m_line.engine != DevEngineKind::claude && m_turns > 0;
-    m_turns += joins ? 0 : 1;
-    detach(send(text, joins), "DevCommand::send");
+    ++m_turns;
+    detach(send(text), "DevCommand::send");
 }
 
-QCoro::Task<> DevCommand::send(QString text, bool joins) {
+QCoro::Task<> DevCommand::send(QString text) {
     const QPointer<QObject> self(this);
     const auto sent = co_await m_engine->send(std::move(text));
-    if (!self || sent || isOver())
+    if (!self || (sent && !sent->joined) || isOver())
         co_return;
-    m_output.error(sent.error().message);
-    if (joins)
-        co_return;
-    // It would have been a turn behind the one that runs, which goes on.
-    if (m_turns > 1)
-        --m_turns;
-    else
+    if (!sent)
+        m_output.error(sent.error().message);
+    // There is no turn of its own to wait for: another one runs, or has taken it and may be over by now.
+    if (m_turns > 1 || sent) {
+        m_turns = std::max(m_turns - 1, 0);
+        changed();
+    } else {
         endTurn(ExitCode::Failed);
+    }
 }
 
 QCoro::Task<> DevCommand::until(std::function<bool()> isSo) {

@@ -60,8 +60,7 @@ private:
     void endInput();
 
     void submit(const QString &text);
-    /// @param joins a turn that runs, and that goes on when this cannot be said
-    QCoro::Task<> send(QString text, bool joins);
+    QCoro::Task<> send(QString text);
     static QCoro::Task<> dropped(QCoro::Task<DevEngine::Done> task);
     /// Waits for `isSo`, which is looked at whenever something has happened.
     QCoro::Task<> until(std::function<bool()> isSo);

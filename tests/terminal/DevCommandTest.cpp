@@ -244,6 +244,24 @@ TEST_F(DevCommandTest, QuestionsThatComeLateOrGo) {
     EXPECT_EQ(code(program), 0);
 }
 
+/// What is said as a turn ends begins another one, which is waited for.
+TEST_F(DevCommandTest, ATurnThatEndsAsItIsJoined) {
+    QProcess program;
+    QByteArray out;
+    const auto says = [&](const QByteArray &text) {
+        return eventually([&] { return (out += program.readAllStandardOutput()).contains(text); }, 30'000);
+    };
+    start(program, {u"--jsonl"_s});
+    program.write("{\"send\":\"cross\"}\n");
+    ASSERT_TRUE(says("thinking"));
+    program.write("{\"send\":\"linger\"}\n");
+    program.closeWriteChannel();
+    ASSERT_TRUE(says("turnCompleted"));
+    ASSERT_TRUE(giveWord());
+    EXPECT_EQ(code(program), 0);
+    EXPECT_THAT((out + program.readAllStandardOutput()).toStdString(), HasSubstr("at last"));
+}
+
 TEST_F(DevCommandTest, AnAnswerToAQuestionThatIsGone) {
     QProcess program;
     QByteArray out;
