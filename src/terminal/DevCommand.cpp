@@ -137,7 +137,7 @@ QCoro::Task<> DevCommand::converse() {
         co_await until([this] { return !m_asking || isOver(); });
         if (isOver())
             co_return;
-        const auto text = co_await m_input.line(u"你："_s);
+        const auto text = co_await m_input.line(u"你："_s, std::exchange(m_typed, {}));
         if (isOver())
             co_return;
         // The prompt was taken away; the end of input is another matter, whatever came before it.
