@@ -107,7 +107,9 @@ QCoro::Task<std::optional<ExitCode>> DevCommand::refusal() {
     // What could not be found out is tried: the start says it better.
     if (readiness.state != State::missing && readiness.state != State::loggedOut)
         co_return std::nullopt;
-    m_output.error(readiness.detail.value_or(QString()));
+    const QString name = DevOutput::name(m_line.engine);
+    m_output.error((readiness.state == State::missing ? u"没找到 %1。"_s : u"%1 还没登录。"_s).arg(name) +
+                   readiness.detail.value_or(QString()));
     co_return ExitCode::NotSignedIn;
 }
 

@@ -94,7 +94,7 @@ void DevCommand::onQuestion(const DevPermissionRequest &request) {
     m_questions << request;
     const bool asks = !m_line.allow && !m_line.jsonl && m_console.inputIsTerminal();
     if (!asks)
-        m_output.question(request);
+        m_output.question(request, false);
     if (m_line.allow) {
         m_output.note(m_line.allow == Kind::allowSession ? u"按 --allow session 放行。"_s
                                                          : u"按 --allow once 放行。"_s);
@@ -152,7 +152,7 @@ QCoro::Task<> DevCommand::ask() {
         const auto asked = m_questions.first();
         // What was typed before a question was seen is no answer to it.
         m_typed += m_input.takeTypedAhead();
-        m_output.question(asked);
+        m_output.question(asked, true);
         auto answer = co_await decision();
         if (answer && !m_questions.isEmpty() && m_questions.first() == asked)
             respond(asked.id, *std::move(answer));
@@ -181,8 +181,11 @@ QCoro::Task<std::optional<DevPermissionDecision>> DevCommand::decision() {
             continue;
         }
         const auto reason = co_await m_input.line(u"为什么："_s);
-        if (reason && !reason->trimmed().isEmpty())
-            co_return DevPermissionDecision::deny(reason->trimmed());
+        if (!reason || reason->trimmed().isEmpty())
+            continue;
+        if (m_line.engine == DevEngineKind::codex && stillAsked())
+            m_output.note(u"理由会和你的下一句话一起告诉 Codex。"_s);
+        co_return DevPermissionDecision::deny(reason->trimmed());
     }
     co_return std::nullopt;
 }

@@ -30,6 +30,12 @@ void setEcho(bool on) {
     ::tcsetattr(STDIN_FILENO, TCSANOW, &mode);
 }
 
+/// For the history. One key is an answer, which is not given again.
+void note(const char *text) {
+    if (text[0] != '\0' && text[1] != '\0')
+        add_history(text);
+}
+
 int screenColumns() {
     winsize size = {};
     return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
@@ -155,7 +161,7 @@ QString LineReader::cancel() {
     // What was typed is seen once more, and can be called back.
     if (!m_typed.isEmpty()) {
         comeBack();
-        add_history(m_typed.constData());
+        note(m_typed.constData());
     }
     if (!m_isAside)
         std::fputc('\n', stderr);
@@ -201,8 +207,7 @@ void LineReader::onLine(char *text) {
     std::optional<QString> typed;
     if (text) {
         typed = QString::fromUtf8(text);
-        if (*text)
-            add_history(text);
+        note(text);
         std::free(text);
     }
     reader->deliver(std::move(typed));
