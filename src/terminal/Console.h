@@ -35,6 +35,8 @@ public:
     void setPrompt(PromptLine *prompt) { m_prompt = prompt; }
     /// Ends the line on the terminal, if one is not at its end.
     void endLine();
+    /// A key that the terminal has shown by itself stands in the line.
+    void noteEcho() { m_midLine = m_midLine || (m_inputIsTerminal && m_errorIsTerminal); }
 
     /// From now on nothing waits inside a write: what the readers do not take is kept in order, until they do. Whoever
     /// writes much awaits `drained` in between.

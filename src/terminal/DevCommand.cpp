@@ -223,6 +223,9 @@ void DevCommand::cancelPrompt() {
 
 void DevCommand::interrupt(bool leave) {
     const bool again = std::exchange(m_interrupted, true);
+    // While nothing is asked for, a terminal shows that Ctrl-C was typed.
+    if (!m_input.isWaiting())
+        m_console.noteEcho();
     m_leaving = m_leaving || leave || again || !m_following || m_stopped;
     if (m_leaving) {
         m_input.cancel();
