@@ -29,8 +29,9 @@ namespace {
 constexpr unsigned long retryPause = 20; // ms
 constexpr qsizetype mostArguments = 64;
 constexpr qsizetype longestArgument = 4096;
-/// What says that a handover was taken.
+/// What says that a handover was taken, and that it was but for the service it names.
 constexpr char taken = '+';
+constexpr char takenElsewhere = '~';
 
 QString runtimeFolder() {
 #ifdef Q_OS_MACOS
@@ -48,7 +49,7 @@ QByteArray framed(SingleInstance::Handover handover) {
     handover.arguments = handover.arguments.first(std::min(handover.arguments.size(), mostArguments));
     QByteArray body = Json::encode(handover);
     if (body.size() > SingleInstance::longestMessage)
-        body = Json::encode(SingleInstance::Handover());
+        body = Json::encode(SingleInstance::Handover{.arguments = {}, .activationToken = {}});
     QByteArray frame(4, '\0');
     qToBigEndian(quint32(body.size()), frame.data());
     return frame + body;
@@ -79,6 +80,7 @@ void SingleInstance::release() {
 
 SingleInstance::Role SingleInstance::claim(const Handover &handover, std::chrono::milliseconds limit) {
     const QByteArray message = framed(handover);
+    m_site = handover.site.value_or(QString());
     const QDeadlineTimer deadline(limit);
     // Again and again: the first one may only be starting, or be on its way out.
     while (true) {
@@ -87,8 +89,8 @@ SingleInstance::Role SingleInstance::claim(const Handover &handover, std::chrono
             listen();
         if (lock != Lock::Theirs)
             return Role::First;
-        if (handOver(message, std::chrono::milliseconds(deadline.remainingTime())))
-            return Role::HandedOver;
+        if (const auto role = handOver(message, std::chrono::milliseconds(deadline.remainingTime())))
+            return *role;
         if (deadline.hasExpired())
             return Role::Unresponsive;
         QThread::msleep(retryPause);
@@ -121,7 +123,8 @@ void SingleInstance::listen() {
         qCWarning(logApplication) << "another start of the program will not be heard:" << m_server.errorString();
 }
 
-bool SingleInstance::handOver(const QByteArray &message, std::chrono::milliseconds left) const {
+std::optional<SingleInstance::Role> SingleInstance::handOver(const QByteArray &message,
+                                                             std::chrono::milliseconds left) const {
     const QDeadlineTimer deadline(left);
     const auto remaining = [&] {
         return int(std::max<qint64>(1, deadline.remainingTime()));
@@ -129,17 +132,20 @@ bool SingleInstance::handOver(const QByteArray &message, std::chrono::millisecon
     QLocalSocket socket;
     socket.connectToServer(m_path + u".sock"_s);
     if (!socket.waitForConnected(remaining()))
-        return false;
+        return std::nullopt;
     socket.write(message);
     while (socket.bytesToWrite() > 0) {
         if (!socket.waitForBytesWritten(remaining()))
-            return false;
+            return std::nullopt;
     }
     while (socket.bytesAvailable() == 0) {
         if (!socket.waitForReadyRead(remaining()))
-            return false;
+            return std::nullopt;
     }
-    return socket.read(1) == QByteArray(1, taken);
+    const QByteArray answer = socket.read(1);
+    if (answer == QByteArray(1, taken))
+        return Role::HandedOver;
+    return answer == QByteArray(1, takenElsewhere) ? std::optional(Role::OtherSite) : std::nullopt;
 }
 
 void SingleInstance::accept() {
@@ -168,13 +174,17 @@ void SingleInstance::read(QLocalSocket *socket) {
         socket->abort();
         return;
     }
-    socket->write(QByteArray(1, taken));
+    socket->write(QByteArray(1, handover->site.value_or(m_site) == m_site ? taken : takenElsewhere));
     socket->disconnectFromServer();
     Q_EMIT handedOver(*handover);
 }
 
 QString SingleInstance::unresponsiveText() {
     return u"Lumenpair 已经在运行，但没有回应。请稍等片刻再试；若一直如此，先结束它再打开。"_s;
+}
+
+QString SingleInstance::otherSiteText() {
+    return u"Lumenpair 已经在运行，仍用原来的服务，这次指定的服务没有生效。要换服务，请先退出它再打开，或用 --profile 另开一份。"_s;
 }
 
 SingleInstance::Handover SingleInstance::ofThisProcess() {

@@ -24,10 +24,13 @@ public:
     struct Handover {
         QStringList arguments;
         QString activationToken; ///< with which the desktop lets the first one raise its window; may be empty
+        /// The service that this start names, empty for the sandbox; none where it names none.
+        std::optional<QString> site = {};
     };
     enum class Role {
         First,        ///< go on; later starts are heard of through `handedOver`
         HandedOver,   ///< the first one has taken the arguments: exit
+        OtherSite,    ///< so it has, but it stays with another service than this start names: say so and exit
         Unresponsive, ///< there is a first one that does not answer: say so and exit
     };
 
@@ -47,6 +50,8 @@ public:
 
     /// What to tell the person when the first one does not answer.
     static QString unresponsiveText();
+    /// What to tell them when it stays with its own service, on both sides.
+    static QString otherSiteText();
     /// The handover of this process: its arguments, and the token that started it.
     static Handover ofThisProcess();
 
@@ -58,14 +63,15 @@ private:
     enum class Lock { Ours, Theirs, Impossible };
     Lock takeLock();
     void listen();
-    bool handOver(const QByteArray &message, std::chrono::milliseconds left) const;
+    std::optional<Role> handOver(const QByteArray &message, std::chrono::milliseconds left) const;
     void accept();
     void read(class QLocalSocket *socket);
 
     QString m_path; ///< without its ending
+    QString m_site; ///< the service of the first one
     int m_lock = -1;
     QLocalServer m_server;
 };
-BOOST_DESCRIBE_STRUCT(SingleInstance::Handover, (), (arguments, activationToken))
+BOOST_DESCRIBE_STRUCT(SingleInstance::Handover, (), (arguments, activationToken, site))
 
 } // namespace lmp

@@ -2,6 +2,7 @@
 
 #include "core/Detach.h"
 #include "core/Json.h"
+#include "core/PlainLabel.h"
 #include "core/RequestURL.h"
 
 #include <QPointer>
@@ -15,6 +16,7 @@ namespace {
 
 constexpr qsizetype longestVersion = 64;
 constexpr qsizetype longestNotes = 2000;
+constexpr int mostNotesLines = 40;
 
 QString unknown() {
     return u"暂时查不到更新"_s;
@@ -25,11 +27,6 @@ QUrl page(const QString &address) {
     const QUrl url(address, QUrl::StrictMode);
     const bool safe = url.isValid() && url.scheme() == "https"_L1 && !url.host().isEmpty() && url.userInfo().isEmpty();
     return safe ? url : QUrl();
-}
-
-/// As long as an alert can hold.
-QString shortened(const QString &text, qsizetype longest) {
-    return text.size() <= longest ? text : text.first(longest) + u"…"_s;
 }
 
 } // namespace
@@ -104,18 +101,18 @@ std::optional<UpdateChecker::Alert> UpdateChecker::judge(const HTTPCall::Outcome
         return reported(unknown(), outcome.failure->reason);
     const auto manifest = Json::decode<Manifest>(outcome.body);
     if (!manifest)
-        return reported(unknown(), manifest.error().describe(Json::typeName<Manifest>()));
+        return reported(unknown(), PlainLabel::lines(manifest.error().describe(Json::typeName<Manifest>())));
     if (m_running.build >= manifest->build)
         return reported(u"已是最新"_s, u"现在用的是 "_s + m_running.version);
     return offer(*manifest);
 }
 
 std::optional<UpdateChecker::Alert> UpdateChecker::offer(const Manifest &manifest) const {
-    const QString title = u"有新版本 "_s + shortened(manifest.version.simplified(), longestVersion);
+    const QString title = u"有新版本 "_s + PlainLabel::line(manifest.version, longestVersion);
     const QUrl download = page(manifest.url);
     if (download.isEmpty())
         return reported(title, u"更新清单里的下载地址不是 https，所以这里不打开它。"_s);
-    const QString notes = shortened(manifest.notes.value_or(QString()).trimmed(), longestNotes);
+    const QString notes = PlainLabel::lines(manifest.notes.value_or(QString()), longestNotes, mostNotesLines).trimmed();
     return Alert{.title = title,
                  .text = notes.isEmpty() ? u"现在用的是 "_s + m_running.version : notes,
                  .buttons = {u"打开下载页面"_s, u"以后再说"_s},

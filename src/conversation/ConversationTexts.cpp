@@ -56,6 +56,10 @@ QString ConversationTexts::stopped() {
     return u"正在停止等待；已确认的结果会保留"_s;
 }
 
+QString ConversationTexts::leftReply() {
+    return u"刚才那段对话的回答已停止，收到的部分留在那里。这一轮是否扣费，请看账单。"_s;
+}
+
 QString ConversationTexts::incognitoBanner() {
     return u"无痕对话 · 聊完什么都不留：不写历史、不记记忆"_s;
 }
@@ -191,6 +195,10 @@ QString ConversationTexts::failedMessage() {
 
 QString ConversationTexts::awaitingReply() {
     return u"正在等待回答"_s;
+}
+
+QString ConversationTexts::replyArriving() {
+    return u"正在回答"_s;
 }
 
 QString ConversationTexts::unknownMessage() {

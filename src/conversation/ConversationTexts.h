@@ -23,6 +23,7 @@ public:
     static QString interrupted();
     static QString plainUnconfirmed();
     static QString stopped();
+    static QString leftReply();
     static QString incognitoBanner();
     static QString feedbackNotSent();
 
@@ -68,6 +69,7 @@ public:
     // Under a message.
     static QString failedMessage();
     static QString awaitingReply();
+    static QString replyArriving();
     static QString unknownMessage();
     static QString unknownCreation();
     static QString creationReceiptPending();

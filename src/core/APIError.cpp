@@ -2,6 +2,7 @@
 
 #include "core/APIErrorBody.h"
 #include "core/Json.h"
+#include "core/PlainLabel.h"
 
 namespace lmp {
 
@@ -38,8 +39,8 @@ APIError APIError::fromAnswer(int status, const QByteArray &body, Currency curre
     const auto said = Json::decode<APIErrorBody>(body).value_or(APIErrorBody{});
     APIError error;
     error.status = status;
-    error.reason = said.reason  ? *said.reason
-                   : said.error ? *said.error
+    error.reason = said.reason  ? PlainLabel::lines(*said.reason)
+                   : said.error ? PlainLabel::lines(*said.error)
                                 : u"请求失败（"_s + QString::number(status) + u"）"_s;
     error.code = said.error;
     if (currency == Currency::Keep) {
@@ -53,7 +54,8 @@ APIError APIError::fromAnswer(int status, const QByteArray &body, Currency curre
 APIError APIError::undecodable(int status, const QString &description) {
     APIError error;
     error.status = status;
-    error.reason = description;
+    // The place in it is named by keys that the service chose.
+    error.reason = PlainLabel::lines(description);
     return error;
 }
 

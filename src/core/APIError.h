@@ -12,7 +12,7 @@ namespace lmp {
 /// A value; made only by the functions below, so that each situation has one sentence.
 struct APIError {
     int status = -1;                  ///< HTTP status; -1 when there is none
-    QString reason;                   ///< the sentence shown, unchanged
+    QString reason;                   ///< the sentence shown, see PlainLabel; `body` has the whole
     std::optional<QString> code;      ///< the service's machine code
     std::optional<qint64> pipNeeded;  ///< Pip that the operation needed
     std::optional<qint64> pipBalance; ///< Pip that the account holds

@@ -1,5 +1,6 @@
 #include "core/GuestTrial.h"
 
+#include "core/PlainLabel.h"
 #include "core/ServiceReason.h"
 
 namespace lmp {
@@ -23,7 +24,7 @@ QCoro::Task<> GuestTrial::open() {
     }
     m_token = answer->guest.token;
     m_roundsLeft = answer->guest.roundsLeft;
-    m_note = answer->guest.note.value_or(QString());
+    m_note = PlainLabel::lines(answer->guest.note.value_or(QString()));
     end({});
 }
 

@@ -1,6 +1,7 @@
 #include "core/HandleSetup.h"
 
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 #include "core/ServiceReason.h"
 
 namespace lmp {
@@ -11,6 +12,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto typingPause = 250ms;
+constexpr qsizetype mostSuggestions = 20;
 
 } // namespace
 
@@ -58,7 +60,12 @@ QCoro::Task<> HandleSetup::loadSuggestions() {
     const auto answer = co_await m_service.suggestHandles();
     if (!self || !answer)
         co_return;
-    m_suggestions = answer->suggestions;
+    // What was made fit to be shown would be another handle than the one that was meant.
+    m_suggestions.clear();
+    for (const QString &handle : answer->suggestions) {
+        if (m_suggestions.size() < mostSuggestions && PlainLabel::line(handle) == handle)
+            m_suggestions.push_back(handle);
+    }
     m_current = answer->current;
     Q_EMIT changed();
 }

@@ -8,7 +8,7 @@ namespace lmp {
 QString serviceReason(const APIError &error, const QString &otherwise) {
     const auto said = Json::decode<APIErrorBody>(error.body.value_or(QByteArray())).value_or(APIErrorBody{});
     const bool given = said.reason ? !said.reason->isEmpty() : said.error && !said.error->isEmpty();
-    return given ? error.reason : otherwise;
+    return given && !error.reason.isEmpty() ? error.reason : otherwise;
 }
 
 } // namespace lmp

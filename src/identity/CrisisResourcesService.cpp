@@ -1,8 +1,32 @@
 #include "identity/CrisisResourcesService.h"
 
+#include "core/PlainLabel.h"
+
+#include <algorithm>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// No list of helplines is longer, and nobody reads one that is.
+constexpr qsizetype mostItems = 100;
+
+CrisisResourcesService::Resp shown(CrisisResourcesService::Resp resp) {
+    resp.region = PlainLabel::line(resp.region);
+    resp.guidance = PlainLabel::content(resp.guidance);
+    resp.items.resize(std::min(resp.items.size(), mostItems));
+    for (auto &item : resp.items) {
+        item.name = PlainLabel::line(item.name);
+        item.phone = PlainLabel::line(item.phone);
+        if (item.note)
+            item.note = PlainLabel::lines(*item.note);
+    }
+    return resp;
+}
+
+} // namespace
 
 CrisisResourcesService::CrisisResourcesService(APIClient api)
     : m_api(std::move(api)) {
@@ -23,7 +47,7 @@ CrisisResourcesService::decoded(QCoro::Task<Result<APIClient::Data>> pending) {
     auto resp = Json::decode<Resp>(data->bytes);
     if (!resp)
         co_return std::unexpected(APIError::undecodable(200, resp.error().describe(Json::typeName<Resp>())));
-    co_return *std::move(resp);
+    co_return shown(*std::move(resp));
 }
 
 } // namespace lmp

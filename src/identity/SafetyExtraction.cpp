@@ -1,10 +1,14 @@
 #include "identity/SafetyExtraction.h"
 
 #include "core/Json.h"
+#include "core/PlainLabel.h"
 
 namespace lmp {
 
 namespace {
+
+/// No list of helplines is longer, and nobody reads one that is.
+constexpr qsizetype mostResources = 50;
 
 const boost::json::value *under(const boost::json::value &from, std::string_view key) {
     const auto *object = from.if_object();
@@ -28,8 +32,9 @@ std::optional<QList<CrisisResource>> resources(const boost::json::value &safety)
         return std::nullopt;
     QList<CrisisResource> found;
     for (const auto &entry : *array) {
-        if (auto resource = Json::fromValue<CrisisResource>(entry))
-            found.push_back(*std::move(resource));
+        const auto resource = Json::fromValue<CrisisResource>(entry);
+        if (resource && found.size() < mostResources)
+            found.push_back({PlainLabel::line(resource->label), PlainLabel::line(resource->phone)});
     }
     return found;
 }
@@ -65,7 +70,7 @@ std::optional<CrisisSignal> SafetyExtraction::signal(const SafetyEnvelope &envel
     if (!envelope.crisis.value_or(false))
         return std::nullopt;
     return CrisisSignal{
-        .guidance = envelope.guidance.value_or(QString()),
+        .guidance = PlainLabel::content(envelope.guidance.value_or(QString())),
         .resources = envelope.resources.value_or(QList<CrisisResource>()),
         .region = envelope.region,
         .layer = envelope.layer,
@@ -76,7 +81,10 @@ std::optional<CrisisSignal> SafetyExtraction::signal(const SafetyEnvelope &envel
 
 std::optional<ContinuousUseNotice> SafetyExtraction::notice(const boost::json::value &block) {
     auto read = Json::fromValue<ContinuousUseNotice>(block);
-    return read ? std::optional(*std::move(read)) : std::nullopt;
+    if (!read)
+        return std::nullopt;
+    read->message = PlainLabel::content(read->message);
+    return *std::move(read);
 }
 
 } // namespace lmp

@@ -1,5 +1,6 @@
 #include "terminal/AccountCommands.h"
 
+#include "core/PlainLabel.h"
 #include "terminal/SessionGate.h"
 
 namespace lmp {
@@ -14,7 +15,7 @@ QString describe(const UserInfo &user) {
     QString text = u"编号：%1\n"_s.arg(user.id);
     const auto add = [&](const QString &label, const std::optional<QString> &value) {
         if (value && !value->isEmpty())
-            text += label + u"："_s + *value + u'\n';
+            text += label + u"："_s + PlainLabel::line(*value) + u'\n';
     };
     add(u"名字"_s, user.username);
     add(u"主页名"_s, user.handle);

@@ -1,6 +1,7 @@
 #include "terminal/CardText.h"
 
 #include "conversation/ConversationTexts.h"
+#include "core/PlainLabel.h"
 #include "identity/CrisisTexts.h"
 
 namespace lmp {
@@ -23,7 +24,7 @@ QString CardText::continuousUse(const ContinuousUseNotice &notice) {
 QString CardText::used(const QList<UsedMemory> &used) {
     QString text = ConversationTexts::usedMemoriesNote(used.size());
     for (const UsedMemory &memory : used)
-        text += u"\n  · "_s + memory.content + u"（"_s + memory.truth + u"）"_s;
+        text += u"\n  · "_s + PlainLabel::content(memory.content) + u"（"_s + PlainLabel::line(memory.truth) + u"）"_s;
     return text;
 }
 

@@ -1,5 +1,6 @@
 #include "terminal/Console.h"
 
+#include "core/PlainLabel.h"
 #include "terminal/PromptLine.h"
 
 #include <algorithm>
@@ -94,8 +95,7 @@ QString Console::harmless(const QString &text) {
     QString kept;
     kept.reserve(text.size());
     for (const QChar c : text) {
-        const bool control = c < u' ' || (c >= u'\x7f' && c <= u'\x9f');
-        if (!control || c == u'\n' || c == u'\t')
+        if (!PlainLabel::acts(c))
             kept += c;
     }
     return kept;

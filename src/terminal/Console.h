@@ -59,7 +59,8 @@ public:
     /// A card that must be seen, on standard error.
     void card(const QString &text);
 
-    /// `text` without C0 and C1 control characters but line feed and tab.
+    /// `text` without what acts instead of being read: control characters but line feed and tab, and those that turn
+    /// the direction of the line, prompts and commands of this program included.
     static QString harmless(const QString &text);
 
 private:

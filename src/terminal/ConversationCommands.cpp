@@ -2,6 +2,7 @@
 
 #include "conversation/ConversationSession.h"
 #include "conversation/ConversationTexts.h"
+#include "core/PlainLabel.h"
 #include "terminal/SessionGate.h"
 
 namespace lmp {
@@ -12,8 +13,8 @@ namespace {
 
 /// One conversation a line; a title cannot make two of it.
 QString row(const QString &id, const QString &title, const QString &mark = {}) {
-    QString flat = title.isEmpty() ? u"（无标题）"_s : title.simplified();
-    return id + u'\t' + flat + mark + u'\n';
+    const QString flat = PlainLabel::line(title);
+    return id + u'\t' + (flat.isEmpty() ? u"（无标题）"_s : flat) + mark + u'\n';
 }
 
 QString stateMark(std::optional<ConversationDeliveryState> state) {
@@ -69,7 +70,7 @@ QCoro::Task<ExitCode> ConversationCommands::show(Application *application, Conso
         co_return loaded.error().status == 401 ? ExitCode::NotSignedIn : ExitCode::Failed;
     }
     const ConversationDTO conversation = *session.conversation();
-    console->note(u"「"_s + conversation.title + u"」"_s);
+    console->note(u"「"_s + PlainLabel::line(conversation.title) + u"」"_s);
     for (const auto &message : conversation.messages) {
         const bool mine = message.role == TalkRole::user;
         console->reply((mine ? u"你："_s : u"分身："_s) + message.text +

@@ -2,6 +2,7 @@
 
 #include "conversation/ConversationTexts.h"
 #include "core/Json.h"
+#include "core/PlainLabel.h"
 #include "terminal/SessionGate.h"
 
 namespace lmp {
@@ -76,8 +77,7 @@ QStringList spoiltNow(Application *application) {
 
 /// The beginning of a text on one line.
 QString brief(const QString &text) {
-    const QString flat = text.simplified();
-    return flat.size() > 40 ? flat.first(40) + u'…' : flat;
+    return PlainLabel::line(text, 41);
 }
 
 QString contents(const ConversationInput &input) {
@@ -113,7 +113,7 @@ void printLines(Console *console, const Found &found) {
 
 void print(Console *console, const Found &found) {
     for (const auto &draft : found.drafts) {
-        console->note(u"「"_s + draft.snapshot.title + u"」（对话草稿，尚未同步）"_s);
+        console->note(u"「"_s + PlainLabel::line(draft.snapshot.title) + u"」（对话草稿，尚未同步）"_s);
         for (const auto &message : draft.snapshot.messages)
             console->reply((message.role == TalkRole::user ? u"你："_s : u"分身："_s) + message.text + u'\n');
     }

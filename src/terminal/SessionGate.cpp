@@ -1,6 +1,7 @@
 #include "terminal/SessionGate.h"
 
 #include "app/LocalAccount.h"
+#include "core/PlainLabel.h"
 
 namespace lmp {
 
@@ -31,7 +32,8 @@ QCoro::Task<std::optional<ExitCode>> SessionGate::pass(Application *application,
         co_return ExitCode::NotSignedIn;
     }
     auth.signIn(*answer);
-    console->note(u"已自动登录本机沙盒里的本地账号（"_s + answer->userInfo.username.value_or(answer->userInfo.id) +
+    console->note(u"已自动登录本机沙盒里的本地账号（"_s +
+                  PlainLabel::line(answer->userInfo.username.value_or(answer->userInfo.id)) +
                   u"），只在这台电脑上。"_s);
     co_return std::nullopt;
 }

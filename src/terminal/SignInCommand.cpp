@@ -1,5 +1,7 @@
 #include "terminal/SignInCommand.h"
 
+#include "core/PlainLabel.h"
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -95,7 +97,7 @@ QCoro::Task<ExitCode> SignInCommand::finish() {
         m_console.note(notice->title + u'\n' + notice->advice);
     co_await auth.keychainSettled(10s);
     const UserInfo user = *auth.user();
-    m_console.note(u"已登录："_s + user.username.value_or(user.id));
+    m_console.note(u"已登录："_s + PlainLabel::line(user.username.value_or(user.id)));
     co_return ExitCode::Submitted;
 }
 

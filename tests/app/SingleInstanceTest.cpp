@@ -29,12 +29,13 @@ class SingleInstanceTest : public ::testing::Test {
 protected:
     /// A start that is over when this returns, on a thread of its own as if in a process of its own.
     Role start(const QStringList &arguments, const QString &profile = {},
-               std::chrono::milliseconds patience = SingleInstance::patience, bool firstRuns = true) {
+               std::chrono::milliseconds patience = SingleInstance::patience, bool firstRuns = true,
+               const std::optional<QString> &site = {}) {
         Role role = Role::First;
         std::atomic<bool> over = false;
         const std::unique_ptr<QThread> thread(QThread::create([&] {
             SingleInstance second(profile, folder.path());
-            role = second.claim({arguments, u"token"_s}, patience);
+            role = second.claim({arguments, u"token"_s, site}, patience);
             over = true;
         }));
         thread->start();
@@ -64,7 +65,7 @@ TEST_F(SingleInstanceTest, ASecondStartHandsOverAndLeaves) {
     {
         SingleInstance first({}, folder.path());
         listenTo(first);
-        EXPECT_EQ(first.claim({}), Role::First);
+        EXPECT_EQ(first.claim({.arguments = {}, .activationToken = {}, .site = u"http://a"_s}), Role::First);
         EXPECT_EQ(mode(file(u".sock"_s)), mode_t(0600));
         EXPECT_EQ(mode(file(u".lock"_s)), mode_t(0600));
         EXPECT_EQ(start({u"lumenpair://me"_s, u"--now"_s}), Role::HandedOver);
@@ -78,6 +79,8 @@ TEST_F(SingleInstanceTest, ASecondStartHandsOverAndLeaves) {
         EXPECT_EQ(handovers.back().arguments, QStringList{u"y"_s});
         EXPECT_EQ(start(QStringList(200, QString(4000, u'字'))), Role::HandedOver);
         EXPECT_EQ(handovers.size(), 3u);
+        EXPECT_EQ(start({}, {}, SingleInstance::patience, true, u"http://b"_s), Role::OtherSite);
+        EXPECT_EQ(start({}, {}, SingleInstance::patience, true, u"http://a"_s), Role::HandedOver);
         first.release();
         EXPECT_EQ(start({}), Role::First) << "the first one is on its way out";
     }

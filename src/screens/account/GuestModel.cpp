@@ -1,12 +1,21 @@
 #include "screens/account/GuestModel.h"
 
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 
 #include <QPointer>
 
 namespace lmp {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A round of the trial is a few sentences; all of it is laid out at once.
+constexpr qsizetype longestReply = 20'000;
+constexpr int mostReplyLines = 500;
+
+} // namespace
 
 GuestModel::GuestModel(AuthService service, QObject *parent)
     : QObject(parent)
@@ -64,7 +73,8 @@ QCoro::Task<> GuestModel::sendNow() {
 void GuestModel::showTurns() {
     std::vector<GuestTurn> turns;
     for (const GuestTrial::Turn &turn : m_trial ? m_trial->turns() : QList<GuestTrial::Turn>())
-        turns.push_back({turn.message, turn.reply, turn.stardust.value_or(QString())});
+        turns.push_back({turn.message, PlainLabel::lines(turn.reply, longestReply, mostReplyLines),
+                         PlainLabel::lines(turn.stardust.value_or(QString()))});
     m_turns.setRecords(std::move(turns));
 }
 

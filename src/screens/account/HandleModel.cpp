@@ -1,6 +1,7 @@
 #include "screens/account/HandleModel.h"
 
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 
 #include <QPointer>
 
@@ -28,7 +29,7 @@ QString HandleModel::checkText() const {
         return u"正在查……"_s;
     if (!isAvailable())
         return {};
-    const QString twin = m_setup->check()->twinHandle.value_or(QString());
+    const QString twin = PlainLabel::line(m_setup->check()->twinHandle.value_or(QString()));
     return twin.isEmpty() ? u"可以用"_s : u"可以用 · 你的分身会是 %1"_s.arg(twin);
 }
 
@@ -37,15 +38,15 @@ QString HandleModel::errorText() const {
         return m_setup->message();
     if (!m_setup->check() || isAvailable())
         return {};
-    const QString reason = m_setup->check()->reason.value_or(QString());
+    const QString reason = PlainLabel::lines(m_setup->check()->reason.value_or(QString()));
     return reason.isEmpty() ? u"这个不能用，换一个试试"_s : reason;
 }
 
 QString HandleModel::savedText() const {
     if (!m_setup->saved())
         return {};
-    const QString note = m_setup->saved()->note.value_or(QString());
-    const QString text = u"主页名已设为 %1"_s.arg(m_setup->saved()->handle);
+    const QString note = PlainLabel::lines(m_setup->saved()->note.value_or(QString()));
+    const QString text = u"主页名已设为 %1"_s.arg(PlainLabel::line(m_setup->saved()->handle));
     return note.isEmpty() ? text : text + u'\n' + note;
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/Application.h"
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 
 namespace lmp {
 
@@ -73,12 +74,12 @@ QString SessionModel::userId() const {
 
 QString SessionModel::userName() const {
     const auto &user = m_services.auth.user();
-    return user ? user->username.value_or(user->id) : QString();
+    return user ? PlainLabel::line(user->username.value_or(user->id)) : QString();
 }
 
 QString SessionModel::userHandle() const {
     const auto &user = m_services.auth.user();
-    return user && m_savedHandle.isEmpty() ? user->handle.value_or(QString()) : m_savedHandle;
+    return PlainLabel::line(user && m_savedHandle.isEmpty() ? user->handle.value_or(QString()) : m_savedHandle);
 }
 
 QString SessionModel::userDetail() const {
@@ -86,8 +87,8 @@ QString SessionModel::userDetail() const {
     if (!user)
         return {};
     if (user->phone && !user->phone->isEmpty())
-        return (user->dialCode.value_or(QString()) + u' ' + *user->phone).trimmed();
-    return user->email.value_or(QString());
+        return PlainLabel::line(user->dialCode.value_or(QString()) + u' ' + *user->phone);
+    return PlainLabel::line(user->email.value_or(QString()));
 }
 
 bool SessionModel::legacyLinked() const {

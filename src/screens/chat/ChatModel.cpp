@@ -4,6 +4,7 @@
 #include "conversation/ConversationSearch.h"
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -90,7 +91,8 @@ QString ChatModel::title() const {
     const auto *conversation = m_session.conversation();
     if (!conversation)
         return {};
-    return conversation->title.isEmpty() ? u"新对话"_s : conversation->title;
+    const QString title = PlainLabel::line(conversation->title);
+    return title.isEmpty() ? u"新对话"_s : title;
 }
 
 QString ChatModel::incognitoText() const {
@@ -101,6 +103,7 @@ void ChatModel::begin(bool incognito) {
     const auto *open = m_session.belongsToCurrentAccount() ? m_session.conversation() : nullptr;
     if (open && open->messages.isEmpty() && !m_session.known() && m_session.incognito() == incognito)
         return;
+    endTurn();
     forgetOpening();
     m_session.begin({}, incognito);
     m_inputs.moveTo(place());
@@ -136,6 +139,7 @@ void ChatModel::openServiceCopy() {
 }
 
 void ChatModel::openAs(const QString &id, Copy copy) {
+    endTurn();
     forgetOpening();
     m_wantedId = id;
     m_loading = true;
@@ -175,6 +179,12 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     if (conflict)
         text = kept ? ConversationTexts::conflict() : ConversationTexts::conflictNotKept();
     setNotice(unread.isEmpty() ? text : unread + u'\n' + text);
+}
+
+void ChatModel::endTurn() {
+    // What has arrived is saved with its conversation, which would otherwise be left as if nobody had answered.
+    if (sending())
+        stop();
 }
 
 void ChatModel::forgetOpening() {
@@ -266,7 +276,9 @@ void ChatModel::onRefused() {
 }
 
 void ChatModel::onLeft() {
-    const auto titles = m_session.left().refused(m_services.account.current());
+    QStringList titles = m_session.left().refused(m_services.account.current());
+    for (QString &title : titles)
+        title = PlainLabel::line(title);
     const QString notice = titles.isEmpty() ? QString() : ConversationTexts::leftNotKept(titles);
     if (std::exchange(m_leftNotice, notice) != notice)
         Q_EMIT noticeChanged();
@@ -468,7 +480,7 @@ bool ChatModel::openLink(const QUrl &link) {
     if (!link.isValid() || link.host().isEmpty() || (scheme != u"http"_s && scheme != u"https"_s))
         m_linkNotice = u"只打开 http 或 https 开头的链接，这个链接没有打开。"_s;
     else if (!m_services.opener->open(link))
-        m_linkNotice = u"没有程序能打开这个链接："_s + link.toString();
+        m_linkNotice = u"没有程序能打开这个链接："_s + PlainLabel::line(link.toString(), PlainLabel::longestSentence);
     else
         m_linkNotice.clear();
     Q_EMIT noticeChanged();

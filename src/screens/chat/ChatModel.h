@@ -137,6 +137,8 @@ public:
     QStringList feedbackReasons() const { return ChatWithTwinView::feedbackReasons(); }
     QStringList feedbackReasonTexts() const;
 
+    // A turn that is under way ends where its conversation is left: as if it was stopped, with what has arrived.
+
     /// Opens a fresh conversation. One that is open and still empty stays.
     Q_INVOKABLE void begin(bool incognito = false);
     /// Opens a conversation of the service. One that is open already stays.
@@ -210,6 +212,7 @@ Q_SIGNALS:
 private:
     void openAs(const QString &id, ConversationSession::Copy copy);
     QCoro::Task<> load(QString id, ConversationSession::Copy copy, quint64 loads);
+    void endTurn();
     void forgetOpening();
     ComposerInputs::Place place() const;
     void hold(const QString &reason);

@@ -3,6 +3,7 @@
 #include "app/Application.h"
 #include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 #include "core/PoolAwaiter.h"
 #include "screens/chat/ChatDateRefresh.h"
 #include "screens/chat/ChatDateText.h"
@@ -13,6 +14,13 @@
 namespace lmp {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The list is narrow, and its rows are to be seen below what went wrong.
+constexpr qsizetype longestReason = 80;
+
+} // namespace
 
 ConversationListModel::ConversationListModel(Application &application, QObject *parent)
     : ConversationListModel(ChatServices::of(application), parent) {
@@ -95,7 +103,8 @@ QCoro::Task<> ConversationListModel::load() {
     if (!self || m_generation != generation)
         co_return;
     m_loading = false;
-    m_errorText = answer ? QString() : ConversationTexts::recentUnreadable(answer.error().reason);
+    m_errorText = answer ? QString()
+                         : ConversationTexts::recentUnreadable(PlainLabel::line(answer.error().reason, longestReason));
     if (answer) {
         m_summaries = answer->conversations;
         m_loaded = true;
@@ -128,7 +137,7 @@ ConversationListModel::Local ConversationListModel::Local::read(const Conversati
     if (const auto kept = drafts.list(account)) {
         for (const auto &entry : kept->entries)
             local.rows.push_back({.id = entry.snapshot.id,
-                                  .title = entry.snapshot.title,
+                                  .title = PlainLabel::line(entry.snapshot.title),
                                   .at = QDateTime::fromString(entry.updatedAt, Qt::ISODateWithMs),
                                   .draft = true,
                                   .localOnly = true});
@@ -160,7 +169,7 @@ void ConversationListModel::rebuild() {
     for (const auto &summary : std::as_const(m_summaries)) {
         const auto draft = drafts.take(summary.id);
         known.push_back({.id = summary.id,
-                         .title = summary.title,
+                         .title = PlainLabel::line(summary.title),
                          .at = std::max(draft.at, m_savedAt.value(summary.id)),
                          .draft = isDraft(summary.id, draft.draft),
                          .localOnly = false});

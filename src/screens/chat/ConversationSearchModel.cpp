@@ -1,6 +1,7 @@
 #include "screens/chat/ConversationSearchModel.h"
 
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 
 #include <algorithm>
 
@@ -61,7 +62,8 @@ QVariant ConversationSearchModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
     const auto &hit = m_hits.at(index.row());
-    const QString title = hit.title.isEmpty() ? u"新对话"_s : hit.title;
+    const QString named = PlainLabel::line(hit.title);
+    const QString title = named.isEmpty() ? u"新对话"_s : named;
     const QString speaker = hit.role == TalkRole::user ? u"你"_s : u"分身"_s;
     switch (role) {
     case TitleRole:

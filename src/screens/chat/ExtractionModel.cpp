@@ -1,6 +1,7 @@
 #include "screens/chat/ExtractionModel.h"
 
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 #include "identity/MemoryTexts.h"
 
 #include <QPointer>
@@ -122,9 +123,9 @@ void ExtractionModel::take(const MemoryExtractService::Resp &answer) {
     std::vector<Row> rows;
     for (const auto &candidate : answer.candidates)
         rows.push_back({.candidateId = candidate.id,
-                        .content = candidate.content,
-                        .why = candidate.why,
-                        .scope = candidate.scope,
+                        .content = PlainLabel::content(candidate.content),
+                        .why = PlainLabel::lines(candidate.why),
+                        .scope = PlainLabel::line(candidate.scope),
                         .handledText = {}});
     m_extracted.setRecords(std::move(rows));
     m_report.clear();

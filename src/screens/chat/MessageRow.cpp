@@ -51,6 +51,8 @@ MessageRow MessageRow::of(const ConversationDTO &conversation, qsizetype index, 
     row.growing = row.isTwin && !growingId.isEmpty() && message.id == growingId;
     if (!row.growing)
         row.text = message.text;
+    row.answered = !row.isTwin && !growingId.isEmpty() && index + 1 < conversation.messages.size() &&
+                   conversation.messages.at(index + 1).id == growingId;
     row.retryOffered =
         row.isTwin ? !row.growing && offersRetry(conversation, index) : row.state == MessageRow::State::Failed;
     row.grouped = index > 0 && conversation.messages.at(index - 1).role == message.role;
@@ -61,7 +63,9 @@ MessageRow MessageRow::of(const ConversationDTO &conversation, qsizetype index, 
 QString MessageRow::stateText() const {
     switch (state) {
     case State::Pending:
-        return creation ? ConversationTexts::creationReceiptPending() : ConversationTexts::awaitingReply();
+        if (creation)
+            return ConversationTexts::creationReceiptPending();
+        return answered ? ConversationTexts::replyArriving() : ConversationTexts::awaitingReply();
     case State::Unknown:
         return creation ? ConversationTexts::unknownCreation() : ConversationTexts::unknownMessage();
     case State::Failed:

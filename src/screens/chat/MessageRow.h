@@ -17,6 +17,7 @@ struct MessageRow {
     State state = State::Delivered;
     bool creation = false; ///< it made or changed a work
     bool growing = false;
+    bool answered = false; ///< its reply is arriving
     bool retryOffered = false;
     bool grouped = false; ///< the message before it is of the same speaker
     int usedCount = 0;

@@ -16,4 +16,10 @@ TextEdit {
     selectionColor: Theme.accent
     textFormat: TextEdit.PlainText
     wrapMode: TextEdit.Wrap
+
+    Keys.onMenuPressed: menu.open()
+
+    LMPReadingMenu {
+        id: menu
+    }
 }

@@ -1,13 +1,21 @@
 #include "screens/chat/UsedMemoryModel.h"
 
 #include "conversation/ConversationTexts.h"
+#include "core/PlainLabel.h"
 
 namespace lmp {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// All of them are laid out at once; nobody reads more.
+constexpr qsizetype mostShown = 100;
+
+} // namespace
+
 int UsedMemoryModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : int(m_memories.size());
+    return parent.isValid() ? 0 : int(std::min(m_memories.size(), mostShown));
 }
 
 QVariant UsedMemoryModel::data(const QModelIndex &index, int role) const {
@@ -17,7 +25,7 @@ QVariant UsedMemoryModel::data(const QModelIndex &index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
     case ContentRole:
-        return memory.content;
+        return PlainLabel::content(memory.content);
     case TruthRole:
         return memory.truth;
     case TruthTextRole:
@@ -32,7 +40,8 @@ QHash<int, QByteArray> UsedMemoryModel::roleNames() const {
 }
 
 QString UsedMemoryModel::note() const {
-    return ConversationTexts::usedMemoriesNote(m_memories.size());
+    const QString note = ConversationTexts::usedMemoriesNote(m_memories.size());
+    return m_memories.size() > mostShown ? note + u"下面只显示前 %1 条。"_s.arg(mostShown) : note;
 }
 
 void UsedMemoryModel::show(const QList<UsedMemory> &memories) {
@@ -47,7 +56,7 @@ void UsedMemoryModel::show(const QList<UsedMemory> &memories) {
 QString UsedMemoryModel::truthText(const QString &truth) {
     static const QHash<QString, QString> known{
         {u"fact"_s, u"事实"_s}, {u"pref"_s, u"偏好"_s}, {u"inf"_s, u"推断"_s}, {u"canon"_s, u"设定"_s}};
-    return known.value(truth, truth);
+    return known.value(truth, PlainLabel::line(truth));
 }
 
 } // namespace lmp

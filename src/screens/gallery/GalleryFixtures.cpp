@@ -168,8 +168,10 @@ void GalleryFixtures::toChat(GalleryStage &stage, const ConversationDTO &convers
     stage.service().reply(u"/api/app/conversation?id="_s + conversation.id, ConversationService::GetResp{conversation});
     toShell(stage);
     stage.then([&stage, id = conversation.id] { stage.scene().openConversation(id); });
-    stage.until(u"the conversation"_s,
-                [&stage, id = conversation.id] { return stage.scene().chat()->conversationId() == id; });
+    // Its id is there as soon as it was asked for.
+    stage.until(u"the conversation"_s, [&stage, id = conversation.id] {
+        return stage.scene().chat()->isOpen() && stage.scene().chat()->conversationId() == id;
+    });
 }
 
 void GalleryFixtures::ask(GalleryStage &stage, const QString &text) {

@@ -82,8 +82,8 @@ void quitting(GalleryStage &stage) {
                 [&stage] { return stage.program().quitting().state() == MacQuitCoordinator::State::Warning; });
 }
 
-/// Leaving a conversation that nobody keeps.
-void leaving(GalleryStage &stage) {
+/// Leaving a conversation that nobody keeps, however.
+void leaving(GalleryStage &stage, const std::function<void(WindowScene &)> &leave) {
     Fixtures::serve(stage.service(), 5);
     stage.service().stream(u"/api/relay/chat/stream"_s, Fixtures::reply({u"好，不留。"_s}), true);
     Fixtures::toShell(stage);
@@ -93,8 +93,19 @@ void leaving(GalleryStage &stage) {
         stage.scene().chat()->send();
     });
     stage.until(u"the end of the turn"_s, [&stage] { return stage.scene().chat()->isIdle(); });
-    stage.then([&stage] { stage.scene().openConversation(u"c2"_s); });
+    stage.then([&stage, leave] { leave(stage.scene()); });
     stage.until(u"the question"_s, [&stage] { return stage.scene().leaveWarning(); });
+}
+
+/// What is told over the whole window: that another service was asked for, in many words, by somebody unkind.
+void told(GalleryStage &stage) {
+    with(8, [](WindowScene &scene) { scene.setNotice(SingleInstance::otherSiteText()); })(stage);
+    stage.then([&stage] {
+        stage.service().refuse(u"/api/app/conversations"_s, 500, u"internal"_s,
+                               u"没有读出来\u202e。\n"_s.repeated(9999));
+        stage.scene().conversations()->refresh();
+    });
+    stage.until(u"the reason"_s, [&stage] { return !stage.scene().conversations()->errorText().isEmpty(); });
 }
 
 /// Up to the shell, where product analytics are asked about.
@@ -193,7 +204,15 @@ QList<GalleryScene> ShellScenes::questions() {
             {u"update-none"_s, update({.body = manifest(1)})},
             {u"update-offered"_s, update({.body = manifest(99)})},
             {u"quit-not-saved"_s, quitting},
-            {u"leave-incognito"_s, leaving},
+            {u"leave-incognito"_s,
+             [](GalleryStage &stage) {
+                 leaving(stage, [](WindowScene &scene) { scene.openConversation(u"c2"_s); });
+             }},
+            {u"quit-incognito"_s,
+             [](GalleryStage &stage) {
+                 leaving(stage, [](WindowScene &scene) { scene.commands()->run(AppCommands::Command::Quit); });
+             }},
+            {u"window-notice"_s, told},
             {u"switcher"_s,
              [](GalleryStage &stage) {
                  switcher(stage, {});

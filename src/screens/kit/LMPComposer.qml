@@ -130,7 +130,11 @@ FocusScope {
                 Accessible.description: root.enabled ? root.hint : "不可用"
                 Accessible.multiLine: true
                 Accessible.name: root.placeholderText !== "" ? root.placeholderText : "消息"
-                Keys.onMenuPressed: root.menu(true)
+                Keys.onMenuPressed: event => {
+                event.accepted = true;
+                if (!field.inputMethodComposing)
+                    root.menu(true);
+            }
                 Keys.onPressed: event => {
                     if (root.take(event.key, event.modifiers) || (!field.inputMethodComposing && InputKeys.leaves(field, event)))
                         event.accepted = true;
@@ -154,7 +158,10 @@ FocusScope {
                     if (event.button === Qt.RightButton)
                         root.menu(false);
                 }
-                onTextChanged: root.edited()
+                onTextChanged: {
+                    InputKeys.goOnAtEnd(field);
+                    root.edited();
+                }
             }
             boundsBehavior: Flickable.StopAtBounds
             clip: true

@@ -1,9 +1,12 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// A menu of LMPMenuItem, opened with popup() or at a place of its parent.
+/// A menu of LMPMenuItem, opened with popup() or at a place of its parent. The keyboard goes back where it was, unless
+/// what was chosen has taken it.
 T.Menu {
     id: root
+
+    property Item before: null
 
     cascade: true
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
@@ -37,5 +40,13 @@ T.Menu {
     }
 
     delegate: LMPMenuItem {
+    }
+
+    onAboutToShow: root.before = root.parent ? root.parent.Window.activeFocusItem : null
+    onClosed: {
+        const window = root.before ? root.before.Window : null;
+        if (window && (window.activeFocusItem === null || window.activeFocusItem === window.contentItem))
+            root.before.forceActiveFocus(Qt.PopupFocusReason);
+        root.before = null;
     }
 }

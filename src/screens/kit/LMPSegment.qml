@@ -6,7 +6,6 @@ T.AbstractButton {
     id: root
 
     required property int index
-    required property string modelData
     readonly property bool chosen: root.row !== null && root.row.currentIndex === root.index
     readonly property T.Container row: root.parent ? root.parent.parent as T.Container : null
 
@@ -20,7 +19,6 @@ T.AbstractButton {
     hoverEnabled: true
     implicitHeight: Theme.target
     implicitWidth: Math.max(Theme.space40, implicitContentWidth + 2 * Theme.space12)
-    text: root.modelData
 
     background: Rectangle {
         border.color: root.enabled ? Theme.borderStrong : Theme.border

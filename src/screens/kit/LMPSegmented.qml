@@ -18,6 +18,11 @@ T.Container {
         root.activated(index);
     }
 
+    function prepare(segment: LMPSegment, index: int): void {
+        segment.text = Qt.binding(() => root.model[index]); // qmllint disable type
+        segment.clicked.connect(() => root.press(index));
+    }
+
     function press(index: int): void {
         root.forceActiveFocus(Qt.MouseFocusReason);
         root.choose(index);
@@ -52,12 +57,13 @@ T.Container {
         }
     }
 
+    // By their number: a word that changes is no other choice.
     Repeater {
-        model: root.model
+        model: root.model.length
 
         delegate: LMPSegment {
         }
 
-        onItemAdded: (index, item) => (item as LMPSegment).clicked.connect(() => root.press(index))
+        onItemAdded: (index, item) => root.prepare(item as LMPSegment, index)
     }
 }

@@ -82,7 +82,11 @@ FocusScope {
                     Accessible.description: !root.enabled ? "不可用" : root.failed ? root.errorText : root.helpText
                     Accessible.multiLine: true
                     Accessible.name: root.label !== "" ? root.label : root.placeholderText
-                    Keys.onMenuPressed: root.menu(true)
+                    Keys.onMenuPressed: event => {
+                event.accepted = true;
+                if (!field.inputMethodComposing)
+                    root.menu(true);
+            }
                     Keys.onPressed: event => {
                         if (field.inputMethodComposing ? InputKeys.heldByComposition(event.key) : InputKeys.leaves(field, event))
                             event.accepted = true;
@@ -102,7 +106,10 @@ FocusScope {
                         if (event.button === Qt.RightButton)
                             root.menu(false);
                     }
-                    onTextChanged: root.textEdited()
+                    onTextChanged: {
+                        InputKeys.goOnAtEnd(field);
+                        root.textEdited();
+                    }
                 }
                 anchors.bottomMargin: Theme.space8
                 anchors.fill: parent

@@ -71,7 +71,11 @@ FocusScope {
             Accessible.description: (root.secret ? field.called + "。" : "") + (!root.enabled ? "不可用" : field.failed ? root.errorText : root.helpText)
             Accessible.name: field.called
             Accessible.passwordEdit: root.secret
-            Keys.onMenuPressed: field.menu(true)
+            Keys.onMenuPressed: event => {
+                event.accepted = true;
+                if (!field.inputMethodComposing)
+                    field.menu(true);
+            }
             Keys.onPressed: event => {
                 if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
                     event.accepted = true;

@@ -49,3 +49,10 @@ function leaves(item, event) {
 function cameByKey(reason) {
     return reason === Qt.TabFocusReason || reason === Qt.BacktabFocusReason || reason === Qt.ShortcutFocusReason;
 }
+
+// Who finds a text in a field goes on at its end. The editor starts at the beginning of a text that it was given, which
+// unlike one that was typed cannot be undone.
+function goOnAtEnd(editor) {
+    if (editor.cursorPosition === 0 && !editor.canUndo && !editor.canRedo)
+        editor.cursorPosition = editor.length;
+}

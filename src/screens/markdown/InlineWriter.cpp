@@ -143,7 +143,7 @@ void InlineWriter::openLink(const QString &address) {
     m_linkText.clear();
     if (m_url.isEmpty())
         return;
-    m_made.links += MarkdownLink{m_made.length, 0, m_url, false};
+    m_made.links += MarkdownLink{m_made.length, 0, m_url};
     m_made.text += u"<a href=\""_s + MarkdownInline::escaped(m_url) + u"\">"_s;
 }
 
@@ -152,16 +152,15 @@ void InlineWriter::closeLink() {
     if (m_pictures > 0 || !m_inLink)
         return;
     m_inLink = false;
-    const bool tells = bareAddress(m_linkText.trimmed()) == bareAddress(m_url.isEmpty() ? m_address : m_url) ||
-                       u"mailto:"_s + m_linkText == m_address;
     if (m_url.isEmpty()) {
+        const bool tells =
+            bareAddress(m_linkText.trimmed()) == bareAddress(m_address) || u"mailto:"_s + m_linkText == m_address;
         if (!tells && !m_address.isEmpty())
             write(u"（"_s + m_address + u"）"_s);
         return;
     }
     m_made.text += u"</a>"_s;
     m_made.links.last().length = m_made.length - m_made.links.last().start;
-    m_made.links.last().hidden = !tells;
     if (const QString host = hostHidden(m_linkText, m_url); !host.isEmpty())
         write(u"（通往 "_s + host + u"）"_s);
 }
@@ -240,7 +239,7 @@ void InlineWriter::writeLink(QStringView text, const QString &url) {
     m_made.text += u"<a href=\""_s + MarkdownInline::escaped(url) + u"\">"_s;
     write(text);
     m_made.text += u"</a>"_s;
-    m_made.links += MarkdownLink{start, m_made.length - start, url, bareAddress(text) != bareAddress(url)};
+    m_made.links += MarkdownLink{start, m_made.length - start, url};
 }
 
 /// Text to the letter, but for characters that would end the paragraph, mean something to the layout or turn the

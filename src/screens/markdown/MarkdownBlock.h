@@ -7,10 +7,9 @@ namespace lmp {
 
 /// A link of a block's text: where it stands and where it leads.
 struct MarkdownLink {
-    int start = 0;       ///< in characters of the laid out text
-    int length = 0;      ///
-    QString url;         ///< http or https, encoded
-    bool hidden = false; ///< the text does not tell the address
+    int start = 0;  ///< in characters of the laid out text
+    int length = 0; ///
+    QString url;    ///< http or https, encoded
     bool operator==(const MarkdownLink &) const = default;
 };
 

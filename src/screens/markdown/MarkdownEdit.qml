@@ -58,6 +58,7 @@ TextEdit {
     Keys.onBacktabPressed: event => event.accepted = root.link >= 0 && root.goToLink(root.view.blocks.previousLink(root.row, root.link))
     Keys.onDownPressed: event => root.leave(event, 1)
     Keys.onEnterPressed: event => root.open(event)
+    Keys.onMenuPressed: menu.open()
     Keys.onReturnPressed: event => root.open(event)
     Keys.onTabPressed: event => event.accepted = root.goToLink(root.view.blocks.nextLink(root.row, root.link))
     Keys.onUpPressed: event => root.leave(event, -1)
@@ -90,6 +91,10 @@ TextEdit {
             root.view.reveal(root, root.cursorRectangle);
     }
     onLinkActivated: link => root.view.linkActivated(link)
+
+    LMPReadingMenu {
+        id: menu
+    }
 
     HoverHandler {
         id: pointer

@@ -34,6 +34,10 @@ MemoryCard {
         return root.detail === "" ? words : words + "，" + root.detail;
     }
 
+    Keys.onMenuPressed: {
+        if (!root.busy)
+            root.items.menuRequested(root.memoryId, root.frozen, more);
+    }
     accessibleName: root.spoken()
     onActivated: root.edit()
 

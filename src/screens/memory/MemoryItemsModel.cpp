@@ -1,5 +1,6 @@
 #include "screens/memory/MemoryItemsModel.h"
 
+#include "core/PlainLabel.h"
 #include "identity/MemorySearch.h"
 #include "identity/TruthStatus.h"
 
@@ -24,9 +25,9 @@ QVariant MemoryItemsModel::data(const QModelIndex &index, int role) const {
         return row.item.id;
     case Qt::DisplayRole:
     case ContentRole:
-        return row.item.content;
+        return PlainLabel::content(row.item.content);
     case TruthTextRole:
-        return TruthStatus(row.item.truth).label();
+        return PlainLabel::line(TruthStatus(row.item.truth).label());
     case DetailRole:
         return detailOf(row.item);
     case FrozenRole:
@@ -76,7 +77,7 @@ QString MemoryItemsModel::detailOf(const MemoryItemDTO &item) {
         add(u"有效期到 "_s, dateText(*item.validUntil));
     if (item.touchedAt)
         add(u"最近用到 "_s, dateText(*item.touchedAt));
-    return parts.join(u" · "_s);
+    return PlainLabel::line(parts.join(u" · "_s), PlainLabel::longestSentence);
 }
 
 bool MemoryItemsModel::matches(const Row &row) const {

@@ -1,5 +1,7 @@
 #include "screens/shell/CapabilityNote.h"
 
+#include "core/PlainLabel.h"
+
 #include <array>
 
 namespace lmp {
@@ -10,10 +12,6 @@ namespace {
 
 constexpr qsizetype longestLabel = 60;
 constexpr qsizetype longestNote = 500;
-
-QString shortened(const QString &text, qsizetype longest) {
-    return text.size() <= longest ? text : text.first(longest) + u'…';
-}
 
 } // namespace
 
@@ -40,9 +38,9 @@ CapabilityNote::Level CapabilityNote::level() const {
 
 QString CapabilityNote::wording(const FeatureCapability &feature) {
     static const std::array levels{u"可用"_s, u"部分可用"_s, u"不可用"_s};
-    QStringList parts{shortened(feature.label, longestLabel), levels.at(std::size_t(feature.level))};
+    QStringList parts{PlainLabel::line(feature.label, longestLabel), levels.at(std::size_t(feature.level))};
     if (feature.note && !feature.note->isEmpty())
-        parts << shortened(*feature.note, longestNote);
+        parts << PlainLabel::lines(*feature.note, longestNote);
     return parts.join(u" · "_s);
 }
 

@@ -57,7 +57,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.leftMargin: root.narrow ? 0 : root.sidebarWidth
         anchors.right: parent.right
-        anchors.top: notice.bottom
+        anchors.top: said.bottom
         focus: true
         scene: root.scene
         sidebarHidden: root.narrow
@@ -71,6 +71,35 @@ FocusScope {
         anchors.right: pages.right
         anchors.top: parent.top
         telemetry: root.scene.telemetry
+    }
+
+    Loader {
+        id: said
+
+        function follow(): void {
+            if (root.scene.notice === "")
+                said.source = "";
+            else if (said.status === Loader.Null)
+                said.setSource("WindowNoticeBar.qml", {
+                    scene: root.scene
+                });
+        }
+
+        anchors.left: pages.left
+        anchors.right: pages.right
+        anchors.top: notice.bottom
+        // An emptied loader keeps its height.
+        height: said.item ? (said.item as WindowNoticeBar).implicitHeight : 0
+
+        Component.onCompleted: said.follow()
+    }
+
+    Connections {
+        function onNoticeChanged(): void {
+            said.follow();
+        }
+
+        target: root.scene
     }
 
     Rectangle {

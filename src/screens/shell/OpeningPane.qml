@@ -26,10 +26,13 @@ FocusScope {
         visible: !root.failed
     }
 
+    // What is in it takes its width from here, so this must not take its own from that.
     Loader {
         id: error
 
-        anchors.centerIn: parent
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
         focus: true
     }
 }

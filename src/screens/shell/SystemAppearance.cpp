@@ -68,7 +68,7 @@ void SystemAppearance::follow() {
     Q_EMIT changed();
 }
 
-void SystemAppearance::onSettingChanged(const QString &, const QString &, const QDBusVariant &) {}
+void SystemAppearance::onSettingChanged(const QDBusMessage &) {}
 void SystemAppearance::ask(const QString &, const QString &) {}
 void SystemAppearance::take(const QString &, const QString &, const QVariant &) {}
 
@@ -78,7 +78,7 @@ void SystemAppearance::follow() {
     if (!hasSessionBus())
         return;
     QDBusConnection::sessionBus().connect(service, path, interface, u"SettingChanged"_s, this,
-                                          SLOT(onSettingChanged(QString, QString, QDBusVariant)));
+                                          SLOT(onSettingChanged(QDBusMessage)));
     ask(appearance, u"color-scheme"_s);
     ask(appearance, u"reduced-motion"_s);
     ask(gnome, u"enable-animations"_s);
@@ -97,8 +97,10 @@ void SystemAppearance::ask(const QString &group, const QString &key) {
     });
 }
 
-void SystemAppearance::onSettingChanged(const QString &group, const QString &key, const QDBusVariant &value) {
-    take(group, key, value.variant());
+void SystemAppearance::onSettingChanged(const QDBusMessage &message) {
+    const QVariantList said = message.arguments();
+    if (said.size() == 3)
+        take(said[0].toString(), said[1].toString(), said[2]);
 }
 
 void SystemAppearance::take(const QString &group, const QString &key, const QVariant &value) {

@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-class QDBusVariant;
+class QDBusMessage;
 
 namespace lmp {
 
@@ -28,7 +28,7 @@ Q_SIGNALS:
     void changed();
 
 private Q_SLOTS:
-    void onSettingChanged(const QString &group, const QString &key, const QDBusVariant &value);
+    void onSettingChanged(const QDBusMessage &message);
 
 private:
     enum class Scheme { Unsaid, Light, Dark };

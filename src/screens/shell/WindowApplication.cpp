@@ -112,7 +112,7 @@ void WindowApplication::join(WindowScene *scene) {
         else if (command == AppCommands::Command::CloseWindow)
             onCloseRequested(scene);
         else if (command == AppCommands::Command::Quit)
-            m_macLifecycle.quit();
+            quit();
     });
     if (m_shared)
         scene->adopt(*m_shared);
@@ -151,7 +151,27 @@ QCoro::Task<> WindowApplication::open() {
 
 // Closing and leaving
 
+void WindowApplication::quit(QSet<WindowScene *> asked) {
+    for (const auto &shown : m_windows) {
+        if (asked.contains(shown.scene.get()) || !shown.scene->losesIncognito())
+            continue;
+        asked.insert(shown.scene.get());
+        shown.window->raise();
+        shown.window->requestActivate();
+        shown.scene->askToLeave(WindowScene::Leaving::Program, [this, asked] { quit(asked); });
+        return;
+    }
+    m_macLifecycle.quit();
+}
+
 void WindowApplication::onCloseRequested(WindowScene *scene) {
+    if (scene->losesIncognito())
+        scene->askToLeave(WindowScene::Leaving::Window, [this, scene] { goOnClosing(scene); });
+    else
+        goOnClosing(scene);
+}
+
+void WindowApplication::goOnClosing(WindowScene *scene) {
     if (m_windows.size() > 1)
         scene->saveAndClose();
     else if (m_macLifecycle.mayCloseLastWindow())
@@ -163,7 +183,7 @@ void WindowApplication::onReadyToClose(WindowScene *scene) {
     if (m_windows.size() > 1)
         close(scene);
     else
-        onCloseRequested(scene);
+        goOnClosing(scene);
 }
 
 void WindowApplication::close(WindowScene *scene) {
@@ -239,6 +259,8 @@ void WindowApplication::openLink(const QString &link) {
 void WindowApplication::takeOver(const SingleInstance::Handover &handover) {
     if (const auto link = DeepLink::in(handover.arguments))
         openLink(*link);
+    if (const Shown *shown = front(); shown && handover.site.value_or(m_options.site) != m_options.site)
+        shown->scene->setNotice(SingleInstance::otherSiteText());
     raise(handover.activationToken);
 }
 
@@ -248,7 +270,18 @@ bool WindowApplication::eventFilter(QObject *watched, QEvent *event) {
         openLink(static_cast<QFileOpenEvent *>(event)->url().toString(QUrl::FullyEncoded));
         return true;
     }
-    return QObject::eventFilter(watched, event);
+    return pressesMenuKey(watched, event) || QObject::eventFilter(watched, event);
+}
+
+bool WindowApplication::pressesMenuKey(QObject *watched, QEvent *event) {
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)
+        return false;
+    const auto *key = static_cast<QKeyEvent *>(event);
+    if (key->key() != Qt::Key_F10 || key->modifiers() != Qt::ShiftModifier || !qobject_cast<QQuickWindow *>(watched))
+        return false;
+    QKeyEvent menu(event->type(), Qt::Key_Menu, Qt::NoModifier);
+    QCoreApplication::sendEvent(watched, &menu);
+    return true;
 }
 
 } // namespace lmp

@@ -8,6 +8,7 @@
 #include "screens/shell/WindowOptions.h"
 
 #include <QQmlEngine>
+#include <QSet>
 
 class QQmlComponent;
 class QQuickWindow;
@@ -57,7 +58,13 @@ private:
     QCoro::Task<> open();
     QCoro::Task<> leave();
     void onFirstFrame();
+    /// Ends the program as the person asked, once they have let go of every conversation that nobody keeps. A signal
+    /// and the end of the session do not wait for an answer, and come in another way.
+    void quit(QSet<WindowScene *> asked = {});
     void onCloseRequested(WindowScene *scene);
+    void goOnClosing(WindowScene *scene);
+    /// Many keyboards have no menu key: Shift+F10 is the same one, for whatever item has the keyboard.
+    bool pressesMenuKey(QObject *watched, QEvent *event);
     void onReadyToClose(WindowScene *scene);
     void close(WindowScene *scene);
     /// Picks the window that the program's questions are asked in: one of them.

@@ -18,6 +18,8 @@ class WindowLayout : public QObject {
     Q_PROPERTY(int windowWidth READ windowWidth CONSTANT)
     Q_PROPERTY(int windowHeight READ windowHeight CONSTANT)
     Q_PROPERTY(int sidebarWidth READ sidebarWidth WRITE setSidebarWidth NOTIFY changed)
+    Q_PROPERTY(int narrowestSidebar READ narrowest CONSTANT)
+    Q_PROPERTY(int widestSidebar READ widest CONSTANT)
     Q_PROPERTY(bool sidebarCollapsed READ sidebarCollapsed WRITE setSidebarCollapsed NOTIFY changed)
 public:
     static constexpr int narrowestSidebar = 208;
@@ -31,6 +33,8 @@ public:
     int windowHeight() const { return m_window.height(); }
     int sidebarWidth() const { return m_sidebar; }
     void setSidebarWidth(int width);
+    int narrowest() const { return narrowestSidebar; }
+    int widest() const { return widestSidebar; }
     bool sidebarCollapsed() const { return m_collapsed; }
     void setSidebarCollapsed(bool collapsed);
     /// Remembers the window's size; when it closes.

@@ -32,6 +32,7 @@ std::expected<WindowOptions, QString> WindowOptions::parse(const QStringList &ar
         return std::unexpected(u"--profile 只能用字母、数字、- 和 _。"_s);
     if (options.site.isEmpty() && !sandbox)
         options.site = qEnvironmentVariable("LMP_SITE");
+    options.named = sandbox || !options.site.isEmpty();
     return options;
 }
 

@@ -9,9 +9,10 @@ namespace lmp {
 
 /// What the window was started with. A value.
 struct WindowOptions {
-    QString site;    ///< empty: the environment's, else the sandbox
-    QString profile; ///< empty is the person's own
-    QString link;    ///< a lumenpair:// address to open, or empty
+    QString site;       ///< empty is the sandbox
+    bool named = false; ///< the service was named, by the arguments or the environment
+    QString profile;    ///< empty is the person's own
+    QString link;       ///< a lumenpair:// address to open, or empty
 
     /// @param arguments without the program's name
     /// @return the options, or a sentence that says what is wrong with them

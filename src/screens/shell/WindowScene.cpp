@@ -1,6 +1,7 @@
 #include "screens/shell/WindowScene.h"
 
 #include "app/Application.h"
+#include "conversation/ConversationTexts.h"
 #include "core/Detach.h"
 
 #include <QTimer>
@@ -131,25 +132,46 @@ void WindowScene::replaceConversation(std::function<void()> how) {
     if (m_stage != Stage::Shell)
         return;
     m_navigation.setTab(WindowNavigation::Tab::Now);
-    if (m_chat->isOpen() && m_chat->incognito() && m_chat->messages()->rowCount() > 0) {
-        m_leaving = std::move(how);
-        Q_EMIT warningChanged();
-        return;
-    }
-    how();
-    Q_EMIT composerRequested();
+    const auto go = [this, how = std::move(how)] {
+        if (m_stage != Stage::Shell)
+            return;
+        const bool stops = m_chat->sending() && !m_chat->incognito();
+        how();
+        if (stops && !m_chat->sending())
+            setNotice(ConversationTexts::leftReply());
+        else if (m_notice == ConversationTexts::leftReply())
+            closeNotice();
+        Q_EMIT composerRequested();
+    };
+    if (losesIncognito())
+        askToLeave(Leaving::Conversation, go);
+    else
+        go();
+}
+
+bool WindowScene::losesIncognito() const {
+    return m_chat && m_chat->isOpen() && m_chat->incognito() &&
+           (m_chat->messages()->rowCount() > 0 || !m_chat->input().trimmed().isEmpty());
+}
+
+void WindowScene::askToLeave(Leaving leaving, std::function<void()> how) {
+    m_leaving = leaving;
+    m_leave = std::move(how);
+    Q_EMIT warningChanged();
+}
+
+void WindowScene::setNotice(const QString &notice) {
+    if (std::exchange(m_notice, notice) != notice)
+        Q_EMIT noticeChanged();
 }
 
 void WindowScene::answerLeave(bool leave) {
-    const auto how = std::exchange(m_leaving, nullptr);
+    const auto how = std::exchange(m_leave, nullptr);
     Q_EMIT warningChanged();
-    if (!leave || !how || m_stage != Stage::Shell) {
-        // The list had gone ahead.
+    if (leave && how)
+        how();
+    else // The list had gone ahead.
         m_conversations->select(m_chat->conversationId());
-        return;
-    }
-    how();
-    Q_EMIT composerRequested();
 }
 
 void WindowScene::settleStage() {

@@ -41,8 +41,11 @@ class WindowScene : public QObject {
     Q_PROPERTY(bool asking READ asking NOTIFY askingChanged)
     /// This window would close, and something typed in it is not saved.
     Q_PROPERTY(bool closeWarning READ closeWarning NOTIFY warningChanged)
-    /// What was asked for would put away a conversation that nobody keeps.
+    /// What was asked for would put away a conversation that nobody keeps, and what that is.
     Q_PROPERTY(bool leaveWarning READ leaveWarning NOTIFY warningChanged)
+    Q_PROPERTY(lmp::WindowScene::Leaving leaving READ leaving NOTIFY warningChanged)
+    /// Something to be known in this window, whatever it shows; `closeNotice` puts it away.
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
     // Null before `adopt`.
     Q_PROPERTY(lmp::RootView *rootView READ rootView NOTIFY adopted)
     Q_PROPERTY(lmp::SessionModel *session READ session NOTIFY adopted)
@@ -58,6 +61,9 @@ class WindowScene : public QObject {
 public:
     enum class Stage { Opening, Launch, SignedOut, Migration, Onboarding, HandleSetup, Shell };
     Q_ENUM(Stage)
+    /// What leaves a conversation behind: another one, closing the window, ending the program.
+    enum class Leaving { Conversation, Window, Program };
+    Q_ENUM(Leaving)
 
     /// @param appearance, settings, quitting outlive the scene
     WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting,
@@ -81,7 +87,14 @@ public:
     MacQuitCoordinator *quitting() { return &m_quitting; }
     bool asking() const { return m_asking; }
     bool closeWarning() const { return m_closeWarning; }
-    bool leaveWarning() const { return bool(m_leaving); }
+    bool leaveWarning() const { return bool(m_leave); }
+    Leaving leaving() const { return m_leaving; }
+    const QString &notice() const { return m_notice; }
+    void setNotice(const QString &notice);
+    /// Whether something is open, or being written, that cannot be found again once it is put away.
+    bool losesIncognito() const;
+    /// Asks whether it may go, and does `how` if so. A question that is open gives way to this one.
+    void askToLeave(Leaving leaving, std::function<void()> how);
     RootView *rootView() { return m_shared ? &m_shared->root : nullptr; }
     SessionModel *session() { return m_shared ? &m_shared->session : nullptr; }
     SafetyModel *safety() { return m_shared ? &m_shared->safety : nullptr; }
@@ -103,6 +116,7 @@ public:
     Q_INVOKABLE void stayOpen();
     /// The answer to `leaveWarning`.
     Q_INVOKABLE void answerLeave(bool leave);
+    Q_INVOKABLE void closeNotice() { setNotice({}); }
     Q_INVOKABLE void startConversation(bool incognito = false);
     Q_INVOKABLE void openConversation(const QString &id);
 
@@ -112,6 +126,7 @@ Q_SIGNALS:
     void openErrorChanged();
     void warningChanged();
     void askingChanged();
+    void noticeChanged();
     void reopenRequested();
     void closeRequested();
     void readyToClose();
@@ -152,7 +167,9 @@ private:
     QString m_openError;
     bool m_asking = false;
     bool m_closeWarning = false;
-    std::function<void()> m_leaving; ///< what waits for the answer to `leaveWarning`
+    std::function<void()> m_leave; ///< what waits for the answer to `leaveWarning`
+    Leaving m_leaving = Leaving::Conversation;
+    QString m_notice;
     bool m_saving = false;
     bool m_released = false;
 };

@@ -39,11 +39,15 @@ int main(int argc, char **argv) {
     lmp::SingleInstance instance(options->profile);
     auto handover = lmp::SingleInstance::ofThisProcess();
     handover.arguments = arguments;
+    if (options->named)
+        handover.site = options->site;
     switch (instance.claim(handover)) {
     case lmp::SingleInstance::Role::First:
         break;
     case lmp::SingleInstance::Role::HandedOver:
         return 0;
+    case lmp::SingleInstance::Role::OtherSite:
+        return complain(lmp::SingleInstance::otherSiteText(), 1);
     case lmp::SingleInstance::Role::Unresponsive:
         return complain(lmp::SingleInstance::unresponsiveText(), 1);
     }

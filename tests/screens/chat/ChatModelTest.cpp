@@ -1,4 +1,5 @@
 #include "conversation/ConversationTexts.h"
+#include "core/PlainLabel.h"
 
 #include "ChatModelFixture.h"
 
@@ -81,9 +82,10 @@ TEST_F(ChatModelTest, StoppingKeepsWhatCameAndTheNextCanBeSentAtOnce) {
     holdStream();
     chat->setInput(u"在吗"_s);
     ASSERT_TRUE(chat->send());
+    EXPECT_EQ(text(0, "stateText"), ConversationTexts::awaitingReply());
     say({delta("一"), delta("半")});
     ASSERT_TRUE(eventually([this] { return chat->messages()->rowCount() == 2; }));
-    EXPECT_EQ(text(0, "stateText"), ConversationTexts::awaitingReply());
+    EXPECT_EQ(text(0, "stateText"), ConversationTexts::replyArriving());
     EXPECT_TRUE(shown(1, "streaming").toBool());
 
     chat->setInput(u"还有"_s);
@@ -102,6 +104,54 @@ TEST_F(ChatModelTest, StoppingKeepsWhatCameAndTheNextCanBeSentAtOnce) {
     EXPECT_TRUE(chat->inputHeldReason().isEmpty());
     EXPECT_TRUE(eventually([this] { return chat->isIdle(); }));
     EXPECT_EQ(chat->messages()->rowCount(), 4);
+}
+
+TEST_F(ChatModelTest, AReplyThatIsLeftIsStoppedAndKept) {
+    int saves = 0;
+    server.on(sync, [&saves](const auto &request, QTcpSocket &socket) {
+        saves += request.body.contains("一半");
+        StubServer::reply(200, R"({"ok":true,"revision":2})")(request, socket);
+    });
+    load(u"a"_s);
+    for (const bool fresh : {true, false}) {
+        held = nullptr;
+        holdStream();
+        chat->setInput(u"在吗"_s);
+        ASSERT_TRUE(chat->send());
+        say({delta("一"), delta("半")});
+        ASSERT_TRUE(eventually([this] { return text(-1) == u"一半"_s; }));
+        fresh ? chat->begin() : chat->load(u"b"_s);
+        EXPECT_TRUE(chat->isIdle());
+        EXPECT_TRUE(eventually([&] { return saves > 0; })) << "the service is told what became of it";
+        EXPECT_TRUE(eventually([this] { return !held; })) << "and sends no more";
+        settleFiles();
+        // The service may have it or not; this machine does.
+        load(u"a"_s);
+        EXPECT_EQ(text(-1), u"一半"_s);
+        EXPECT_EQ(text(-2, "stateText"), ConversationTexts::unknownMessage());
+        saves = 0;
+    }
+}
+
+TEST_F(ChatModelTest, WhatOthersSayNeitherActsNorFillsTheWindow) {
+    QByteArray memories;
+    for (int at = 0; at < 500; ++at)
+        memories +=
+            (at ? "," : "") + QByteArray(R"({"content":")") + QByteArray(10'000, 'm') + R"(","truth":"\u202ex"})";
+    server.on(
+        "/api/app/conversation?id=a",
+        StubServer::reply(200, R"({"conversation":{"id":"a","title":"账\u202e单\n\u0007","revision":1,"messages":[)" +
+                                   message("q") + R"(,{"id":"r","role":"twin","text":"好\u202e","used":[)" + memories +
+                                   "]}]}}"));
+    load(u"a"_s);
+    EXPECT_EQ(chat->title(), u"账单"_s);
+    EXPECT_EQ(text(-1), u"好\u202e"_s) << "the text of a message is its own";
+    chat->openUsed(u"r"_s);
+    const auto *used = chat->usedMemories();
+    EXPECT_EQ(used->rowCount(), 100);
+    EXPECT_TRUE(used->note().contains(u"500"_s) && used->note().contains(u"100"_s));
+    EXPECT_EQ(used->data(used->index(0), UsedMemoryModel::ContentRole).toString().size(), PlainLabel::longestContent);
+    EXPECT_EQ(used->data(used->index(0), UsedMemoryModel::TruthTextRole), u"x"_s);
 }
 
 TEST_F(ChatModelTest, WhatIsTypedStaysWithItsConversation) {

@@ -137,6 +137,16 @@ TestCase {
         compare(stopped.count, 1);
     }
 
+    function test_goesOnAtTheEndOfAFoundText() {
+        composer.text = "ab";
+        type("c");
+        compare(composer.text, "abc");
+        keyClick(Qt.Key_Home);
+        keyClick(Qt.Key_Delete);
+        type("d");
+        compare(composer.text, "dbc", "what was typed stays where it was typed");
+    }
+
     function test_growsAndScrolls() {
         compare(composer.implicitHeight, 44);
         composer.text = "一\n二\n三";

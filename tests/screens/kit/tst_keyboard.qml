@@ -8,6 +8,7 @@ TestCase {
 
     property int bound: 1
     property int presses: 0
+    property string second: "乙"
 
     height: 480
     name: "keyboard"
@@ -54,7 +55,7 @@ TestCase {
 
             currentIndex: root.bound
             label: "外观"
-            model: ["甲", "乙", "丙"]
+            model: ["甲", root.second, "丙"]
             onActivated: index => root.bound = index
         }
 
@@ -157,6 +158,10 @@ TestCase {
         verify(segmented.activeFocus);
         compare(Probe.heard(segmented).name, "外观：甲");
         compare(Probe.stops(segmented).length, 0, "the container is the only stop");
+        root.bound = 1;
+        root.second = "乙 3";
+        compare(segmented.currentIndex, 1, "another word is no other choice");
+        compare(Probe.heard(segmented).name, "外观：乙 3");
     }
 
     function test_comboBox() {

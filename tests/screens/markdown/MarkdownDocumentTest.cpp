@@ -150,7 +150,7 @@ TEST(MarkdownDocumentTest, ALinkThatNamesAnotherHostSaysWhereItLeads) {
 
 TEST(MarkdownDocumentTest, KnowsWhereLinksStandAndWhichHideTheirAddress) {
     const auto made = MarkdownInline::of(u"中 [a.b](http://a.b/) **x**<br>[y](http://z)"_s);
-    EXPECT_EQ(made.links, (QList<MarkdownLink>{{2, 3, u"http://a.b/"_s, false}, {8, 1, u"http://z"_s, true}}));
+    EXPECT_EQ(made.links, (QList<MarkdownLink>{{2, 3, u"http://a.b/"_s}, {8, 1, u"http://z"_s}}));
     EXPECT_EQ(made.length, 9);
 }
 

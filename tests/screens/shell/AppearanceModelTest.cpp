@@ -65,7 +65,9 @@ TEST(WindowOptionsTest, SaysWhatIsWrong) {
     qputenv("LMP_SITE", "http://b");
     EXPECT_EQ(WindowOptions::parse({})->site, u"http://b"_s);
     EXPECT_EQ(WindowOptions::parse({u"--sandbox"_s})->site, QString());
+    EXPECT_TRUE(WindowOptions::parse({})->named && WindowOptions::parse({u"--sandbox"_s})->named);
     qunsetenv("LMP_SITE");
+    EXPECT_FALSE(WindowOptions::parse({})->named);
     for (const QStringList &wrong :
          {QStringList{u"--site"_s}, {u"chat"_s}, {u"--profile=../x"_s}, {u"--sandbox"_s, u"--site"_s, u"http://a"_s}})
         EXPECT_FALSE(WindowOptions::parse(wrong)) << wrong.join(u' ').toStdString();

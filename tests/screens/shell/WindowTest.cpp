@@ -1,6 +1,8 @@
 #include "WindowDriver.h"
 #include "support/SandboxFixture.h"
 
+#include <QAccessible>
+#include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
 
@@ -216,6 +218,89 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
     EXPECT_TRUE(window.program().quitting().resolved());
 }
 
+TEST_F(WindowTest, WhatNobodyKeepsIsNotThrownAwayUnasked) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.scene().startConversation(true);
+    ASSERT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s) != nullptr; }));
+    window.type(u"只在这里说"_s);
+    const QString talk = window.scene().chat()->conversationId();
+
+    window.window().close();
+    ASSERT_TRUE(window.shows(u"关闭后，这段无痕对话将无法找回。"_s));
+    window.key(Qt::Key_Escape);
+    ASSERT_TRUE(window.hides(u"无法找回"_s));
+    EXPECT_TRUE(window.window().isVisible());
+    window.key(Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_TRUE(window.shows(u"退出后，这段无痕对话将无法找回。"_s));
+    ASSERT_TRUE(window.click(u"留在这里"_s));
+    ASSERT_TRUE(window.hides(u"无法找回"_s));
+    EXPECT_EQ(window.scene().chat()->conversationId(), talk);
+    EXPECT_EQ(window.scene().chat()->input(), u"只在这里说"_s);
+    EXPECT_EQ(window.program().quitting().state(), MacQuitCoordinator::State::Idle);
+
+    bool leaving = false;
+    QObject::connect(&window.program(), &WindowApplication::leaving, &window.program(), [&] { leaving = true; });
+    window.key(Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_TRUE(window.click(u"退出"_s));
+    EXPECT_TRUE(eventually([&] { return leaving; }));
+}
+
+TEST_F(WindowTest, TheMenuKeyOpensWhatTheRightButtonDoes) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.type(u"几个字"_s);
+    for (const auto &[key, modifier] : {std::pair(Qt::Key_Menu, Qt::NoModifier), {Qt::Key_F10, Qt::ShiftModifier}}) {
+        // What is being composed has every key.
+        window.compose(u"zi"_s);
+        window.key(key, modifier);
+        settle();
+        EXPECT_EQ(window.find(u"LMPMenuItem"_s, u"全选"_s), nullptr);
+        window.compose({});
+        window.key(key, modifier);
+        EXPECT_TRUE(window.shows(u"全选"_s)) << key << QGuiApplication::focusObject()->metaObject()->className();
+        window.key(Qt::Key_Escape);
+        EXPECT_TRUE(window.hides(u"全选"_s));
+    }
+    window.key(Qt::Key_Return);
+    ASSERT_TRUE(eventually([&] { return window.scene().chat()->lastChargeText() == u"3 Pip"_s; }));
+    QQuickItem *text = nullptr;
+    ASSERT_TRUE(eventually([&] { return (text = window.find(u"MarkdownText"_s)) != nullptr; }));
+    text->forceActiveFocus(Qt::TabFocusReason);
+    QMetaObject::invokeMethod(text, "selectAll");
+    window.key(Qt::Key_F10, Qt::ShiftModifier);
+    ASSERT_TRUE(window.click(u"拷贝"_s));
+    EXPECT_FALSE(QGuiApplication::clipboard()->text().isEmpty());
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), text->property("selectedText").toString());
+}
+
+TEST_F(WindowTest, ALeftReplyIsToldAndTheSidebarSpeaks) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.type(u"讲一个很长的故事"_s);
+    window.key(Qt::Key_Return);
+    ASSERT_TRUE(window.scene().chat()->sending());
+    window.scene().startConversation();
+    EXPECT_FALSE(window.scene().chat()->sending());
+    EXPECT_TRUE(window.shows(u"刚才那段对话的回答已停止"_s));
+    window.scene().closeNotice();
+    EXPECT_TRUE(window.hides(u"刚才那段对话的回答已停止"_s));
+
+    // A screen reader reads the width, and sets it.
+    auto *handle = QAccessible::queryAccessibleInterface(window.find(u"SidebarHandle"_s));
+    ASSERT_TRUE(handle && handle->valueInterface());
+    EXPECT_EQ(handle->valueInterface()->currentValue().toInt(), 248);
+    EXPECT_EQ(handle->valueInterface()->minimumValue().toInt(), WindowLayout::narrowestSidebar);
+    EXPECT_EQ(handle->valueInterface()->maximumValue().toInt(), WindowLayout::widestSidebar);
+    handle->valueInterface()->setCurrentValue(300);
+    EXPECT_EQ(window.scene().layout()->sidebarWidth(), 300);
+    window.scene().layout()->setSidebarWidth(1000);
+    EXPECT_EQ(handle->valueInterface()->currentValue().toInt(), WindowLayout::widestSidebar);
+}
+
 TEST_F(WindowTest, WindowsThatCloseTogetherEndTheProgram) {
     signInBefore();
     WindowDriver window(options());
@@ -264,6 +349,10 @@ TEST_F(WindowTest, LinksGoTheSameWayColdAndWarm) {
     const auto again = [&](const QString &link) {
         window.program().takeOver({.arguments = {link}, .activationToken = {}});
     };
+    window.program().takeOver({.arguments = {}, .activationToken = {}, .site = m_site.toString()});
+    EXPECT_TRUE(window.scene().notice().isEmpty());
+    window.program().takeOver({.arguments = {}, .activationToken = {}, .site = u"http://elsewhere.invalid"_s});
+    EXPECT_TRUE(window.shows(SingleInstance::otherSiteText()));
     again(u"lumenpair://studio"_s);
     EXPECT_EQ(window.scene().navigation()->tab(), Tab::Studio);
     again(u"lumenpair://conversation/c_77"_s);
@@ -285,27 +374,42 @@ TEST_F(WindowTest, TheLauncherOpensOneWindowOfAProfile) {
     const auto start = [&](QProcess &program, const QStringList &arguments) {
         program.setProcessEnvironment(environment);
         program.setStandardInputFile(QProcess::nullDevice());
-        program.start(launcher, QStringList{u"--site"_s, m_site.toString()} + arguments);
+        program.start(launcher, arguments);
     };
-    QProcess first, second;
-    start(first, {});
+    const QStringList here{u"--site"_s, m_site.toString()};
+    QProcess first, second, third;
+    start(first, here);
     const QDir runtime(m_home.path());
     ASSERT_TRUE(eventually([&] { return !runtime.entryList({u"*lumenpair*"_s}, QDir::System).isEmpty(); }, 30'000));
-    start(second, {u"lumenpair://studio"_s});
+    start(second, here + QStringList{u"lumenpair://studio"_s});
     EXPECT_TRUE(eventually([&] { return second.state() == QProcess::NotRunning; }, 30'000));
     EXPECT_EQ(second.exitCode(), 0) << second.readAllStandardError().toStdString();
     EXPECT_EQ(first.state(), QProcess::Running);
+    start(third, {u"--site"_s, u"http://elsewhere.invalid"_s});
+    EXPECT_TRUE(eventually([&] { return third.state() == QProcess::NotRunning; }, 30'000));
+    EXPECT_EQ(third.exitCode(), 1);
+    EXPECT_TRUE(QString::fromUtf8(third.readAllStandardError()).contains(SingleInstance::otherSiteText()));
     first.terminate();
     EXPECT_TRUE(eventually([&] { return first.state() == QProcess::NotRunning; }, 30'000));
     EXPECT_EQ(first.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(first.exitCode(), 0) << first.readAllStandardError().toStdString();
 }
 
+/// What the engine has complained of.
+QStringList complaints;
+void complain(QtMsgType type, const QMessageLogContext &, const QString &text) {
+    if (type != QtDebugMsg)
+        complaints << text;
+}
+
 TEST_F(WindowTest, AServiceThatIsNotThereIsSaidAndTriedAgain) {
+    const auto before = qInstallMessageHandler(complain);
     WindowDriver window({.site = u"http://[broken"_s, .profile = {}, .link = {}});
     EXPECT_TRUE(window.shows(u"地址不合法"_s));
     ASSERT_TRUE(window.click(u"再试一次"_s));
     EXPECT_TRUE(window.shows(u"地址不合法"_s));
+    qInstallMessageHandler(before);
+    EXPECT_TRUE(complaints.isEmpty()) << complaints.join(u'\n').toStdString();
 }
 
 } // namespace lmp
