@@ -14,7 +14,7 @@ namespace lmp {
 ///
 /// One at a time (the line editor is process-wide), UI thread. `line` comes once for each `prompt`; none is the end of
 /// input. A secret is read without echo and kept out of the history.
-class LineReader : public QObject, public PromptLine {
+class LineReader final : public QObject, public PromptLine {
     Q_OBJECT
 public:
     explicit LineReader(QObject *parent = nullptr);
