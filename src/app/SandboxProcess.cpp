@@ -1,16 +1,22 @@
 #include "app/SandboxProcess.h"
 
 #include "core/Json.h"
+#include "platform/Log.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 #include <unistd.h>
 
 namespace lmp {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
+
+/// For the one before to be gone for good.
+constexpr auto restartPause = 200ms;
 
 /// The one line that the service prints when it listens.
 struct SandboxReady {
@@ -31,9 +37,7 @@ SandboxProcess::SandboxProcess(QString stateFile, QObject *parent)
         if (error == QProcess::FailedToStart)
             m_address.resolve(std::unexpected(u"本机沙盒启动不了：找不到 lumenpair-sandbox，或它不能运行。"_s));
     });
-    connect(&m_process, &QProcess::finished, this, [this](int code) {
-        m_address.resolve(std::unexpected(u"本机沙盒启动后就退出了（代码 %1）。"_s.arg(code)));
-    });
+    connect(&m_process, &QProcess::finished, this, &SandboxProcess::onFinished);
 }
 
 SandboxProcess::~SandboxProcess() {
@@ -46,19 +50,35 @@ SandboxProcess::~SandboxProcess() {
 }
 
 Later<std::expected<QUrl, QString>> SandboxProcess::start() {
-    const QString program = QCoreApplication::applicationDirPath() + u"/lumenpair-sandbox"_s;
-    m_process.start(program, {u"--state"_s, m_stateFile, u"--exit-with-parent"_s});
+    launch();
     return m_address;
+}
+
+void SandboxProcess::launch() {
+    const QString program = QCoreApplication::applicationDirPath() + u"/lumenpair-sandbox"_s;
+    m_process.start(program,
+                    {u"--state"_s, m_stateFile, u"--exit-with-parent"_s, u"--port"_s, QString::number(m_port)});
 }
 
 void SandboxProcess::onOutput() {
     if (!m_process.canReadLine())
         return;
     const auto ready = Json::decode<SandboxReady>(m_process.readLine());
-    if (ready)
-        m_address.resolve(QUrl(ready->url, QUrl::StrictMode));
-    else
+    if (!ready) {
         m_address.resolve(std::unexpected(u"本机沙盒没有说出自己的地址。"_s));
+        return;
+    }
+    const QUrl url(ready->url, QUrl::StrictMode);
+    m_port = url.port(0);
+    m_address.resolve(url);
+}
+
+void SandboxProcess::onFinished(int code) {
+    m_address.resolve(std::unexpected(u"本机沙盒启动后就退出了（代码 %1）。"_s.arg(code)));
+    if (m_port == 0 || m_restarts++ == mostRestarts)
+        return;
+    qCWarning(logApplication) << "the sandbox ended and is started again";
+    QTimer::singleShot(restartPause, this, &SandboxProcess::launch);
 }
 
 } // namespace lmp

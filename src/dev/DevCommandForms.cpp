@@ -1,5 +1,6 @@
 #include "dev/DevCommandForms.h"
 
+#include "dev/DevCommandOptions.h"
 #include "dev/DevPathForms.h"
 #include "dev/DevShellText.h"
 #include "dev/DevShellVariables.h"
@@ -94,7 +95,7 @@ private:
     void addFilled(const DevShellText::Part &part, int depth);
     void readWords(Words words, std::string_view text, int depth);
     void readPrograms(Words words, int depth);
-    void readGit(Words words, int depth);
+    Words readGit(Words words, int depth);
     void addGit(Words words);
     void readSetting(std::string_view setting, int depth);
     void addPaths(Words words);
@@ -235,18 +236,21 @@ void Forms::readPrograms(Words words, int depth) {
     for (std::size_t at = 0; at < words.size() && m_bearable; ++at) {
         const auto name = programOf(words[at]);
         const auto rest = words.subspan(at + 1);
-        if (name == "git")
-            readGit(rest, depth);
+        if (name == "git" && spend(rest.size()))
+            add(DevCommandOptions::gatheredOfGit(readGit(rest, depth)));
         else if (name == "cd" || name == "pushd")
             moveTo(rest);
         else if (name == "eval" || name == "-S") // env -S
             return read(joined(rest), depth + 1);
+        else if ((name == "rm" || name == "chmod" || name == "chown") && spend(rest.size()))
+            add(DevCommandOptions::gathered(name, rest));
     }
 }
 
 /// What git is told to do, without the options before it. Where a substitution stood, the value of an option may be
 /// missing here, and what seems to be it is another option or the command.
-void Forms::readGit(Words words, int depth) {
+/// @return its command and what follows
+Words Forms::readGit(Words words, int depth) {
     std::size_t at = 0;
     for (; at < words.size() && words[at].starts_with('-'); ++at) {
         if (!takesValue(words[at]) || at + 1 == words.size() || words[at + 1].starts_with('-'))
@@ -258,6 +262,7 @@ void Forms::readGit(Words words, int depth) {
     }
     if (spend(at) && at > 0)
         addGit(words.subspan(at));
+    return words.subspan(at);
 }
 
 void Forms::addGit(Words words) {

@@ -28,7 +28,7 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Session>> DevEngine::start(Start reque
     co_return co_await m_executor.run([this, request = std::move(request)] { return onStart(request); });
 }
 
-QCoro::Task<DevEngine::Outcome<DevEngine::Done>> DevEngine::send(QString text) {
+QCoro::Task<DevEngine::Outcome<DevEngine::Sent>> DevEngine::send(QString text) {
     co_return co_await m_executor.run([this, text = std::move(text)] { return onSend(text); });
 }
 

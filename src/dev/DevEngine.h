@@ -30,6 +30,10 @@ public:
     using Outcome = std::expected<T, DevEngineFailure>;
     /// Done, where there is nothing else to tell.
     struct Done {};
+    /// Words that the agent has taken.
+    struct Sent {
+        bool joined = false; ///< the turn that ran, whose end is theirs too; otherwise they began one
+    };
     static constexpr std::size_t maxWithdrawn = 256;
     struct Session {
         Channel<DevEvent> events; ///< for one consumer on the caller's thread; closed at the end
@@ -61,8 +65,8 @@ public:
     /// Starts the agent. The stream begins with `SessionStarted` as soon as the engine knows its session, which may be
     /// only after the first `send`.
     QCoro::Task<Outcome<Session>> start(Start request);
-    /// Begins a turn, or queues one where the engine can.
-    QCoro::Task<Outcome<Done>> send(QString text);
+    /// Begins a turn, queues one where the engine can, or joins the one that runs where the engine works so.
+    QCoro::Task<Outcome<Sent>> send(QString text);
     /// Answers a permission request; one that does not wait any more is left alone.
     /// @return whether it waited
     QCoro::Task<bool> respond(QString requestId, DevPermissionDecision decision);
@@ -82,7 +86,7 @@ protected:
     virtual ~DevEngine();
 
     virtual QCoro::Task<Outcome<Session>> onStart(Start request) = 0;
-    virtual QCoro::Task<Outcome<Done>> onSend(QString text) = 0;
+    virtual QCoro::Task<Outcome<Sent>> onSend(QString text) = 0;
     virtual bool onRespond(const QString &requestId, const DevPermissionDecision &decision) = 0;
     virtual void onSetMode(DevMode mode) = 0;
     virtual void onInterrupt() = 0;

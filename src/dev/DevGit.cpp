@@ -39,18 +39,47 @@ DevProcess::Command commandFor(const QString &repository, const QStringList &arg
                     u"GIT_COMMON_DIR"_s, u"GIT_NAMESPACE"_s},
     };
     if (purpose == Purpose::Reading)
-        command.extra.append({u"GIT_OPTIONAL_LOCKS"_s, u"0"_s});
+        // Neither takes locks nor asks a remote, which would be reached by a program of the repository's choice.
+        command.extra += {{u"GIT_OPTIONAL_LOCKS"_s, u"0"_s}, {u"GIT_NO_LAZY_FETCH"_s, u"1"_s}};
     return command;
 }
 
 /// Runs git. Fails only when there is none, or it could not be started.
-QCoro::Task<DevGit::Answer<DevRun>> run(QString repository, QStringList arguments, std::chrono::seconds timeout,
-                                        Purpose purpose) {
-    auto ended = co_await DevRun::toCompletion(commandFor(repository, arguments, purpose), timeout);
+QCoro::Task<DevGit::Answer<DevRun>> run(DevProcess::Command command, std::chrono::seconds timeout) {
+    auto ended = co_await DevRun::toCompletion(std::move(command), timeout);
     if (ended)
         co_return *std::move(ended);
     const bool missing = ended.error().kind == DevProcess::Failure::Kind::NotFound;
     co_return std::unexpected(missing ? DevGit::missingText() : ended.error().description());
+}
+QCoro::Task<DevGit::Answer<DevRun>> run(QString repository, QStringList arguments, std::chrono::seconds timeout,
+                                        Purpose purpose) {
+    co_return co_await run(commandFor(repository, arguments, purpose), timeout);
+}
+
+/// The same for what looks at files, without the filters that the repository itself brings.
+QCoro::Task<DevGit::Answer<DevRun>> look(QString repository, QStringList arguments) {
+    // Exit code 1: there are none.
+    const auto filters = co_await run(
+        repository,
+        {u"config"_s, u"--show-scope"_s, u"--null"_s, u"--get-regexp"_s, uR"(^filter\..*\.(clean|process)$)"_s}, 10s,
+        Purpose::Reading);
+    if (!filters)
+        co_return std::unexpected(filters.error());
+    auto command = commandFor(repository, arguments, Purpose::Reading);
+    int count = qEnvironmentVariableIntValue("GIT_CONFIG_COUNT");
+    const auto set = [&](const QString &key, const QString &value) {
+        command.extra += {{u"GIT_CONFIG_KEY_%1"_s.arg(count), key}, {u"GIT_CONFIG_VALUE_%1"_s.arg(count), value}};
+        ++count;
+    };
+    const auto names = GitOutput::ownFilters(filters->output);
+    for (const QString &name : names) {
+        set(name + u".clean"_s, {});
+        set(name + u".process"_s, {});
+        set(name + u".required"_s, u"false"_s);
+    }
+    command.extra.append({u"GIT_CONFIG_COUNT"_s, QString::number(count)});
+    co_return co_await run(std::move(command), 30s);
 }
 
 /// What git said about a command that did not go well.
@@ -83,12 +112,18 @@ QCoro::Task<QString> baseOf(QString repository) {
 
 QCoro::Task<DevGit::Answer<DevRun>> runDiff(QString repository, QStringList form) {
     const QString base = co_await baseOf(repository);
-    const QStringList arguments =
-        QStringList{u"diff"_s,           u"--no-color"_s,     u"--no-ext-diff"_s,     u"--no-textconv"_s,
-                    u"--no-relative"_s,  u"--find-renames"_s, u"--submodule=short"_s, u"--src-prefix=a/"_s,
-                    u"--dst-prefix=b/"_s} +
-        form + QStringList{base, u"--"_s};
-    co_return co_await run(repository, arguments, 30s, Purpose::Reading);
+    const QStringList arguments = QStringList{u"diff"_s,
+                                              u"--no-color"_s,
+                                              u"--no-ext-diff"_s,
+                                              u"--no-textconv"_s,
+                                              u"--no-relative"_s,
+                                              u"--find-renames"_s,
+                                              u"--submodule=short"_s,
+                                              u"--src-prefix=a/"_s,
+                                              u"--dst-prefix=b/"_s,
+                                              u"--ignore-submodules=dirty"_s} +
+                                  form + QStringList{base, u"--"_s};
+    co_return co_await look(repository, arguments);
 }
 
 QCoro::Task<bool> checkRepository(QString repository) {
@@ -98,11 +133,12 @@ QCoro::Task<bool> checkRepository(QString repository) {
 }
 
 QCoro::Task<DevGit::Answer<DevGit::Status>> readStatus(QString repository) {
-    const QStringList arguments{u"status"_s, u"--porcelain=v1"_s,        u"--branch"_s,
-                                u"-z"_s,     u"--untracked-files=all"_s, u"--find-renames"_s};
-    const auto ended = co_await succeed(repository, arguments, 30s, Purpose::Reading);
-    if (!ended)
-        co_return std::unexpected(ended.error());
+    const QStringList arguments{
+        u"status"_s,         u"--porcelain=v1"_s,           u"--branch"_s, u"-z"_s, u"--untracked-files=all"_s,
+        u"--find-renames"_s, u"--ignore-submodules=dirty"_s};
+    const auto ended = co_await look(repository, arguments);
+    if (!ended || !ended->isSuccess())
+        co_return std::unexpected(ended ? wordsOf(*ended) : ended.error());
     co_return GitOutput::status(ended->output);
 }
 
@@ -153,13 +189,20 @@ Selection select(const QStringList &files, const DevGit::Status &status) {
     return selection;
 }
 
-QCoro::Task<DevGit::Answer<DevGit::Done>> commitFiles(QString repository, QStringList files, QString message) {
-    if (files.isEmpty())
-        co_return std::unexpected(u"没有选中要提交的文件"_s);
+QCoro::Task<DevGit::Answer<DevGit::Text>> topOf(QString repository) {
     const auto top = co_await succeed(repository, {u"rev-parse"_s, u"--show-toplevel"_s}, 10s, Purpose::Reading);
     if (!top)
         co_return std::unexpected(top.error());
-    const QString root = QString::fromUtf8(top->output).chopped(1);
+    co_return DevGit::Text{QString::fromUtf8(top->output).chopped(1)};
+}
+
+QCoro::Task<DevGit::Answer<DevGit::Done>> commitFiles(QString repository, QStringList files, QString message) {
+    if (files.isEmpty())
+        co_return std::unexpected(u"没有选中要提交的文件"_s);
+    const auto top = co_await topOf(repository);
+    if (!top)
+        co_return std::unexpected(top.error());
+    const QString root = top->text;
     const auto status = co_await readStatus(root);
     if (!status)
         co_return std::unexpected(status.error());
@@ -184,7 +227,11 @@ QCoro::Task<DevGit::Answer<DevGit::Text>> addWorktree(QString repository, QStrin
     name = DevGit::worktreeName(name);
     if (name.isEmpty())
         co_return std::unexpected(u"名字不能为空"_s);
-    const QString path = QDir::cleanPath(repository) + u".wt-"_s + name;
+    // Beside the repository, wherever in it we are.
+    const auto top = co_await topOf(repository);
+    if (!top)
+        co_return std::unexpected(top.error());
+    const QString path = top->text + u".wt-"_s + name;
     const QStringList arguments{u"worktree"_s, u"add"_s, u"-b"_s, u"claude/"_s + name, path};
     const auto ended = co_await succeed(repository, arguments, 120s, Purpose::Writing);
     if (!ended)

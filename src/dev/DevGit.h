@@ -11,9 +11,10 @@ namespace lmp {
 /// A value. Its calls are coroutines for any thread with an event loop and hold nothing of it. They fail with a text
 /// for the person as it stands: git's own words, or that there is no git. What is asked means the same whatever a
 /// person's settings are: no pager, no colours, no other program in place of the diff; reading runs no hook and takes
-/// no lock. The filters that a repository's settings and attributes name do run, for `status` and `diff` as well, as
-/// they would for anybody: whoever may write to the repository may choose them. Names are taken literally, never as
-/// patterns. What git says to a person is in the person's language.
+/// no lock. Nor does it run what whoever may write to the repository has chosen there: a repository's own filters are
+/// left out, but for the well-known one of large files, and submodules are not looked into; where such a filter would
+/// change a file it may show as changed. The person's own filters run. A commit is made as anybody would make it. Names
+/// are taken literally, never as patterns. What git says to a person is in the person's language.
 class DevGit {
 public:
     struct Change {

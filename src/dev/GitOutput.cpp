@@ -35,7 +35,25 @@ std::optional<QString> branchIn(QString head) {
     return head.section(u' ', head.startsWith("No commits yet on "_L1) ? -1 : 0).section(u' ', 0, 0);
 }
 
+bool isLargeFiles(const QString &key, const QString &value) {
+    return (key == "filter.lfs.clean"_L1 && value == "git-lfs clean -- %f"_L1) ||
+           (key == "filter.lfs.process"_L1 && value == "git-lfs filter-process"_L1);
+}
+
 } // namespace
+
+QStringList GitOutput::ownFilters(const QByteArray &output) {
+    QStringList names;
+    for (Fields fields(output); !fields.atEnd();) {
+        const QString scope = fields.next(), field = fields.next();
+        const QString key = field.section(u'\n', 0, 0), value = field.section(u'\n', 1);
+        const QString name = key.first(std::max(key.lastIndexOf(u'.'), qsizetype(0)));
+        const bool isOwn = scope == "local"_L1 || scope == "worktree"_L1;
+        if (isOwn && !isLargeFiles(key, value) && !names.contains(name))
+            names.append(name);
+    }
+    return names;
+}
 
 DevGit::Status GitOutput::status(const QByteArray &output) {
     DevGit::Status status;

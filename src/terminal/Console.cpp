@@ -1,6 +1,7 @@
 #include "terminal/Console.h"
 
 #include "core/PlainLabel.h"
+#include "terminal/PromptLine.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,19 +14,64 @@
 
 namespace lmp {
 
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A prompt does not come and go between lines that follow each other.
+constexpr auto betweenLines = 30ms;
+/// Whoever says half a line may be thinking of the rest.
+constexpr auto withinLine = 1500ms;
+
+} // namespace
+
 Console::Console()
     : m_outputIsTerminal(::isatty(STDOUT_FILENO))
     , m_inputIsTerminal(::isatty(STDIN_FILENO))
-    , m_color(::isatty(STDERR_FILENO) && qEnvironmentVariableIsEmpty("NO_COLOR")) {
+    , m_color(::isatty(STDERR_FILENO) && qEnvironmentVariableIsEmpty("NO_COLOR"))
+    , m_errorIsTerminal(::isatty(STDERR_FILENO)) {
+    m_back.setSingleShot(true);
+    QObject::connect(&m_back, &QTimer::timeout, &m_back, [this] { bringBack(); });
     std::signal(SIGPIPE, SIG_IGN);
 }
 
 void Console::reply(const QString &text) {
     if (text.isEmpty())
         return;
-    const QString shown = m_outputIsTerminal ? harmless(text) : text;
-    write(STDOUT_FILENO, shown.toUtf8());
+    QString shown = m_outputIsTerminal ? harmless(text) : text;
+    if (std::exchange(m_lineEnded, false) && shown.startsWith(u'\n'))
+        shown.remove(0, 1);
+    if (shown.isEmpty())
+        return;
     m_midLine = m_outputIsTerminal && !shown.endsWith(u'\n');
+    write(STDOUT_FILENO, shown.toUtf8());
+}
+
+void Console::endLine() {
+    if (!std::exchange(m_midLine, false))
+        return;
+    m_lineEnded = true;
+    write(STDOUT_FILENO, "\n");
+}
+
+QByteArray Console::room(int fd) {
+    const bool isTerminal = fd == STDOUT_FILENO ? m_outputIsTerminal : m_errorIsTerminal;
+    // A prompt that goes into a file is left there.
+    if (!m_prompt || !isTerminal || !m_errorIsTerminal)
+        return {};
+    const QByteArray bytes = m_prompt->makeRoom();
+    if (!bytes.isEmpty() || m_back.isActive())
+        m_back.start(m_midLine ? withinLine : betweenLines);
+    return bytes;
+}
+
+void Console::bringBack() {
+    endLine();
+    if (!m_queue.empty())
+        return m_back.start();
+    m_back.stop();
+    if (m_prompt)
+        m_prompt->comeBack();
 }
 
 void Console::line(const QByteArray &bytes) {
@@ -57,9 +103,9 @@ QString Console::harmless(const QString &text) {
 
 void Console::say(const QString &text, const char *color) {
     QByteArray bytes;
-    if (m_midLine && ::isatty(STDERR_FILENO))
+    if (m_midLine && m_errorIsTerminal)
         bytes += '\n';
-    m_midLine = false;
+    m_midLine = m_lineEnded = false;
     const QByteArray words = harmless(text).toUtf8();
     bytes += m_color ? color + words + "\x1b[0m\n" : words + '\n';
     write(STDERR_FILENO, bytes);
@@ -90,9 +136,10 @@ void Console::silence() {
     flush();
 }
 
-void Console::write(int fd, const QByteArray &bytes) {
+void Console::write(int fd, QByteArray bytes) {
     if (m_silent || (fd == STDOUT_FILENO && m_outputIsClosed))
         return;
+    bytes.prepend(room(fd));
     if (!m_queues)
         return writeNow(fd, bytes);
     m_queue.push_back({fd, bytes});

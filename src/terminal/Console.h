@@ -7,11 +7,14 @@
 #include <QList>
 #include <QSocketNotifier>
 #include <QString>
+#include <QTimer>
 
 #include <deque>
 #include <memory>
 
 namespace lmp {
+
+class PromptLine;
 
 /// Standard output, standard error and what is known of them.
 ///
@@ -26,6 +29,14 @@ public:
     /// The reader of standard output has gone, or nothing more can be written to it. A turn under way is still brought
     /// to its end and saved.
     bool outputIsClosed() const { return m_outputIsClosed; }
+
+    /// What makes room on the terminal while something is written, and comes back when that is done: at once behind
+    /// whole lines, and where a line is not at its end when it has stayed so for a while.
+    void setPrompt(PromptLine *prompt) { m_prompt = prompt; }
+    /// Ends the line on the terminal, if one is not at its end.
+    void endLine();
+    /// A key that the terminal has shown by itself stands in the line.
+    void noteEcho() { m_midLine = m_midLine || (m_inputIsTerminal && m_errorIsTerminal); }
 
     /// From now on nothing waits inside a write: what the readers do not take is kept in order, until they do. Whoever
     /// writes much awaits `drained` in between.
@@ -59,7 +70,10 @@ private:
         QByteArray bytes;
     };
 
-    void write(int fd, const QByteArray &bytes);
+    void write(int fd, QByteArray bytes);
+    /// What must be written first so that a prompt is not in the way.
+    QByteArray room(int fd);
+    void bringBack();
     void writeNow(int fd, const QByteArray &bytes);
     void flush();
     void waitForRoom(int fd);
@@ -77,7 +91,11 @@ private:
     std::deque<Piece> m_queue;
     std::unique_ptr<QSocketNotifier> m_room;
     QList<Later<bool>> m_draining;
-    bool m_midLine = false; ///< a terminal shared by both streams has an unfinished line
+    bool m_midLine = false;   ///< a terminal shared by both streams has an unfinished line
+    bool m_lineEnded = false; ///< by us, though what is said goes on
+    bool m_errorIsTerminal;
+    PromptLine *m_prompt = nullptr;
+    QTimer m_back; ///< until the prompt is put back
 };
 
 } // namespace lmp

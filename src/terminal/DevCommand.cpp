@@ -107,7 +107,9 @@ QCoro::Task<std::optional<ExitCode>> DevCommand::refusal() {
     // What could not be found out is tried: the start says it better.
     if (readiness.state != State::missing && readiness.state != State::loggedOut)
         co_return std::nullopt;
-    m_output.error(readiness.detail.value_or(QString()));
+    const QString name = DevOutput::name(m_line.engine);
+    m_output.error((readiness.state == State::missing ? u"没找到 %1。"_s : u"%1 还没登录。"_s).arg(name) +
+                   readiness.detail.value_or(QString()));
     co_return ExitCode::NotSignedIn;
 }
 
@@ -137,7 +139,7 @@ QCoro::Task<> DevCommand::converse() {
         co_await until([this] { return !m_asking || isOver(); });
         if (isOver())
             co_return;
-        const auto text = co_await m_input.line(u"你："_s);
+        const auto text = co_await m_input.line(u"你："_s, std::exchange(m_typed, {}));
         if (isOver())
             co_return;
         // The prompt was taken away; the end of input is another matter, whatever came before it.
@@ -162,25 +164,24 @@ void DevCommand::submit(const QString &text) {
         m_failed = m_turnInterrupted = false;
         m_withdrawn.clear();
     }
-    // Codex takes what is said during a turn into that turn, Claude Code makes a turn of its own of it.
-    const bool joins = m_line.engine != DevEngineKind::claude && m_turns > 0;
-    m_turns += joins ? 0 : 1;
-    detach(send(text, joins), "DevCommand::send");
+    ++m_turns;
+    detach(send(text), "DevCommand::send");
 }
 
-QCoro::Task<> DevCommand::send(QString text, bool joins) {
+QCoro::Task<> DevCommand::send(QString text) {
     const QPointer<QObject> self(this);
     const auto sent = co_await m_engine->send(std::move(text));
-    if (!self || sent || isOver())
+    if (!self || (sent && !sent->joined) || isOver())
         co_return;
-    m_output.error(sent.error().message);
-    if (joins)
-        co_return;
-    // It would have been a turn behind the one that runs, which goes on.
-    if (m_turns > 1)
-        --m_turns;
-    else
+    if (!sent)
+        m_output.error(sent.error().message);
+    // There is no turn of its own to wait for: another one runs, or has taken it and may be over by now.
+    if (m_turns > 1 || sent) {
+        m_turns = std::max(m_turns - 1, 0);
+        changed();
+    } else {
         endTurn(ExitCode::Failed);
+    }
 }
 
 QCoro::Task<> DevCommand::until(std::function<bool()> isSo) {
@@ -222,6 +223,9 @@ void DevCommand::cancelPrompt() {
 
 void DevCommand::interrupt(bool leave) {
     const bool again = std::exchange(m_interrupted, true);
+    // While nothing is asked for, a terminal shows that Ctrl-C was typed.
+    if (!m_input.isWaiting())
+        m_console.noteEcho();
     m_leaving = m_leaving || leave || again || !m_following || m_stopped;
     if (m_leaving) {
         m_input.cancel();

@@ -52,6 +52,8 @@ private:
     void dropQuestions();
     void denyQuestions(const QString &reason);
     void cancelPrompt();
+    /// Something typed that was no answer. Whoever was writing when the question came may not have seen it.
+    void keep(const QString &typed);
 
     // What a program says.
     QCoro::Task<> listen();
@@ -60,8 +62,7 @@ private:
     void endInput();
 
     void submit(const QString &text);
-    /// @param joins a turn that runs, and that goes on when this cannot be said
-    QCoro::Task<> send(QString text, bool joins);
+    QCoro::Task<> send(QString text);
     static QCoro::Task<> dropped(QCoro::Task<DevEngine::Done> task);
     /// Waits for `isSo`, which is looked at whenever something has happened.
     QCoro::Task<> until(std::function<bool()> isSo);
@@ -79,9 +80,10 @@ private:
     Later<bool> m_followed; ///< the stream has been read to its end
     Later<bool> m_listened; ///< nothing is read from a program any more
     QList<DevPermissionRequest> m_questions;
+    QString m_typed;           ///< of what the user wants to say next
     QSet<QString> m_withdrawn; ///< questions that were taken away before they came here
 
-    int m_turns = 0;                          ///< asked for and not ended
+    int m_turns = 0;                          ///< asked for and not ended; words on their way count as one each
     ExitCode m_outcome = ExitCode::Submitted; ///< of the last turn
     bool m_once = false;                      ///< one turn only
     bool m_failed = false;                    ///< something in this turn

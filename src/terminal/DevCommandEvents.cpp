@@ -44,7 +44,7 @@ void DevCommand::onWithdrawn(const QString &requestId) {
         m_withdrawn.insert(requestId);
     if (!isShown)
         return;
-    m_input.cancel();
+    keep(m_input.cancel());
     m_output.note(u"这个问题已经不用回答了。"_s);
 }
 
@@ -94,7 +94,7 @@ void DevCommand::onQuestion(const DevPermissionRequest &request) {
     m_questions << request;
     const bool asks = !m_line.allow && !m_line.jsonl && m_console.inputIsTerminal();
     if (!asks)
-        m_output.question(request);
+        m_output.question(request, false);
     if (m_line.allow) {
         m_output.note(m_line.allow == Kind::allowSession ? u"按 --allow session 放行。"_s
                                                          : u"按 --allow once 放行。"_s);
@@ -104,7 +104,8 @@ void DevCommand::onQuestion(const DevPermissionRequest &request) {
         m_output.note(reason);
         respond(request.id, DevPermissionDecision::deny(reason));
     } else if (asks && !m_asking) {
-        cancelPrompt();
+        m_promptCancelled = m_input.isWaiting();
+        m_typed += m_input.takeAway();
         detach(ask(), "DevCommand::ask");
     }
 }
@@ -128,7 +129,7 @@ QCoro::Task<> DevCommand::answer(QString requestId, DevPermissionDecision decisi
 void DevCommand::dropQuestions() {
     m_questions.clear();
     if (m_asking)
-        m_input.cancel();
+        keep(m_input.cancel());
 }
 
 void DevCommand::denyQuestions(const QString &reason) {
@@ -136,14 +137,22 @@ void DevCommand::denyQuestions(const QString &reason) {
     for (const DevPermissionRequest &request : open)
         respond(request.id, DevPermissionDecision::deny(reason));
     if (m_asking)
-        m_input.cancel();
+        keep(m_input.cancel());
+}
+
+void DevCommand::keep(const QString &typed) {
+    static const QStringList answers{u"1"_s, u"2"_s, u"3"_s, u"4"_s};
+    if (!m_typed.isEmpty() && !answers.contains(typed.trimmed()))
+        m_typed += typed;
 }
 
 QCoro::Task<> DevCommand::ask() {
     m_asking = true;
     while (!m_questions.isEmpty()) {
         const auto asked = m_questions.first();
-        m_output.question(asked);
+        // What was typed before a question was seen is no answer to it.
+        m_typed += m_input.takeTypedAhead();
+        m_output.question(asked, true);
         auto answer = co_await decision();
         if (answer && !m_questions.isEmpty() && m_questions.first() == asked)
             respond(asked.id, *std::move(answer));
@@ -167,11 +176,16 @@ QCoro::Task<std::optional<DevPermissionDecision>> DevCommand::decision() {
             co_return DevPermissionDecision::allowSession();
         if (choice == u'3')
             co_return DevPermissionDecision::deny();
-        if (choice != u'4')
+        if (choice != u'4') {
+            keep(*typed);
             continue;
+        }
         const auto reason = co_await m_input.line(u"为什么："_s);
-        if (reason && !reason->trimmed().isEmpty())
-            co_return DevPermissionDecision::deny(reason->trimmed());
+        if (!reason || reason->trimmed().isEmpty())
+            continue;
+        if (m_line.engine == DevEngineKind::codex && stillAsked())
+            m_output.note(u"理由会和你的下一句话一起告诉 Codex。"_s);
+        co_return DevPermissionDecision::deny(reason->trimmed());
     }
     co_return std::nullopt;
 }

@@ -36,6 +36,9 @@ QString quoted(const QString &text) {
     QStringList lines = text.split(u'\n');
     if (lines.last().isEmpty())
         lines.removeLast();
+    // How a command ended stands right behind what it printed.
+    if (lines.size() > 1 && lines.last().startsWith(u"[exit ") && lines[lines.size() - 2].isEmpty())
+        lines.removeAt(lines.size() - 2);
     const auto left = lines.size() - maxLines;
     if (left > 0)
         lines = lines.first(maxLines) << u"…（还有 %1 行）"_s.arg(left);
@@ -187,11 +190,11 @@ void DevOutput::show(const FileChanged &changed) {
     note(verb + u' ' + oneLine(changed.path) + lines);
 }
 
-void DevOutput::question(const DevPermissionRequest &request) {
+void DevOutput::question(const DevPermissionRequest &request, bool forChoosing) {
     if (m_jsonl)
         return;
     endReply();
-    m_console.card(DevQuestionText::of(request, name(m_engine)));
+    m_console.card(DevQuestionText::of(request, name(m_engine), forChoosing));
 }
 
 void DevOutput::show(const TurnCompleted &completed) {

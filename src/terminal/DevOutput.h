@@ -24,7 +24,8 @@ public:
     /// For people only; programs see it in the events.
     void note(const QString &text);
     /// A permission question, when it is its turn to be asked; programs have it as an event.
-    void question(const DevPermissionRequest &request);
+    /// @param forChoosing somebody may answer it
+    void question(const DevPermissionRequest &request, bool forChoosing);
 
     /// The agent's name.
     static QString name(DevEngineKind engine);

@@ -155,7 +155,7 @@ QString sessionNote(const QString &tool, const std::optional<QString> &command) 
 
 } // namespace
 
-QString DevQuestionText::of(const DevPermissionRequest &request, const QString &engine) {
+QString DevQuestionText::of(const DevPermissionRequest &request, const QString &engine, bool forChoosing) {
     auto input = Json::decode<Input>(request.input.toUtf8());
     const auto command = input ? input->command : std::nullopt;
     QStringList lines = input ? body(*input) : QStringList();
@@ -177,7 +177,7 @@ QString DevQuestionText::of(const DevPermissionRequest &request, const QString &
         }
     }
     return u"%1 想用 %2，要你同意：\n"_s.arg(engine, visible(inset(request.tool))) + visible(lines.join(u'\n')) +
-           sessionNote(request.tool, command);
+           (forChoosing ? sessionNote(request.tool, command) : QString());
 }
 
 QString DevQuestionText::visible(const QString &text) {

@@ -11,7 +11,8 @@ namespace lmp {
 class DevQuestionText {
 public:
     /// @param engine the agent's name
-    static QString of(const DevPermissionRequest &request, const QString &engine);
+    /// @param forChoosing somebody may answer, and is told what the answers mean
+    static QString of(const DevPermissionRequest &request, const QString &engine, bool forChoosing = true);
 
     /// `text` with everything visible that a terminal would act on or swallow, so that what is shown is what is asked
     /// for: control characters as their pictures, those that format or show nothing by their numbers.

@@ -8,30 +8,39 @@
 
 namespace lmp {
 
-StandardInput::StandardInput(const Console &console)
-    : m_isTerminal(console.inputIsTerminal())
+StandardInput::StandardInput(Console &console)
+    : m_console(console)
     , m_pipe(STDIN_FILENO, QSocketNotifier::Read) {
     m_pipe.setEnabled(false);
     connect(&m_pipe, &QSocketNotifier::activated, this, &StandardInput::onReadable);
-    if (!m_isTerminal)
+    if (!console.inputIsTerminal())
         return;
     m_editor = std::make_unique<LineReader>();
+    m_console.setPrompt(m_editor.get());
     connect(m_editor.get(), &LineReader::line, this, &StandardInput::answer);
 }
 
-QCoro::Task<std::optional<QString>> StandardInput::line(QString prompt) {
+StandardInput::~StandardInput() {
+    m_console.setPrompt(nullptr);
+}
+
+QCoro::Task<std::optional<QString>> StandardInput::line(QString prompt, QString typed) {
     if (m_waiting)
         cancel();
-    if (m_editor)
-        m_editor->prompt(prompt);
+    if (m_editor) {
+        m_console.endLine();
+        m_editor->prompt(prompt, typed);
+    }
     return wait();
 }
 
 QCoro::Task<std::optional<QString>> StandardInput::secret(QString prompt) {
     if (m_waiting)
         cancel();
-    if (m_editor)
+    if (m_editor) {
+        m_console.endLine();
         m_editor->promptSecret(prompt);
+    }
     return wait();
 }
 
@@ -49,10 +58,22 @@ QCoro::Task<std::optional<QString>> StandardInput::wait() {
     co_return co_await coming;
 }
 
-void StandardInput::cancel() {
-    if (m_editor)
-        m_editor->cancel();
+QString StandardInput::cancel() {
+    if (m_editor && m_editor->isPrompting())
+        m_console.endLine();
+    const QString typed = m_editor ? m_editor->cancel() : QString();
     answer(std::nullopt);
+    return typed;
+}
+
+QString StandardInput::takeAway() {
+    const QString typed = m_editor ? m_editor->takeAway() : QString();
+    answer(std::nullopt);
+    return typed;
+}
+
+QString StandardInput::takeTypedAhead() {
+    return m_editor ? m_editor->takeTypedAhead() : QString();
 }
 
 void StandardInput::onReadable() {

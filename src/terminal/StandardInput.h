@@ -29,17 +29,25 @@ public:
         NotText  ///< the answer has signs in place of what is no UTF-8
     };
 
-    explicit StandardInput(const Console &console);
+    /// @param console outlives it, and makes room for what is written while a line is typed
+    explicit StandardInput(Console &console);
+    ~StandardInput() override;
 
     /// The next line without its end; none at the end of input, or after `cancel`.
-    QCoro::Task<std::optional<QString>> line(QString prompt);
+    /// @param typed stands there already on a terminal, to be gone on with
+    QCoro::Task<std::optional<QString>> line(QString prompt, QString typed = {});
     /// The same, without echo and without history.
     QCoro::Task<std::optional<QString>> secret(QString prompt);
     /// Everything up to the end of input; none when it is too long.
     QCoro::Task<std::optional<QString>> everything();
 
-    /// Ends the wait under way, if any, without an answer.
-    void cancel();
+    /// Ends the wait under way, if any, without an answer; what was typed stays on the screen.
+    /// @return what that was
+    QString cancel();
+    /// The same, and the line goes from the screen: something else needs its place.
+    QString takeAway();
+    /// What was typed on a terminal while nothing was asked, and would be taken for the next answer; on one line.
+    QString takeTypedAhead();
     Trouble trouble() const { return m_trouble; }
     bool isWaiting() const { return m_waiting.has_value(); }
 
@@ -52,7 +60,7 @@ private:
     void answerWith(QByteArray bytes);
     void answer(std::optional<QString> text);
 
-    bool m_isTerminal;
+    Console &m_console;
     std::unique_ptr<LineReader> m_editor; ///< on a terminal only
     QSocketNotifier m_pipe;
     QByteArray m_buffer;

@@ -120,8 +120,8 @@ class Session:
         raise Failure("no tool", processes(self.mark))
 
     def exit_code(self):
-        while self.lines.get(timeout=TIMEOUT) is not None:
-            pass
+        while (line := self.lines.get(timeout=TIMEOUT)) is not None:
+            self.events.append(json.loads(line))
         return self.process.wait(TIMEOUT)
 
     def nothing_left(self):
@@ -371,6 +371,19 @@ def exit_codes(engine, repo):
     check(code("--allow", "once", run(engine, "touch yes.txt")) == 0 and exists(repo, "yes.txt"), "--allow once")
 
 
+def two_at_once(engine, repo):
+    """What is said during a turn is heard, though the input ends before it is; also as the turn ends."""
+    for pieces in (1, 12, 13, 14, 15) if engine == "codex" else (0,):
+        session = Session(engine, repo)
+        session.send("SLOW: 15 0.05")
+        session.until("sessionStarted")
+        for _ in range(pieces):
+            session.until("assistantDelta")
+        session.send("After")
+        session.close()
+        check("Echo: After" in said(session.events), pieces, session.events[-5:])
+
+
 def nonsense(engine, repo):
     session = Session(engine, repo)
     for line in ("not json", "{}", '{"send": 1}', '{"respond": {"requestId": "x", "decision": "maybe"}}', '{"stop": false}'):
@@ -383,7 +396,7 @@ def nonsense(engine, repo):
 
 
 FLOWS = (plain, allow, deny, allow_session, interrupt_streaming, interrupt_asked, error_turn, resume, death, files,
-         read_only, full, stop, killed, exit_codes, nonsense)
+         read_only, full, stop, killed, exit_codes, two_at_once, nonsense)
 
 
 def main():

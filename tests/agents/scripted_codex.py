@@ -16,11 +16,13 @@ ASK = "item/commandExecution/requestApproval"
 
 
 running = False
+turns = 0  # so far
+crosses = False  # the turn that runs ends before it hears what is said next
 
 
 def begin(text):
     """What a turn does at once: its words decide."""
-    global running
+    global running, crosses
     running = True
     if "die" in text:
         sys.exit(3)
@@ -31,6 +33,16 @@ def begin(text):
     elif "late" in text:
         finish("hello")
         on_word(ask)
+    elif "tell" in text:
+        finish("hello")
+        on_word(tell)
+    elif "cross" in text:
+        crosses = True
+        say(method="item/agentMessage/delta", params={"itemId": "m", "delta": "thinking"})
+    elif "linger" in text:
+        on_word(lambda: finish("at last"))
+    elif "shout" in text:
+        finish(text.upper())
     elif "moan" in text:
         finish("hello")
         say(method="error", params={"error": {"message": "alas"}, "willRetry": False})
@@ -58,6 +70,12 @@ def ask():
     say(id=0, method=ASK, params={"itemId": "c", "command": COMMAND, "reason": "because"})
 
 
+def tell():
+    for piece in ("late ", "wor", "ds"):
+        say(method="item/agentMessage/delta", params={"itemId": "late", "delta": piece})
+    say(method="item/completed", params={"item": {"type": "agentMessage", "id": "late", "text": "late words"}})
+
+
 def change_mind():
     say(method="serverRequest/resolved", params={"threadId": "thread", "requestId": 0})
     finish("never mind")
@@ -81,7 +99,17 @@ def finish(words, status="completed"):
         say(method="item/completed", params={"item": {"type": "agentMessage", "id": "m", "text": words}})
     if running:
         running = False
-        say(method="turn/completed", params={"turn": {"id": "turn", "status": status}})
+        say(method="turn/completed", params={"turn": {"id": f"turn {turns}", "status": status}})
+
+
+def start_turn(number, text):
+    global turns, crosses
+    if crosses:
+        crosses = False
+        finish("hello")
+    turns += 0 if running else 1
+    say(id=number, result={"turn": {"id": f"turn {turns}"}})
+    begin(text)
 
 
 def main():
@@ -102,8 +130,7 @@ def main():
         elif method == "turn/start" and "refuse" in message["params"]["input"][0]["text"]:
             say(id=number, error={"code": -32600, "message": "not now"})
         elif method == "turn/start":
-            say(id=number, result={"turn": {"id": "turn"}})
-            begin(message["params"]["input"][0]["text"])
+            start_turn(number, message["params"]["input"][0]["text"])
         elif method == "turn/interrupt":
             say(id=number, result={})
             finish(None, "interrupted")

@@ -2,13 +2,15 @@
 """Runs a command with both coding agents on its PATH and a scripted model behind each.
 
 usage: with_agents.py DIR [--scenario FILE] [--log FILE] [--codex-login] -- COMMAND [ARGUMENT...]
-DIR is what setup.sh filled. The exit status is the command's.
+DIR is what setup.sh filled. The agents have a home of their own in it that goes with the command, so that several may
+run at the same time. The exit status is the command's.
 """
 
 import argparse
 import os
 import subprocess
 import sys
+import tempfile
 import threading
 
 from fake_anthropic import Anthropic
@@ -34,9 +36,8 @@ enabled = false
 """
 
 
-def environment(directory, anthropic_url):
+def environment(directory, home, anthropic_url):
     env = {key: value for key, value in os.environ.items() if not key.upper().startswith(FOREIGN)}
-    home = os.path.join(directory, "home")
     env.update(
         HOME=home,
         CODEX_HOME=os.path.join(home, ".codex"),
@@ -80,11 +81,15 @@ def main():
         threading.Thread(target=server.serve_forever, daemon=True).start()
         urls.append(f"http://127.0.0.1:{server.server_port}")
     directory = os.path.abspath(args.directory)
-    env = environment(directory, urls[0])
     auth = "requires_openai_auth = true" if args.codex_login else 'env_key = "SCRIPTED_MODEL_KEY"'
-    with open(os.path.join(env["CODEX_HOME"], "config.toml"), "w", encoding="utf-8") as file:
-        file.write(CODEX_CONFIG.format(url=urls[1], auth=auth))
-    sys.exit(subprocess.run(command, env=env, check=False).returncode)
+    with tempfile.TemporaryDirectory(dir=directory, prefix="home-", ignore_cleanup_errors=True) as home:
+        env = environment(directory, home, urls[0])
+        for folder in (env["CODEX_HOME"], env["TMPDIR"]):
+            os.mkdir(folder)
+        with open(os.path.join(env["CODEX_HOME"], "config.toml"), "w", encoding="utf-8") as file:
+            file.write(CODEX_CONFIG.format(url=urls[1], auth=auth))
+        code = subprocess.run(command, env=env, check=False).returncode
+    sys.exit(code)
 
 
 if __name__ == "__main__":

@@ -29,6 +29,8 @@ public:
                  {u"pager.log"_s, trap},
                  {u"diff.external"_s, trap},
                  {u"diff.trap.textconv"_s, trap},
+                 {u"filter.a=b.clean"_s, trap},
+                 {u"filter.a=b.required"_s, u"true"_s},
                  {u"diff.noprefix"_s, u"true"_s},
                  {u"diff.mnemonicPrefix"_s, u"true"_s},
                  {u"core.fsmonitor"_s, trap},
@@ -42,7 +44,7 @@ public:
                  {u"status.showUntrackedFiles"_s, u"no"_s},
              })
             git({u"config"_s, key, value});
-        put(u".gitattributes"_s, "*.txt diff=trap\n");
+        put(u".gitattributes"_s, "*.txt diff=trap filter=a=b\n");
         for (const char *hook : {"post-index-change", "fsmonitor-watchman"})
             QFile::copy(trap, path(u"repo/.git/hooks/"_s + QLatin1StringView(hook)));
     }
@@ -154,6 +156,9 @@ TEST(DevGit, MakesWorktrees) {
     EXPECT_EQ(await(git.newWorktree({})).error(), u"名字不能为空"_s);
     const auto made = await(git.newWorktree(u"my fix/1"_s)).value().text;
     EXPECT_EQ(made, repository.root() + u".wt-my-fix-1"_s);
+    repository.put(u"sub/inner"_s, "x");
+    EXPECT_EQ(await(DevGit(repository.root() + u"/sub"_s).newWorktree(u"x"_s)).value().text,
+              repository.root() + u".wt-x"_s);
     EXPECT_EQ(await(DevGit(made).status()).value().branch, u"claude/my-fix-1"_s);
     EXPECT_FALSE(await(git.newWorktree(u"my fix/1"_s)));
 }

@@ -279,7 +279,7 @@ TEST(DevProcess, SaysThatItsGuardianWasKilled) {
     ::kill(static_cast<pid_t>(pids[0]), SIGKILL);
     EXPECT_EQ(await(child->exited()), (DevProcess::Exit{.signal = SIGKILL, .unwatched = true}));
     EXPECT_TRUE(eventually([&] { return running(pids.first(3)) == 0; }));
-    ::kill(static_cast<pid_t>(pids[3]), SIGKILL); // who got away
+    ::kill(-static_cast<pid_t>(pids[3]), SIGKILL); // who got away, and what it waits for
     EXPECT_TRUE(eventually([&] { return running(pids) == 0 && scripts.registry.liveCount() == 0; }));
 }
 

@@ -226,14 +226,33 @@ TEST_F(DevCommandTest, QuestionsThatComeLateOrGo) {
     ASSERT_TRUE(terminal.shows(u"你："_s));
     for (const bool answers : {true, false}) {
         terminal.type("late\n");
+        ASSERT_TRUE(terminal.shows(u"hello"_s));
         ASSERT_TRUE(terminal.shows(u"你："_s));
-        // The question takes the place of the prompt, which comes back.
+        terminal.type("shout dra");
+        ASSERT_TRUE(terminal.shows(u"shout dra"_s));
+        // The question takes the place of the prompt, which comes back with what was typed.
         ASSERT_TRUE(giveWord());
         ASSERT_TRUE(terminal.shows(u"4 拒绝并说明："_s));
         terminal.type(answers ? "1\n" : "\x03");
-        // The prompt may stand there before or after this.
+        // The prompt may stand there before this; it does after it.
         ASSERT_TRUE(terminal.shows(answers ? u"told: accept"_s : u"told: decline"_s));
+        ASSERT_TRUE(terminal.shows(u"你：shout dra"_s));
+        terminal.type("ft\n");
+        ASSERT_TRUE(terminal.shows(u"SHOUT DRAFT"_s));
+        ASSERT_TRUE(terminal.shows(u"你："_s));
     }
+    terminal.type("tell\n");
+    ASSERT_TRUE(terminal.shows(u"hello"_s));
+    ASSERT_TRUE(terminal.shows(u"你："_s));
+    terminal.type("shout 中文");
+    ASSERT_TRUE(terminal.shows(u"shout 中文"_s));
+    ASSERT_TRUE(giveWord());
+    // In one piece, where the prompt stood.
+    ASSERT_TRUE(terminal.shows(u"\r\x1b[Jlate words\r\n"_s));
+    ASSERT_TRUE(terminal.shows(u"你：shout 中文"_s));
+    terminal.type("!\n");
+    ASSERT_TRUE(terminal.shows(u"SHOUT 中文!"_s));
+    ASSERT_TRUE(terminal.shows(u"你："_s));
     terminal.type("change\n");
     ASSERT_TRUE(terminal.shows(u"4 拒绝并说明："_s));
     ASSERT_TRUE(giveWord());
@@ -242,6 +261,24 @@ TEST_F(DevCommandTest, QuestionsThatComeLateOrGo) {
     ASSERT_TRUE(terminal.shows(u"你："_s));
     terminal.type("\x04");
     EXPECT_EQ(code(program), 0);
+}
+
+/// What is said as a turn ends begins another one, which is waited for.
+TEST_F(DevCommandTest, ATurnThatEndsAsItIsJoined) {
+    QProcess program;
+    QByteArray out;
+    const auto says = [&](const QByteArray &text) {
+        return eventually([&] { return (out += program.readAllStandardOutput()).contains(text); }, 30'000);
+    };
+    start(program, {u"--jsonl"_s});
+    program.write("{\"send\":\"cross\"}\n");
+    ASSERT_TRUE(says("thinking"));
+    program.write("{\"send\":\"linger\"}\n");
+    program.closeWriteChannel();
+    ASSERT_TRUE(says("turnCompleted"));
+    ASSERT_TRUE(giveWord());
+    EXPECT_EQ(code(program), 0);
+    EXPECT_THAT((out + program.readAllStandardOutput()).toStdString(), HasSubstr("at last"));
 }
 
 TEST_F(DevCommandTest, AnAnswerToAQuestionThatIsGone) {

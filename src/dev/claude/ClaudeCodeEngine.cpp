@@ -20,13 +20,13 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Session>> ClaudeCodeEngine::onStart(St
     co_return m_events.session();
 }
 
-QCoro::Task<DevEngine::Outcome<DevEngine::Done>> ClaudeCodeEngine::onSend(QString text) {
+QCoro::Task<DevEngine::Outcome<DevEngine::Sent>> ClaudeCodeEngine::onSend(QString text) {
     if (!m_process || !m_process->isRunning())
         co_return std::unexpected(DevEngineError::server(u"Claude 进程没在跑"_s));
     m_conversation.send(text);
     if (!flush())
         co_return std::unexpected(DevEngineError::server(u"Claude 不再读输入了，没有发出"_s));
-    co_return Done();
+    co_return Sent();
 }
 
 bool ClaudeCodeEngine::onRespond(const QString &requestId, const DevPermissionDecision &decision) {

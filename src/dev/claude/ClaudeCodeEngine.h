@@ -20,7 +20,7 @@ public:
 
 protected:
     QCoro::Task<Outcome<Session>> onStart(Start request) override;
-    QCoro::Task<Outcome<Done>> onSend(QString text) override;
+    QCoro::Task<Outcome<Sent>> onSend(QString text) override;
     bool onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
     void onSetMode(DevMode mode) override;
     void onInterrupt() override;

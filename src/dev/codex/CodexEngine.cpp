@@ -104,7 +104,7 @@ void CodexEngine::noteThread(const JsonRpcConnection::Reply &reply) {
     m_events.tell(Notice{u"Codex 线程已建：模型 "_s + m_model.value_or(u"未知"_s)});
 }
 
-QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::onSend(QString text) {
+QCoro::Task<DevEngine::Outcome<DevEngine::Sent>> CodexEngine::onSend(QString text) {
     if (!m_threadId)
         co_return std::unexpected(DevEngineError::server(u"线程还没建好"_s));
     const auto denied = std::exchange(m_pendingDenyReason, std::nullopt);
@@ -117,6 +117,7 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::onSend(QString tex
         m_errorShown = false;
         // Nothing of the last turn is under way any more, so the same id would be a new turn's.
         m_lastTurnId.reset();
+        m_sentTurnId.reset();
     }
     const StartTurn turn{.threadId = *m_threadId, .input = {{.text = text}}};
     const auto reply = co_await m_rpc->request(u"turn/start"_s, turn, m_limits.turn);
@@ -127,17 +128,22 @@ QCoro::Task<DevEngine::Outcome<DevEngine::Done>> CodexEngine::onSend(QString tex
             m_pendingDenyReason = denied;
         co_return std::unexpected(DevEngineError::server(reply.error));
     }
-    if (const auto answer = answerOf<TurnAnswer>(reply))
-        noteTurn(answer->turn.id);
-    co_return Done();
+    const auto answer = answerOf<TurnAnswer>(reply);
+    if (!answer || !answer->turn.id)
+        co_return Sent{.joined = joins};
+    noteTurn(answer->turn.id);
+    // The turn may have ended while this was on its way, and then Codex has begun another one.
+    const auto before = std::exchange(m_sentTurnId, answer->turn.id);
+    co_return Sent{.joined = before == m_sentTurnId};
 }
 
 void CodexEngine::noteTurn(const std::optional<QString> &turnId) {
     // The news of a turn's beginning may come after those of its end.
     if (!turnId || turnId == m_lastTurnId || turnId == m_turnId)
         return;
+    if (!std::exchange(m_running, true))
+        m_turnStartedAt = std::chrono::steady_clock::now();
     m_turnId = turnId;
-    m_running = true;
     m_errorShown = false;
     if (std::exchange(m_interruptWanted, false))
         m_executor.spawn(interruptTurn(), "CodexEngine::interruptTurn");

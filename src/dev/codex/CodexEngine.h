@@ -31,7 +31,7 @@ public:
 
 protected:
     QCoro::Task<Outcome<Session>> onStart(Start request) override;
-    QCoro::Task<Outcome<Done>> onSend(QString text) override;
+    QCoro::Task<Outcome<Sent>> onSend(QString text) override;
     bool onRespond(const QString &requestId, const DevPermissionDecision &decision) override;
     void onSetMode(DevMode mode) override;
     void onInterrupt() override;
@@ -84,6 +84,7 @@ private:
     std::optional<QString> m_threadId;
     std::optional<QString> m_turnId;     ///< of the turn that runs, once it is known
     std::optional<QString> m_lastTurnId; ///< of the turn that ended last
+    std::optional<QString> m_sentTurnId; ///< of the turn that took the words that were sent last
     std::optional<QString> m_pendingDenyReason;
     std::optional<codex_message::TokenTotal> m_lastUsage;
     std::chrono::steady_clock::time_point m_turnStartedAt;

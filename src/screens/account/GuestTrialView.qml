@@ -15,7 +15,7 @@ LMPPage {
 
     Component.onCompleted: {
         root.guest.start();
-        composer.forceActiveFocus();
+        composer.focusText();
     }
     subtitle: root.guest.roundsText
     title: "试聊"
@@ -132,7 +132,7 @@ LMPPage {
             onEdited: root.guest.input = composer.text
             onEnabledChanged: {
                 if (composer.enabled)
-                    composer.forceActiveFocus();
+                    composer.focusText();
             }
             onSubmitted: root.guest.send()
         }

@@ -90,9 +90,10 @@ CenteredPane {
     }
 
     CrisisEntry {
+        anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
         resources: root.resources
         visible: root.shown
-        width: parent.width
+        width: parent ? (root.session.verificationFailed ? parent.width : Math.min(parent.width, Theme.dp(272))) : 0
         onClicked: root.crisisRequested()
     }
 

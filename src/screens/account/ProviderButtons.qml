@@ -15,7 +15,7 @@ Column {
         if (!root.waited || root.waiting || !google.visible || !google.enabled)
             return;
         root.waited = false;
-        google.forceActiveFocus();
+        google.forceActiveFocus(cancel.focusReason);
     }
 
     spacing: Theme.space12
@@ -69,7 +69,7 @@ Column {
         onClicked: root.signIn.cancelProvider()
         onVisibleChanged: {
             if (cancel.visible)
-                cancel.forceActiveFocus();
+                cancel.forceActiveFocus(google.focusReason);
         }
     }
 }

@@ -98,6 +98,10 @@ QString ChatModel::incognitoText() const {
     return ConversationTexts::incognitoBanner();
 }
 
+bool ChatModel::losesIncognito() const {
+    return isOpen() && incognito() && (m_messages.rowCount() > 0 || !input().trimmed().isEmpty());
+}
+
 void ChatModel::begin(bool incognito) {
     const auto *open = m_session.belongsToCurrentAccount() ? m_session.conversation() : nullptr;
     if (open && open->messages.isEmpty() && !m_session.known() && m_session.incognito() == incognito)

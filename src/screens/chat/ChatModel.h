@@ -84,6 +84,8 @@ public:
     const QString &loadError() const { return m_loadError; }
     bool incognito() const { return m_session.incognito(); }
     QString incognitoText() const;
+    /// Whether leaving what is open puts away words that nobody keeps: ask first.
+    Q_INVOKABLE bool losesIncognito() const;
     bool conflicted() const { return m_session.conflicted(); }
     bool blocked() const { return m_session.conflicted() || m_session.draftChangedElsewhere(); }
     bool localOnly() const { return m_session.unsaved() && !m_session.isSaving() && isIdle(); }

@@ -16,7 +16,7 @@ FocusScope {
 
     /// Puts the caret into the input box.
     function focusInput(): void {
-        composer.forceActiveFocus();
+        composer.focusText();
     }
     function beginExtraction(): void {
         extraction.open();
@@ -37,10 +37,14 @@ FocusScope {
     /// Begins a conversation of the other kind. What nobody keeps is asked for before it goes.
     function switchIncognito(incognito: bool): void {
         options.close();
-        if (root.chat.incognito && transcript.count > 0)
+        if (root.chat.losesIncognito())
             leaving.open();
         else
-            root.chat.begin(incognito);
+            root.beginAnew(incognito);
+    }
+    function beginAnew(incognito: bool): void {
+        root.chat.begin(incognito);
+        root.focusInput();
     }
 
     LMPPage {
@@ -264,7 +268,7 @@ FocusScope {
 
         onChosen: index => {
             if (index === 0)
-                root.chat.begin(false);
+                root.beginAnew(false);
         }
     }
     LMPDialog {

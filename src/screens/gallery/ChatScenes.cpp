@@ -321,7 +321,7 @@ QList<GalleryScene> ChatScenes::finding() {
                         [&stage] { return stage.visibleItem(u"WindowExtras"_s) != nullptr; });
             stage.until(u"the open conversation in the index"_s, [search] { return search().coverage().total > 0; });
             stage.then([&stage] { stage.scene().commands()->run(AppCommands::Command::FindEverywhere); });
-            stage.then([&stage, query] { stage.scene().search()->setQuery(query); });
+            stage.type(query);
             stage.until(u"an answer"_s,
                         [&stage, query] { return query.isEmpty() || !stage.scene().search()->statusText().isEmpty(); });
         });

@@ -3,6 +3,7 @@
 #include "screens/shell/WindowApplication.h"
 #include "screens/shell/WindowScene.h"
 
+#include <QInputMethodEvent>
 #include <QQmlComponent>
 #include <QQuickItem>
 
@@ -100,6 +101,18 @@ void GalleryStage::then(std::function<void()> act) {
 
 void GalleryStage::until(const QString &what, std::function<bool()> reached) {
     m_steps.push_back({.what = what, .done = std::move(reached)});
+}
+
+void GalleryStage::type(const QString &text) {
+    until(u"a field with the keyboard"_s, [this] {
+        const QQuickItem *taker = window() ? window()->activeFocusItem() : nullptr;
+        return taker && taker->flags() & QQuickItem::ItemAcceptsInputMethod;
+    });
+    then([this, text] {
+        QInputMethodEvent event;
+        event.setCommitString(text);
+        QCoreApplication::sendEvent(window()->activeFocusItem(), &event);
+    });
 }
 
 QQuickWindow *GalleryStage::window() const {

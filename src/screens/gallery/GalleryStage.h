@@ -54,6 +54,8 @@ public:
     void then(std::function<void()> act);
     /// Waits until `reached`. @param what for the person who reads that it never was
     void until(const QString &what, std::function<bool()> reached);
+    /// Types `text` where the keyboard is, once it is in a field.
+    void type(const QString &text);
 
     /// The window; null before one is shown.
     QQuickWindow *window() const;

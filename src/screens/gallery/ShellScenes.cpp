@@ -62,7 +62,7 @@ void switcher(GalleryStage &stage, const QString &query) {
     stage.then([&stage] { stage.scene().commands()->run(AppCommands::Command::Switcher); });
     if (query.isEmpty())
         return;
-    stage.then([&stage, query] { stage.scene().switcher()->setQuery(query); });
+    stage.type(query);
     stage.until(u"what matches"_s, [&stage] { return stage.scene().switcher()->count() > 0; });
 }
 

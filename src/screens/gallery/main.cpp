@@ -80,6 +80,7 @@ int main(int argc, char **argv) {
     int noArguments = 1;
     const QGuiApplication app(noArguments, argv);
     QGuiApplication::setApplicationName(u"lumenpair"_s);
+    QGuiApplication::setApplicationVersion(QStringLiteral(LMP_VERSION));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::styleHints()->setCursorFlashTime(0);
     lmp::GalleryRun run(folder, scenes, looks.isEmpty() ? lmp::GalleryRun::everyLook() : looks);

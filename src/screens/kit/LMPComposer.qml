@@ -35,6 +35,11 @@ FocusScope {
         field.clear();
     }
 
+    /// Puts the caret into the text, whatever in here had the keyboard last.
+    function focusText(): void {
+        field.forceActiveFocus();
+    }
+
     function submit(): void {
         if (root.ready && !field.inputMethodComposing)
             root.submitted(field.text);

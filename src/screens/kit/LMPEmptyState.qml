@@ -12,6 +12,11 @@ Column {
 
     signal action
 
+    /// For a page where there is nothing else to do.
+    function focusAction(): void {
+        button.forceActiveFocus(Qt.TabFocusReason);
+    }
+
     Accessible.name: root.text
     Accessible.role: Accessible.StaticText
     spacing: Theme.space12
@@ -34,6 +39,8 @@ Column {
     }
 
     LMPButton {
+        id: button
+
         anchors.horizontalCenter: parent.horizontalCenter
         kind: root.actionKind
         text: root.actionText

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import "inputKeys.js" as InputKeys
 
 /// What sheets and dialogs share: the middle of the window, a veil over the rest, and the keyboard kept inside while it
 /// is open and given back where it was when it closes. Esc is only reported (`escaped`): what it does is for the kind.
@@ -11,6 +12,8 @@ T.Popup {
     property string accessibleName
     /// What had the keyboard before, or asked for it since; null when it went away in the meantime.
     property Item before: null
+    /// How it came there: who goes by keys must see where the keyboard is afterwards, too.
+    property int beforeReason: Qt.PopupFocusReason
     /// From when it is asked to open until it is asked to close.
     property bool held: false
     /// Gets the keys that nothing else took, so that long words can be read with the keyboard on a button.
@@ -19,6 +22,23 @@ T.Popup {
     readonly property real windowWidth: root.parent ? root.parent.width : 0
 
     signal escaped
+
+    function remember(item: Item): void {
+        root.before = item;
+        root.beforeReason = InputKeys.reasonOf(item);
+    }
+
+    /// Whether a screen behind was given the keyboard while this was on its way out.
+    function outrun(): bool {
+        const taker = root.parent ? root.parent.Window.activeFocusItem : null;
+        if (!taker || taker === root.parent.Window.contentItem)
+            return false;
+        for (let item = taker; item; item = item.parent) {
+            if (item === root.parent)
+                return false;
+        }
+        return true;
+    }
 
     /// Takes the keyboard back from what is behind: a screen that comes up there may ask for it.
     function keepKeyboard(): void {
@@ -29,7 +49,7 @@ T.Popup {
         }
         if (!taker)
             return;
-        root.before = taker;
+        root.remember(taker);
         root.forceActiveFocus(Qt.PopupFocusReason);
     }
 
@@ -84,11 +104,11 @@ T.Popup {
     onAboutToHide: root.held = false
     onAboutToShow: {
         root.held = true;
-        root.before = root.parent ? root.parent.Window.activeFocusItem : null;
+        root.remember(root.parent ? root.parent.Window.activeFocusItem : null);
     }
     onClosed: {
-        if (root.before)
-            root.before.forceActiveFocus(Qt.PopupFocusReason);
+        if (root.before && !root.outrun())
+            root.before.forceActiveFocus(root.beforeReason);
         root.before = null;
     }
 }

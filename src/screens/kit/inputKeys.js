@@ -50,6 +50,11 @@ function cameByKey(reason) {
     return reason === Qt.TabFocusReason || reason === Qt.BacktabFocusReason || reason === Qt.ShortcutFocusReason;
 }
 
+// How the keyboard came to an item: to give it back in the same way. Only controls and their texts know.
+function reasonOf(item) {
+    return item && item.focusReason !== undefined ? item.focusReason : Qt.PopupFocusReason;
+}
+
 // Who finds a text in a field goes on at its end. The editor starts at the beginning of a text that it was given, which
 // unlike one that was typed cannot be undone.
 function goOnAtEnd(editor) {

@@ -36,7 +36,11 @@ WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanosec
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::endSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
-    connect(&m_quitting, &MacQuitCoordinator::raiseRequested, this, [this] { raise(); });
+    connect(&m_quitting, &MacQuitCoordinator::raiseRequested, this, [this] {
+        // The person asked in the window in front, and the question may stand in another one.
+        ask();
+        raise();
+    });
     connect(&m_quitting, &MacQuitCoordinator::terminationAllowed, this, [this] { detach(leave(), "leaving"); });
 }
 
@@ -156,8 +160,7 @@ void WindowApplication::quit(QSet<WindowScene *> asked) {
         if (asked.contains(shown.scene.get()) || !shown.scene->losesIncognito())
             continue;
         asked.insert(shown.scene.get());
-        shown.window->raise();
-        shown.window->requestActivate();
+        bringUp(*shown.window);
         shown.scene->askToLeave(WindowScene::Leaving::Program, [this, asked] { quit(asked); });
         return;
     }
@@ -197,6 +200,8 @@ void WindowApplication::close(WindowScene *scene) {
     scene->disconnect(this);
     shown->scene.release()->deleteLater();
     m_windows.erase(shown);
+    // A question must not go with the window that it stood in: nobody could answer it any more.
+    ask();
 }
 
 QCoro::Task<> WindowApplication::leave() {
@@ -245,10 +250,14 @@ void WindowApplication::raise(const QString &activationToken) {
     // Where the desktop lets no program push itself forward, the token says that the person asked for it.
     if (!activationToken.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
-    if (shown->window->visibility() == QWindow::Minimized)
-        shown->window->showNormal();
-    shown->window->raise();
-    shown->window->requestActivate();
+    bringUp(*shown->window);
+}
+
+void WindowApplication::bringUp(QQuickWindow &window) {
+    if (window.visibility() == QWindow::Minimized)
+        window.showNormal();
+    window.raise();
+    window.requestActivate();
 }
 
 void WindowApplication::openLink(const QString &link) {

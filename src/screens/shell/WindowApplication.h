@@ -70,6 +70,7 @@ private:
     /// Picks the window that the program's questions are asked in: one of them.
     void ask();
     void raise(const QString &activationToken = {});
+    static void bringUp(QQuickWindow &window);
     const Shown *front() const;
     void openLink(const QString &link);
     static Application::Options options(const WindowOptions &options, std::chrono::nanoseconds processStartAt);

@@ -150,8 +150,7 @@ void WindowScene::replaceConversation(std::function<void()> how) {
 }
 
 bool WindowScene::losesIncognito() const {
-    return m_chat && m_chat->isOpen() && m_chat->incognito() &&
-           (m_chat->messages()->rowCount() > 0 || !m_chat->input().trimmed().isEmpty());
+    return m_chat && m_chat->losesIncognito();
 }
 
 void WindowScene::askToLeave(Leaving leaving, std::function<void()> how) {

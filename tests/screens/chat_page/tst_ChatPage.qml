@@ -120,6 +120,26 @@ Item {
             test.beginTurn("换一个", "好");
         }
 
+        function test_incognitoIsNotLeftUnasked() {
+            test.page.switchIncognito(true);
+            verify(test.page.chat.incognito);
+            test.page.chat.input = "只在这里说";
+            test.page.switchIncognito(false);
+            verify(test.page.chat.incognito, "not even where nothing was sent yet");
+            keyClick(Qt.Key_Escape);
+            compare(test.page.chat.input, "只在这里说");
+            test.page.chat.input = "";
+            test.page.switchIncognito(false);
+            verify(!test.page.chat.incognito);
+        }
+
+        function test_whoWritesGetsTheCaretWhateverHadTheKeyboard() {
+            test.button(test.page, "对话方式").forceActiveFocus(Qt.TabFocusReason);
+            test.page.focusInput();
+            keyClick(Qt.Key_A);
+            compare(test.page.composer.text, "a");
+        }
+
         function test_inputIsHeldWhileAReplyComes() {
             test.beginTurn("第一句", "嗯");
             test.type("第二句");

@@ -98,7 +98,7 @@ TestCase {
     function test_compositionHasItsKeys() {
         composer.busy = true;
         composer.text = "一二";
-        keyClick(Qt.Key_Right);
+        keyClick(Qt.Key_Left);
         Probe.compose("nihao", "");
         verify(composer.inputMethodComposing);
         for (const key of [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Escape, Qt.Key_Tab, Qt.Key_Backtab, Qt.Key_Left, Qt.Key_Right, Qt.Key_Up, Qt.Key_Down]) {

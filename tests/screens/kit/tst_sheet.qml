@@ -18,6 +18,13 @@ TestCase {
         label: "外面"
     }
 
+    LMPButton {
+        id: opener
+
+        text: "打开"
+        x: 300
+    }
+
     LMPSheet {
         id: sheet
 
@@ -108,6 +115,35 @@ TestCase {
         tryCompare(sheet, "visible", false);
         compare(rejected.count, 1);
         verify(outside.activeFocus, "the keyboard is given back");
+    }
+
+    function test_theRingComesBackForWhoGoesByKeys_data() {
+        return [
+            {tag: "keys", reason: Qt.TabFocusReason},
+            {tag: "pointer", reason: Qt.MouseFocusReason}
+        ];
+    }
+
+    function test_theRingComesBackForWhoGoesByKeys(data) {
+        sheet.close();
+        tryCompare(sheet, "visible", false);
+        opener.forceActiveFocus(data.reason);
+        sheet.open();
+        tryCompare(sheet, "opened", true);
+        keyClick(Qt.Key_Escape);
+        tryCompare(sheet, "visible", false);
+        verify(opener.activeFocus);
+        compare(opener.visualFocus, data.reason === Qt.TabFocusReason);
+    }
+
+    function test_whoAskedMeanwhileKeepsTheKeyboard() {
+        Theme.reducedMotion = false;
+        sheet.close();
+        verify(sheet.visible, "on its way out");
+        opener.forceActiveFocus(Qt.TabFocusReason);
+        tryCompare(sheet, "visible", false);
+        Theme.reducedMotion = true;
+        verify(opener.activeFocus);
     }
 
     function test_escapeAsksBeforeTypedInputIsLost() {

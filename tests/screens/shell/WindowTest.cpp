@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
+#include <QTest>
 
 namespace lmp {
 
@@ -326,6 +327,34 @@ TEST_F(WindowTest, WindowsThatCloseTogetherEndTheProgram) {
     EXPECT_TRUE(eventually([&] { return leaving; }));
 }
 
+TEST_F(WindowTest, AQuestionDoesNotGoWithItsWindow) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    QQuickWindow *first = &window.window();
+    const WindowScene *firstScene = &window.scene();
+    window.key(Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_TRUE(eventually([&] { return &window.window() != first; }));
+    const auto full = window.program().application().localInput().add([]() -> QCoro::Task<bool> { co_return false; });
+
+    first->requestActivate();
+    ASSERT_TRUE(eventually([&] { return first->isActive(); }));
+    QTest::keyClick(first, Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_TRUE(eventually([&] { return firstScene->asking(); }));
+    // Asked in the other window, it is answered there.
+    window.window().requestActivate();
+    ASSERT_TRUE(eventually([&] { return window.window().isActive(); }));
+    window.key(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    EXPECT_FALSE(firstScene->asking());
+    // And where that one is closed by its frame, in what is left.
+    window.window().close();
+    ASSERT_TRUE(eventually([&] { return &window.window() == first; }));
+    EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    ASSERT_TRUE(window.click(u"返回应用"_s));
+    EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Idle; }));
+}
+
 TEST_F(WindowTest, WhoSignsInNextBeginsAtTheFirstTab) {
     signInBefore();
     WindowDriver window(options());
@@ -370,8 +399,9 @@ TEST_F(WindowTest, LinksGoTheSameWayColdAndWarm) {
     EXPECT_TRUE(eventually([&] { return window.scene().chat()->conversationId() == u"c_77"_s; }));
     again(u"lumenpair://object/mission/m_1"_s);
     ASSERT_TRUE(window.shows(u"打不开这一项"_s));
-    // The same place again is seen as new.
-    ASSERT_TRUE(window.click(u"回到刚才的页面"_s));
+    // The same place again is seen as new. The one thing to do there has the keyboard.
+    window.key(Qt::Key_Return);
+    ASSERT_TRUE(window.hides(u"打不开这一项"_s));
     again(u"lumenpair://object/mission/m_1"_s);
     EXPECT_TRUE(window.shows(u"打不开这一项"_s));
 }
