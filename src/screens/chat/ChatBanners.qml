@@ -20,7 +20,8 @@ Column {
         visible: root.chat.incognito
     }
     LMPBanner {
-        actionText: root.chat.conflicted ? "改用服务上的版本…" : "再试一次"
+        // Only what is not saved can be saved again.
+        actionText: root.chat.conflicted ? "改用服务上的版本…" : root.chat.localOnly ? "再试一次" : ""
         closable: true
         secondActionText: root.chat.blocked ? "另存为新对话" : ""
         text: root.chat.notice
