@@ -151,9 +151,9 @@ void KeptTexts::open(const std::optional<QString> &account, bool samePerson) {
         now.checkpoint.compare(now.input);
     }
     if (!writes.isEmpty())
-        detach(putAway(writes), "keeping what is typed");
+        detach(untilKept(keepWritten(writes)), "keeping what is typed");
     if (account)
-        detach(carried.isEmpty() ? restore() : keepNow(), "reading what was typed");
+        detach(carried.isEmpty() ? restore() : untilKept(keep()), "reading what was typed");
     const QPointer self(this);
     Q_EMIT restored();
     if (self)
@@ -299,19 +299,12 @@ QCoro::Task<> KeptTexts::keepAfterPause() {
     if (!self)
         co_return;
     m_keepWaits = false;
-    co_await keepNow();
+    co_await untilKept(keep());
 }
 
-QCoro::Task<> KeptTexts::keepNow() {
+QCoro::Task<> KeptTexts::untilKept(QCoro::Task<bool> attempt) {
     const QPointer self(this);
-    const bool kept = co_await keep();
-    if (self && !kept && !m_retryWaits)
-        detach(retry(), "keeping what is typed");
-}
-
-QCoro::Task<> KeptTexts::putAway(QList<KeptTextWrite> writes) {
-    const QPointer self(this);
-    const bool kept = co_await keepWritten(std::move(writes));
+    const bool kept = co_await attempt;
     if (self && !kept && !m_retryWaits)
         detach(retry(), "keeping what is typed");
 }
@@ -332,7 +325,7 @@ QCoro::Task<> KeptTexts::retry() {
 }
 
 void KeptTexts::keepSoon() {
-    detach(keepNow(), "keeping what is typed");
+    detach(untilKept(keep()), "keeping what is typed");
 }
 
 // From the disk

@@ -88,8 +88,8 @@ private:
     KeptText &at(const QString &id);
     KeptText *find(const std::optional<QString> &account, const QString &id);
     QCoro::Task<> keepAfterPause();
-    QCoro::Task<> keepNow();
-    QCoro::Task<> putAway(QList<KeptTextWrite> writes);
+    /// Where `attempt` does not keep all of it, it is tried again.
+    QCoro::Task<> untilKept(QCoro::Task<bool> attempt);
     QCoro::Task<> retry();
     /// @param last there is no time to learn what the disk has: what was not restored is kept beside it
     QList<KeptTextWrite> dirty(bool last = false);

@@ -52,6 +52,7 @@ QCoro::Task<DevGit::Answer<DevRun>> run(DevProcess::Command command, std::chrono
     const bool missing = ended.error().kind == DevProcess::Failure::Kind::NotFound;
     co_return std::unexpected(missing ? DevGit::missingText() : ended.error().description());
 }
+
 QCoro::Task<DevGit::Answer<DevRun>> run(QString repository, QStringList arguments, std::chrono::seconds timeout,
                                         Purpose purpose) {
     co_return co_await run(commandFor(repository, arguments, purpose), timeout);

@@ -1,5 +1,7 @@
 #include "dev/DevShellText.h"
 
+#include "dev/DevShellVariables.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -9,10 +11,6 @@ namespace {
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
-}
-
-bool isNameStart(char c) {
-    return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
 int hexValue(char c) {
@@ -182,7 +180,7 @@ void Reader::readDollar(bool quoted) {
         ++m_at; // an argument of the script, and there are none
         return;
     }
-    if (m_at < m_text.size() && isNameStart(m_text[m_at]))
+    if (m_at < m_text.size() && DevShellVariables::isNameStart(m_text[m_at]))
         return readName();
     if (!quoted && isNext("'")) {
         ++m_at;
@@ -196,7 +194,7 @@ void Reader::readDollar(bool quoted) {
 void Reader::readName() {
     add('$');
     add('{');
-    for (; m_at < m_text.size() && (isNameStart(m_text[m_at]) || isDigit(m_text[m_at])); ++m_at)
+    for (; m_at < m_text.size() && DevShellVariables::isNamePart(m_text[m_at]); ++m_at)
         add(m_text[m_at]);
     add('}');
 }

@@ -9,16 +9,8 @@ namespace {
 /// No value that is of use is longer, and a few doublings would otherwise fill memory.
 constexpr std::size_t maxValue = 4096;
 
-bool isNameStart(char c) {
-    return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isNamePart(char c) {
-    return isNameStart(c) || (c >= '0' && c <= '9');
-}
-
 std::size_t nameLength(std::string_view text) {
-    return std::size_t(std::ranges::find_if_not(text, isNamePart) - text.begin());
+    return std::size_t(std::ranges::find_if_not(text, &DevShellVariables::isNamePart) - text.begin());
 }
 
 /// Where the brace that is open at the start of `text` closes.

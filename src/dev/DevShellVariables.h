@@ -15,6 +15,9 @@ class DevShellVariables {
 public:
     enum class Use { Values, Nothing };
 
+    static bool isNameStart(char c) { return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+    static bool isNamePart(char c) { return isNameStart(c) || (c >= '0' && c <= '9'); }
+
     /// Remembers what `word` sets, when it is an assignment.
     void note(std::string_view word);
 

@@ -67,9 +67,9 @@ public:
     static QString importSupersededItems(qsizetype count);
     static QString importWritten(qsizetype count);
     /// @param taken, all pieces of a text that has more than are read at once
+    static QString importCut(qsizetype taken, qsizetype all);
     /// After an import of a longer text: what of it waits.
     static QString importRest(qsizetype count);
-    static QString importCut(qsizetype taken, qsizetype all);
 
     // Candidates from a chat.
     static QString extractNote();

@@ -79,14 +79,21 @@ bool ComposerInputs::isFresh(const QString &id) const {
 
 QString ComposerInputs::typedLater() const {
     const KeptText now = m_texts.box(m_id);
-    QDateTime lastAt = now.input.isEmpty() ? QDateTime() : now.changedAt;
-    QString last;
-    for (const auto &[id, left] : m_texts.boxes().asKeyValueRange()) {
-        if (id.isEmpty() || id == m_id || left.place.isFresh() || left.place.incognito || left.input.isEmpty() ||
-            !left.changedAt.isValid() || (lastAt.isValid() && left.changedAt <= lastAt))
+    const auto begun = [](const QString &id, const KeptText &box) {
+        return !id.isEmpty() && !box.place.isFresh() && box.changedAt.isValid();
+    };
+    return typedLast(begun, now.input.isEmpty() ? QDateTime() : now.changedAt).value_or(QString());
+}
+
+std::optional<QString> ComposerInputs::typedLast(const std::function<bool(const QString &, const KeptText &)> &counts,
+                                                 QDateTime after) const {
+    std::optional<QString> last; // what was typed before anything was open has no id
+    for (const auto &[id, box] : m_texts.boxes().asKeyValueRange()) {
+        if (id == m_id || box.place.incognito || box.input.isEmpty() || !counts(id, box) ||
+            (after.isValid() && box.changedAt <= after))
             continue;
         last = id;
-        lastAt = left.changedAt;
+        after = box.changedAt;
     }
     return last;
 }
@@ -104,15 +111,8 @@ void ComposerInputs::takeOver() {
     const KeptText now = m_texts.box(m_id);
     if (m_id.isEmpty() || !now.place.isFresh() || now.place.incognito || !now.input.isEmpty())
         return;
-    std::optional<QString> last; // what was typed before anything was open has no id
-    QDateTime lastAt;
-    for (const auto &[id, left] : m_texts.boxes().asKeyValueRange()) {
-        if (id == m_id || !left.place.isFresh() || left.place.incognito || left.theirs || freshInUse().contains(id) ||
-            left.input.isEmpty() || (lastAt.isValid() && left.changedAt <= lastAt))
-            continue;
-        last = id;
-        lastAt = left.changedAt;
-    }
+    const auto last = typedLast(
+        [](const QString &id, const KeptText &box) { return box.place.isFresh() && !box.theirs && !isInUse(id); });
     if (last)
         m_texts.move(*last, m_id);
 }

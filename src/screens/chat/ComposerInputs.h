@@ -98,6 +98,10 @@ Q_SIGNALS:
 
 private:
     void takeOver();
+    /// The box in which was typed last, of those that count and are not in use here; none where nothing was later than
+    /// `after`.
+    std::optional<QString> typedLast(const std::function<bool(const QString &, const KeptText &)> &counts,
+                                     QDateTime after = {}) const;
     void onReplaced(const QString &id);
     void onRestored();
 

@@ -136,10 +136,9 @@ FocusScope {
                 Accessible.multiLine: true
                 Accessible.name: root.placeholderText !== "" ? root.placeholderText : "消息"
                 Keys.onMenuPressed: event => {
-                event.accepted = true;
-                if (!field.inputMethodComposing)
-                    root.menu(true);
-            }
+                    if (InputKeys.opensMenu(field, event))
+                        root.menu(true);
+                }
                 Keys.onPressed: event => {
                     if (root.take(event.key, event.modifiers) || (!field.inputMethodComposing && InputKeys.leaves(field, event)))
                         event.accepted = true;

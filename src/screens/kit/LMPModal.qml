@@ -31,23 +31,22 @@ T.Popup {
     /// Whether a screen behind was given the keyboard while this was on its way out.
     function outrun(): bool {
         const taker = root.parent ? root.parent.Window.activeFocusItem : null;
-        if (!taker || taker === root.parent.Window.contentItem)
-            return false;
-        for (let item = taker; item; item = item.parent) {
-            if (item === root.parent)
-                return false;
+        return taker !== null && taker !== root.parent.Window.contentItem && !root.isInFront(taker);
+    }
+
+    /// Whether `item` is in this or in another of the popups.
+    function isInFront(item: Item): bool {
+        for (let at = item; at; at = at.parent) {
+            if (at === root.parent)
+                return true;
         }
-        return true;
+        return false;
     }
 
     /// Takes the keyboard back from what is behind: a screen that comes up there may ask for it.
     function keepKeyboard(): void {
         const taker = root.held && root.parent ? root.parent.Window.activeFocusItem : null;
-        for (let item = taker; item; item = item.parent) {
-            if (item === root.parent)
-                return;
-        }
-        if (!taker)
+        if (!taker || root.isInFront(taker))
             return;
         root.remember(taker);
         root.forceActiveFocus(Qt.PopupFocusReason);

@@ -83,10 +83,9 @@ FocusScope {
                     Accessible.multiLine: true
                     Accessible.name: root.label !== "" ? root.label : root.placeholderText
                     Keys.onMenuPressed: event => {
-                event.accepted = true;
-                if (!field.inputMethodComposing)
-                    root.menu(true);
-            }
+                        if (InputKeys.opensMenu(field, event))
+                            root.menu(true);
+                    }
                     Keys.onPressed: event => {
                         if (field.inputMethodComposing ? InputKeys.heldByComposition(event.key) : InputKeys.leaves(field, event))
                             event.accepted = true;

@@ -72,8 +72,7 @@ FocusScope {
             Accessible.name: field.called
             Accessible.passwordEdit: root.secret
             Keys.onMenuPressed: event => {
-                event.accepted = true;
-                if (!field.inputMethodComposing)
+                if (InputKeys.opensMenu(field, event))
                     field.menu(true);
             }
             Keys.onPressed: event => {

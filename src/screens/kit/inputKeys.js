@@ -45,6 +45,12 @@ function leaves(item, event) {
     return true;
 }
 
+// The menu key belongs to the text, and does nothing while a composition is open. Whether it opens the menu.
+function opensMenu(editor, event) {
+    event.accepted = true;
+    return !editor.inputMethodComposing;
+}
+
 // Whether the keyboard came to a text by the keyboard. The templates say so of every control but texts.
 function cameByKey(reason) {
     return reason === Qt.TabFocusReason || reason === Qt.BacktabFocusReason || reason === Qt.ShortcutFocusReason;

@@ -110,8 +110,7 @@ void QuickSwitcherModel::lookAgain() {
     };
     if (const auto kept = std::ranges::find_if(std::as_const(m_shown), same); kept != m_shown.cend())
         setCurrent(int(kept - m_shown.cbegin()));
-    if (!m_learning)
-        detach(learnReadings(), "reading the switcher's titles");
+    detach(learnReadings(), "reading the switcher's titles");
 }
 
 void QuickSwitcherModel::open() {
@@ -120,8 +119,7 @@ void QuickSwitcherModel::open() {
     m_query.clear();
     Q_EMIT queryChanged();
     show();
-    if (!m_learning)
-        detach(learnReadings(), "reading the switcher's titles");
+    detach(learnReadings(), "reading the switcher's titles");
 }
 
 void QuickSwitcherModel::setQuery(const QString &query) {
@@ -163,7 +161,8 @@ QStringList QuickSwitcherModel::unspelledTitles() const {
 
 QCoro::Task<> QuickSwitcherModel::learnReadings() {
     const QPointer self(this);
-    m_learning = true;
+    if (std::exchange(m_learning, true))
+        co_return; // whoever learns looks once more at the end
     for (auto titles = unspelledTitles(); !titles.isEmpty(); titles = unspelledTitles()) {
         const auto spelled = co_await PoolAwaiter([titles] { return Pinyin::spell(titles); });
         if (!self)
