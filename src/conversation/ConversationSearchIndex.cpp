@@ -443,7 +443,7 @@ ConversationSearchIndex::Page ConversationSearchIndex::findPage(const SearchTerm
                                   .role = read.getColumn(4).getInt() ? TalkRole::twin : TalkRole::user,
                                   .excerpt = {},
                                   .marks = {}};
-        hit.excerpt = SearchExcerpt::around(text, terms);
+        hit.excerpt = SearchExcerpt::around(text, terms, hit.role);
         hit.marks = terms.anyRanges(hit.excerpt);
         page.hits.push_back(std::move(hit));
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "conversation/SearchTerms.h"
+#include "conversation/TalkRole.h"
 
 namespace lmp {
 
@@ -11,7 +12,8 @@ public:
     static constexpr qsizetype most = 120;
 
     /// One line of `text` around its first match, with "…" where something is left out; never half a character.
-    static QString around(const QString &text, const SearchTerms &terms);
+    /// @param role whose text it is: a reply is Markdown, and shown without its marks
+    static QString around(const QString &text, const SearchTerms &terms, TalkRole role);
 };
 
 } // namespace lmp

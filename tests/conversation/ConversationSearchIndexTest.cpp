@@ -73,12 +73,28 @@ TEST(SearchTermsTest, WhatIsFoundInWhat) {
 
 TEST(SearchExcerptTest, OneLineAroundTheFirstMatch) {
     const SearchTerms terms(u"茶"_s);
-    EXPECT_EQ(SearchExcerpt::around(u"喝\n茶"_s, terms), u"喝 茶"_s);
-    const QString far =
-        SearchExcerpt::around(QString(30'000, u'水') + u"👨‍👩‍👧茶"_s + QString(500, u'火'), terms);
+    EXPECT_EQ(SearchExcerpt::around(u"喝\n茶"_s, terms, TalkRole::user), u"喝 茶"_s);
+    const QString far = SearchExcerpt::around(QString(30'000, u'水') + u"👨‍👩‍👧茶"_s + QString(500, u'火'),
+                                              terms, TalkRole::user);
     EXPECT_TRUE(far.startsWith(u"…水") && far.endsWith(u"火…") && far.contains(u"👨‍👩‍👧茶"))
         << far.toStdString();
     EXPECT_LE(far.size(), SearchExcerpt::most + 2);
+}
+
+TEST(SearchExcerptTest, AReplyIsShownAsItIsRead) {
+    const SearchTerms terms(u"茶"_s);
+    const QString reply =
+        u"## 泡茶\n\n- [ ] 水到 **80 度**，看[这一篇](https://example.com/a_b)\n> 用 `cha` ~~不~~ 2 * 3 * 4"_s;
+    EXPECT_EQ(SearchExcerpt::around(reply, terms, TalkRole::twin), u"泡茶 水到 80 度，看这一篇 用 cha 不 2 * 3 * 4"_s);
+    EXPECT_EQ(SearchExcerpt::around(u"**茶**"_s, terms, TalkRole::user), u"**茶**"_s);
+    // The signs themselves, and what only a link's address holds, are found all the same.
+    EXPECT_EQ(SearchExcerpt::around(u"**茶**"_s, SearchTerms(u"**茶"_s), TalkRole::twin), u"**茶**"_s);
+    EXPECT_TRUE(SearchExcerpt::around(u"[绿茶](https://example.com/cha)"_s, SearchTerms(u"cha"_s), TalkRole::twin)
+                    .contains(u"cha"_s));
+    // Much of what stands before a match may be marks.
+    const QString linked = SearchExcerpt::around(
+        u"[火](https://example.com/"_s + QString(200, u'x') + u") 茶"_s + QString(500, u'水'), terms, TalkRole::twin);
+    EXPECT_TRUE(linked.contains(u"茶水"_s) && linked.size() <= SearchExcerpt::most + 2) << linked.toStdString();
 }
 
 class ConversationSearchIndexTest : public ::testing::Test {
