@@ -288,8 +288,13 @@ def version(figures):
 
 
 def window(figures):
-    """The window beside its peers on a display without a graphics card, and after 10 s"""
-    window_figures.window(figures, alternate, ROUNDS)
+    """The window's start beside its peers', on a display without a graphics card"""
+    window_figures.start(figures, alternate, ROUNDS)
+
+
+def window_rest(figures):
+    """The window beside its peers once nothing happens any more"""
+    window_figures.rest(figures, alternate)
 
 
 def window_chat(figures):
@@ -320,7 +325,7 @@ def children(figures):
 
 RUN = (
     *(close, chunk, latency, memory, records, chat, memories, markdown, search, drafts, version),
-    *(child_lines, children, agents, window, window_chat),
+    *(child_lines, children, agents, window, window_rest, window_chat),
 )
 ALL = {one.__name__: one for one in RUN}
 

@@ -75,33 +75,46 @@ def peers():
     return found
 
 
-def window(figures, alternate, rounds):
-    """The window on a display without a graphics card: from exec to text drawn, then what it holds and does after 10 s"""
-    hello = figures.program("bench_qml_hello")
-    ours = [figures.program("lumenpair"), "--site"]
+def watch(figures, settle, idle, *more):
+    return [figures.program("bench_window_watch"), "--settle", settle, "--idle", idle, *more]
+
+
+def ours(figures, sandbox):
+    return [figures.program("lumenpair"), "--site", sandbox.url]
+
+
+def beside_peers(figures, display, sandbox, watching):
+    """The command lines of the window, without an account and with one of 50 conversations, and of its peers."""
+    token = sandbox.sign_in()
+    sandbox.seed(token, 50)
+    hello = [figures.program("bench_qml_hello")]
+    return {
+        "hello": display.command("hello", watching, hello, QT_QUICK_BACKEND="software"),
+        "hello_gl": display.command("hello_gl", watching, hello),
+        "sign_in": display.command("sign_in", watching, ours(figures, sandbox)),
+        "account": display.command("account", watching, ours(figures, sandbox), LMP_TOKEN=token),
+    } | {label: display.command(label, watching, command) for label, command in peers().items()}
+
+
+def start(figures, alternate, rounds):
+    """The window on a display without a graphics card: from exec to text drawn"""
     with Display() as display, Sandbox(figures.program("lumenpair-sandbox")) as sandbox:
-        token = sandbox.sign_in()
-        sandbox.seed(token, 50)
-        asked = sandbox.sign_in("13800000001")
-        software = {"QT_QUICK_BACKEND": "software"}
+        report_start(figures, alternate(beside_peers(figures, display, sandbox, watch(figures, "2", "0")), rounds))
 
-        def commands(settle, idle):
-            watch = [figures.program("bench_window_watch"), "--settle", settle, "--idle", idle]
-            return {
-                "hello": display.command("hello", watch, [hello], **software),
-                "hello_gl": display.command("hello_gl", watch, [hello]),
-                "sign_in": display.command("sign_in", watch, [*ours, sandbox.url]),
-                "account": display.command("account", watch, [*ours, sandbox.url], LMP_TOKEN=token),
-            } | {label: display.command(label, watch, command) for label, command in peers().items()}
 
-        # Many short rounds for what differs from start to start, few long ones for what hardly does.
-        report_start(figures, alternate(commands("2", "0"), rounds))
-        rest = commands("10", "10")
-        watch = [figures.program("bench_window_watch"), "--settle", "10", "--idle", "10", "--type", CHAT]
+def rest(figures, alternate):
+    """What the window holds after 10 s, and does in the 10 s that follow"""
+    with Display() as display, Sandbox(figures.program("lumenpair-sandbox")) as sandbox:
+        commands = beside_peers(figures, display, sandbox, watch(figures, "10", "10"))
         # A reply that has begun and says no more.
-        rest["waiting"] = display.command("waiting", watch, [*ours, sandbox.url], LMP_TOKEN=asked)
+        commands["waiting"] = display.command(
+            "waiting",
+            watch(figures, "10", "10", "--type", CHAT),
+            ours(figures, sandbox),
+            LMP_TOKEN=sandbox.sign_in("13800000001"),
+        )
         sandbox.post("/sandbox/faults", {"route": "/relay/chat/stream", "times": -1, "stallAfterEvents": 3})
-        report_rest(figures, alternate(rest, 2))
+        report_rest(figures, alternate(commands, 2))
 
 
 def report_start(figures, medians):
