@@ -94,7 +94,7 @@ void leaving(GalleryStage &stage, const std::function<void(WindowScene &)> &leav
     });
     stage.until(u"the end of the turn"_s, [&stage] { return stage.scene().chat()->isIdle(); });
     stage.then([&stage, leave] { leave(stage.scene()); });
-    stage.until(u"the question"_s, [&stage] { return stage.scene().leaveWarning(); });
+    stage.until(u"the question"_s, [&stage] { return stage.scene().questions()->leaveWarning(); });
 }
 
 /// What is told over the whole window: that another service was asked for, in many words, by somebody unkind.

@@ -18,6 +18,6 @@ LMPDialog {
         if (index === 0)
             root.scene.saveAndClose();
         else
-            root.scene.stayOpen();
+            root.scene.questions.stayOpen();
     }
 }

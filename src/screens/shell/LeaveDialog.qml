@@ -8,7 +8,7 @@ LMPDialog {
     id: root
 
     required property WindowScene scene
-    readonly property int leaving: root.scene.leaving
+    readonly property int leaving: root.scene.questions.leaving
 
     buttons: [["离开", "关闭", "退出"][root.leaving], "留在这里"]
     dangerIndex: 0
@@ -18,6 +18,6 @@ LMPDialog {
 
     Component.onCompleted: root.open()
     onChosen: index => {
-        root.scene.answerLeave(index === 0);
+        root.scene.questions.answerLeave(index === 0);
     }
 }

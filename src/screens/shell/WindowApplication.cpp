@@ -161,7 +161,7 @@ void WindowApplication::quit(QSet<WindowScene *> asked) {
             continue;
         asked.insert(shown.scene.get());
         bringUp(*shown.window);
-        shown.scene->askToLeave(WindowScene::Leaving::Program, [this, asked] { quit(asked); });
+        shown.scene->questions()->askToLeave(WindowQuestions::Leaving::Program, [this, asked] { quit(asked); });
         return;
     }
     m_macLifecycle.quit();
@@ -169,7 +169,7 @@ void WindowApplication::quit(QSet<WindowScene *> asked) {
 
 void WindowApplication::onCloseRequested(WindowScene *scene) {
     if (scene->losesIncognito())
-        scene->askToLeave(WindowScene::Leaving::Window, [this, scene] { goOnClosing(scene); });
+        scene->questions()->askToLeave(WindowQuestions::Leaving::Window, [this, scene] { goOnClosing(scene); });
     else
         goOnClosing(scene);
 }
@@ -223,7 +223,7 @@ void WindowApplication::ask() {
     const bool question = m_quitting.state() == State::Warning || (m_shared && m_shared->updates.isAlertOpen());
     const Shown *asked = front();
     for (const auto &shown : m_windows)
-        shown.scene->setAsking(question && &shown == asked);
+        shown.scene->questions()->setHostsProgram(question && &shown == asked);
 }
 
 // To the front

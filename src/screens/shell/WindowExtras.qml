@@ -64,25 +64,25 @@ T.Control {
     }
 
     QuestionLoader {
-        asked: root.scene.asking && root.scene.quitting.state === MacQuitCoordinator.Warning
+        asked: root.scene.questions.hostsProgram && root.scene.quitting.state === MacQuitCoordinator.Warning
         file: "QuitDialog.qml"
         scene: root.scene
     }
 
     QuestionLoader {
-        asked: root.scene.asking && root.scene.updates !== null && root.scene.updates.alertOpen
+        asked: root.scene.questions.hostsProgram && root.scene.updates !== null && root.scene.updates.alertOpen
         file: "UpdateDialog.qml"
         scene: root.scene
     }
 
     QuestionLoader {
-        asked: root.scene.closeWarning
+        asked: root.scene.questions.closeWarning
         file: "CloseDialog.qml"
         scene: root.scene
     }
 
     QuestionLoader {
-        asked: root.scene.leaveWarning
+        asked: root.scene.questions.leaveWarning
         file: "LeaveDialog.qml"
         scene: root.scene
     }

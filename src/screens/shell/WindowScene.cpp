@@ -21,6 +21,9 @@ WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQui
     connect(&m_navigation, &WindowNavigation::conversationRequested, this, &WindowScene::openConversation);
     connect(&m_commands, &AppCommands::triggered, this, &WindowScene::onCommand);
     connect(&m_switcher, &QuickSwitcherModel::chosen, this, &WindowScene::goTo);
+    // The list had gone ahead.
+    connect(&m_questions, &WindowQuestions::stayed, this,
+            [this] { m_conversations->select(m_chat->conversationId()); });
 }
 
 WindowScene::~WindowScene() = default;
@@ -63,20 +66,6 @@ void WindowScene::setOpenError(const QString &error) {
     Q_EMIT openErrorChanged();
 }
 
-void WindowScene::setAsking(bool asking) {
-    if (asking == m_asking)
-        return;
-    m_asking = asking;
-    Q_EMIT askingChanged();
-}
-
-void WindowScene::setCloseWarning(bool warning) {
-    if (warning == m_closeWarning)
-        return;
-    m_closeWarning = warning;
-    Q_EMIT warningChanged();
-}
-
 void WindowScene::reopen() {
     setOpenError({});
     Q_EMIT reopenRequested();
@@ -100,7 +89,7 @@ QCoro::Task<> WindowScene::save() {
     if (!self)
         co_return;
     m_saving = false;
-    setCloseWarning(!saved);
+    m_questions.setCloseWarning(!saved);
     if (saved)
         Q_EMIT readyToClose();
 }
@@ -110,10 +99,6 @@ QCoro::Task<bool> WindowScene::preserve() {
     const bool chat = co_await m_chat->preserve();
     const bool memories = self && co_await m_ledger->preserve();
     co_return chat &&memories;
-}
-
-void WindowScene::stayOpen() {
-    setCloseWarning(false);
 }
 
 void WindowScene::startConversation(bool incognito) {
@@ -144,7 +129,7 @@ void WindowScene::replaceConversation(std::function<void()> how) {
         Q_EMIT composerRequested();
     };
     if (losesIncognito())
-        askToLeave(Leaving::Conversation, go);
+        m_questions.askToLeave(WindowQuestions::Leaving::Conversation, go);
     else
         go();
 }
@@ -153,24 +138,9 @@ bool WindowScene::losesIncognito() const {
     return m_chat && m_chat->losesIncognito();
 }
 
-void WindowScene::askToLeave(Leaving leaving, std::function<void()> how) {
-    m_leaving = leaving;
-    m_leave = std::move(how);
-    Q_EMIT warningChanged();
-}
-
 void WindowScene::setNotice(const QString &notice) {
     if (std::exchange(m_notice, notice) != notice)
         Q_EMIT noticeChanged();
-}
-
-void WindowScene::answerLeave(bool leave) {
-    const auto how = std::exchange(m_leave, nullptr);
-    Q_EMIT warningChanged();
-    if (leave && how)
-        how();
-    else // The list had gone ahead.
-        m_conversations->select(m_chat->conversationId());
 }
 
 void WindowScene::settleStage() {

@@ -8,6 +8,7 @@
 #include "screens/shell/SharedModels.h"
 #include "screens/shell/WindowLayout.h"
 #include "screens/shell/WindowNavigation.h"
+#include "screens/shell/WindowQuestions.h"
 
 #include "screens/account/CrisisResourcesModel.h"
 #include "screens/chat/ChatModel.h"
@@ -33,17 +34,11 @@ class WindowScene : public QObject {
     Q_PROPERTY(lmp::WindowNavigation *navigation READ navigation CONSTANT)
     Q_PROPERTY(lmp::AppCommands *commands READ commands CONSTANT)
     Q_PROPERTY(lmp::QuickSwitcherModel *switcher READ switcher CONSTANT)
+    Q_PROPERTY(lmp::WindowQuestions *questions READ questions CONSTANT)
     Q_PROPERTY(lmp::WindowScene::Stage stage READ stage NOTIFY stageChanged)
     /// Why there is no service; empty while it is being looked for.
     Q_PROPERTY(QString openError READ openError NOTIFY openErrorChanged)
     Q_PROPERTY(lmp::MacQuitCoordinator *quitting READ quitting CONSTANT)
-    /// This is the window that the program's own questions are asked in.
-    Q_PROPERTY(bool asking READ asking NOTIFY askingChanged)
-    /// This window would close, and something typed in it is not saved.
-    Q_PROPERTY(bool closeWarning READ closeWarning NOTIFY warningChanged)
-    /// What was asked for would put away a conversation that nobody keeps, and what that is.
-    Q_PROPERTY(bool leaveWarning READ leaveWarning NOTIFY warningChanged)
-    Q_PROPERTY(lmp::WindowScene::Leaving leaving READ leaving NOTIFY warningChanged)
     /// Something to be known in this window, whatever it shows; `closeNotice` puts it away.
     Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
     // Null before `adopt`.
@@ -61,9 +56,6 @@ class WindowScene : public QObject {
 public:
     enum class Stage { Opening, Launch, SignedOut, Migration, Onboarding, HandleSetup, Shell };
     Q_ENUM(Stage)
-    /// What leaves a conversation behind: another one, closing the window, ending the program.
-    enum class Leaving { Conversation, Window, Program };
-    Q_ENUM(Leaving)
 
     /// @param appearance, settings, quitting outlive the scene
     WindowScene(AppearanceModel &appearance, Settings &settings, MacQuitCoordinator &quitting,
@@ -73,7 +65,6 @@ public:
     /// Takes the models that all windows share and makes its own; once, when the application is open. They outlive it.
     void adopt(SharedModels &shared);
     void setOpenError(const QString &error);
-    void setAsking(bool asking);
     /// The window may close from now on without being asked.
     void release() { m_released = true; }
 
@@ -82,19 +73,14 @@ public:
     WindowNavigation *navigation() { return &m_navigation; }
     AppCommands *commands() { return &m_commands; }
     QuickSwitcherModel *switcher() { return &m_switcher; }
+    WindowQuestions *questions() { return &m_questions; }
     Stage stage() const { return m_stage; }
     const QString &openError() const { return m_openError; }
     MacQuitCoordinator *quitting() { return &m_quitting; }
-    bool asking() const { return m_asking; }
-    bool closeWarning() const { return m_closeWarning; }
-    bool leaveWarning() const { return bool(m_leave); }
-    Leaving leaving() const { return m_leaving; }
     const QString &notice() const { return m_notice; }
     void setNotice(const QString &notice);
     /// Whether something is open, or being written, that cannot be found again once it is put away.
     bool losesIncognito() const;
-    /// Asks whether it may go, and does `how` if so. A question that is open gives way to this one.
-    void askToLeave(Leaving leaving, std::function<void()> how);
     RootView *rootView() { return m_shared ? &m_shared->root : nullptr; }
     SessionModel *session() { return m_shared ? &m_shared->session : nullptr; }
     SafetyModel *safety() { return m_shared ? &m_shared->safety : nullptr; }
@@ -113,9 +99,6 @@ public:
     Q_INVOKABLE bool mayClose();
     /// Saves what is typed in this window, and closes it when that succeeds.
     Q_INVOKABLE void saveAndClose();
-    Q_INVOKABLE void stayOpen();
-    /// The answer to `leaveWarning`.
-    Q_INVOKABLE void answerLeave(bool leave);
     Q_INVOKABLE void closeNotice() { setNotice({}); }
     Q_INVOKABLE void startConversation(bool incognito = false);
     Q_INVOKABLE void openConversation(const QString &id);
@@ -124,8 +107,6 @@ Q_SIGNALS:
     void adopted();
     void stageChanged();
     void openErrorChanged();
-    void warningChanged();
-    void askingChanged();
     void noticeChanged();
     void reopenRequested();
     void closeRequested();
@@ -142,7 +123,6 @@ private:
     void goTo(const SwitcherEntry &entry);
     QList<SwitcherEntry> destinations() const;
     QCoro::Task<> save();
-    void setCloseWarning(bool warning);
     /// Goes to another conversation, after asking where the one that is open would be lost.
     void replaceConversation(std::function<void()> how);
     void stepConversation(int step);
@@ -158,6 +138,7 @@ private:
     WindowNavigation m_navigation;
     AppCommands m_commands;
     QuickSwitcherModel m_switcher;
+    WindowQuestions m_questions;
     SharedModels *m_shared = nullptr;
     std::unique_ptr<CrisisResourcesModel> m_crisis;
     std::unique_ptr<ChatModel> m_chat;
@@ -167,10 +148,6 @@ private:
     LocalInputRegistry::Registration m_memoryInput;
     Stage m_stage = Stage::Opening;
     QString m_openError;
-    bool m_asking = false;
-    bool m_closeWarning = false;
-    std::function<void()> m_leave; ///< what waits for the answer to `leaveWarning`
-    Leaving m_leaving = Leaving::Conversation;
     QString m_notice;
     bool m_saving = false;
     bool m_released = false;

@@ -332,7 +332,7 @@ TEST_F(WindowTest, AQuestionDoesNotGoWithItsWindow) {
     WindowDriver window(options());
     ASSERT_TRUE(window.enterShell());
     QQuickWindow *first = &window.window();
-    const WindowScene *firstScene = &window.scene();
+    WindowScene *firstScene = &window.scene();
     window.key(Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_TRUE(eventually([&] { return &window.window() != first; }));
     const auto full = window.program().application().localInput().add([]() -> QCoro::Task<bool> { co_return false; });
@@ -340,13 +340,13 @@ TEST_F(WindowTest, AQuestionDoesNotGoWithItsWindow) {
     first->requestActivate();
     ASSERT_TRUE(eventually([&] { return first->isActive(); }));
     QTest::keyClick(first, Qt::Key_Q, Qt::ControlModifier);
-    ASSERT_TRUE(eventually([&] { return firstScene->asking(); }));
+    ASSERT_TRUE(eventually([&] { return firstScene->questions()->hostsProgram(); }));
     // Asked in the other window, it is answered there.
     window.window().requestActivate();
     ASSERT_TRUE(eventually([&] { return window.window().isActive(); }));
     window.key(Qt::Key_Q, Qt::ControlModifier);
     EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
-    EXPECT_FALSE(firstScene->asking());
+    EXPECT_FALSE(firstScene->questions()->hostsProgram());
     // And where that one is closed by its frame, in what is left.
     window.window().close();
     ASSERT_TRUE(eventually([&] { return &window.window() == first; }));

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <QtQmlIntegration>
+
+#include <functional>
+
+namespace lmp {
+
+/// What a window asks before something that was written in it is left behind.
+///
+/// One for each window, owned by its scene; UI thread.
+class WindowQuestions : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made with its window's scene")
+    /// This is the window that the program's own questions are asked in.
+    Q_PROPERTY(bool hostsProgram READ hostsProgram NOTIFY changed)
+    /// The window would close, and something typed in it is not saved.
+    Q_PROPERTY(bool closeWarning READ closeWarning NOTIFY changed)
+    /// What was asked for would put away a conversation that nobody keeps, and what that is.
+    Q_PROPERTY(bool leaveWarning READ leaveWarning NOTIFY changed)
+    Q_PROPERTY(lmp::WindowQuestions::Leaving leaving READ leaving NOTIFY changed)
+public:
+    /// What leaves a conversation behind: another one, closing the window, ending the program.
+    enum class Leaving { Conversation, Window, Program };
+    Q_ENUM(Leaving)
+
+    using QObject::QObject;
+
+    bool hostsProgram() const { return m_hostsProgram; }
+    void setHostsProgram(bool hosts);
+    bool closeWarning() const { return m_closeWarning; }
+    void setCloseWarning(bool warning);
+    bool leaveWarning() const { return bool(m_leave); }
+    Leaving leaving() const { return m_leaving; }
+    /// Asks whether it may go, and does `how` if so. A question that is open gives way to this one.
+    void askToLeave(Leaving leaving, std::function<void()> how);
+    /// The answer to `leaveWarning`.
+    Q_INVOKABLE void answerLeave(bool leave);
+    /// The answer to `closeWarning` of somebody who does not try again.
+    Q_INVOKABLE void stayOpen() { setCloseWarning(false); }
+
+Q_SIGNALS:
+    void changed();
+    /// What was to be left stays.
+    void stayed();
+
+private:
+    bool m_hostsProgram = false;
+    bool m_closeWarning = false;
+    std::function<void()> m_leave; ///< what waits for the answer to `leaveWarning`
+    Leaving m_leaving = Leaving::Conversation;
+};
+
+} // namespace lmp
