@@ -31,8 +31,8 @@ QCoro::Task<WebAuthPresenter::Outcome> WebAuthPresenter::present(QString state, 
     const std::stop_callback onStop(stop, rouse);
     const std::stop_callback onEnd(m_stop.get_token(), rouse);
     QObject::connect(receiver.get(), &LoopbackReceiver::arrived, receiver.get(), rouse);
-    if (!m_opener.open(url))
-        Q_EMIT linkOffered(url);
+    const bool opened = m_opener.open(url);
+    Q_EMIT linkOffered(url, opened);
     if (!self)
         co_return std::unexpected(WebAuthFailure{Kind::Cancelled, u"登录取消了。"_s});
     const bool late = co_await m_clock.sleep(patience, wake.get_token());

@@ -36,8 +36,9 @@ public:
     QCoro::Task<Outcome> present(QString state, Address address, std::stop_token stop);
 
 Q_SIGNALS:
-    /// No browser took the link: it is shown to the person, and the wait goes on.
-    void linkOffered(const QUrl &url);
+    /// Where the person signs in, while the wait goes on.
+    /// @param opened the desktop took the link; it does so without a browser, too, so it is worth showing all the same
+    void linkOffered(const QUrl &url, bool opened);
 
 private:
     ExternalOpener &m_opener;

@@ -29,8 +29,10 @@ QCoro::Task<ExitCode> SignInCommand::run() {
         if (!m_model->offersGoogle())
             co_return complain(u"这个服务没有设置 Google 登录。"_s, ExitCode::Failed);
         QObject::connect(&m_application.webAuth(), &WebAuthPresenter::linkOffered, m_model.get(),
-                         [this](const QUrl &url) {
-                             m_console.note(u"请在这台电脑的浏览器里打开：\n"_s + url.toString(QUrl::FullyEncoded));
+                         [this](const QUrl &url, bool opened) {
+                             m_console.note((opened ? u"浏览器没有打开时，请在这台电脑的浏览器里打开：\n"_s
+                                                    : u"请在这台电脑的浏览器里打开：\n"_s) +
+                                            url.toString(QUrl::FullyEncoded));
                          });
         m_console.note(u"正在浏览器里等你登录……"_s);
         co_await m_model->signInWithGoogle();

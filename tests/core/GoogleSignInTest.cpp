@@ -184,16 +184,23 @@ TEST_F(GoogleSignInTest, EndsWithoutAToken) {
 }
 
 TEST_F(GoogleSignInTest, CanBeCancelledAndShowsTheLinkItself) {
-    opener.works = false;
-    QList<QUrl> offered;
-    QObject::connect(&presenter, &WebAuthPresenter::linkOffered, [&](const QUrl &url) { offered.push_back(url); });
-    auto attempt = google.idToken(stop.get_token());
-    ASSERT_EQ(offered.size(), 1);
-    EXPECT_EQ(offered[0].path(), u"/authorize"_s);
-    stop.request_stop();
-    const auto outcome = await(std::move(attempt));
-    ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error().kind, Kind::Cancelled);
+    for (const bool works : {false, true}) {
+        opener.works = works;
+        stop = {};
+        QList<std::pair<QUrl, bool>> offered;
+        const auto listening =
+            QObject::connect(&presenter, &WebAuthPresenter::linkOffered,
+                             [&](const QUrl &url, bool opened) { offered.push_back({url, opened}); });
+        auto attempt = google.idToken(stop.get_token());
+        ASSERT_EQ(offered.size(), 1);
+        EXPECT_EQ(offered[0].first.path(), u"/authorize"_s);
+        EXPECT_EQ(offered[0].second, works);
+        stop.request_stop();
+        const auto outcome = await(std::move(attempt));
+        ASSERT_FALSE(outcome);
+        EXPECT_EQ(outcome.error().kind, Kind::Cancelled);
+        QObject::disconnect(listening);
+    }
 }
 
 } // namespace lmp

@@ -53,7 +53,7 @@ Column {
     }
 
     LMPTextField {
-        helpText: "浏览器没有自己打开。"
+        helpText: root.signIn.providerOpened ? "浏览器没有打开时用它。" : "浏览器没有自己打开。"
         label: "请在这台电脑的浏览器里打开："
         readOnly: true
         text: root.signIn.providerLink

@@ -54,10 +54,11 @@ SignInModel::SignInModel(const AccountServices &services, QObject *parent)
     , m_services(services) {
     makeLogin();
     if (m_services.webAuth) {
-        connect(m_services.webAuth, &WebAuthPresenter::linkOffered, this, [this](const QUrl &url) {
+        connect(m_services.webAuth, &WebAuthPresenter::linkOffered, this, [this](const QUrl &url, bool opened) {
             if (m_providerText.isEmpty())
                 return;
             m_providerLink = url.toString(QUrl::FullyEncoded);
+            m_providerOpened = opened;
             Q_EMIT changed();
         });
     }

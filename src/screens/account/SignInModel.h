@@ -47,7 +47,9 @@ class SignInModel : public QObject {
     Q_PROPERTY(bool offersApple READ offersApple NOTIFY changed)
     Q_PROPERTY(QString providerText READ providerText NOTIFY changed)
     Q_PROPERTY(bool providerCancels READ providerCancels NOTIFY changed)
+    /// Where to go on, for somebody whose browser did not come up; and whether the desktop took it.
     Q_PROPERTY(QString providerLink READ providerLink NOTIFY changed)
+    Q_PROPERTY(bool providerOpened READ providerOpened NOTIFY changed)
 public:
     enum class Mode { Sms, Password, EmailSignIn, EmailRegister, Reset };
     Q_ENUM(Mode)
@@ -114,6 +116,7 @@ public:
     bool providerCancels() const { return m_providerCancels; }
     /// The provider's page, when no browser took it.
     QString providerLink() const { return m_providerLink; }
+    bool providerOpened() const { return m_providerOpened; }
 
     /// Set once a provider has made a new account; gone with `forget`.
     std::optional<LoginModel::NewAccountNotice> newAccountNotice() const { return m_login->newAccountNotice(); }
@@ -154,6 +157,7 @@ private:
     QString m_providerText;
     bool m_providerCancels = false;
     QString m_providerLink;
+    bool m_providerOpened = false;
     QStringList m_codeNotices;
     QString m_notice;
 };
