@@ -177,7 +177,8 @@ void SessionModel::retryVerification() {
 QString SessionModel::signOutText() const {
     if (m_services.tokenIsGiven)
         return u"这次的登录来自环境变量 LMP_TOKEN：现在退出只到这次运行结束，去掉它才不会再登录。"_s;
-    return u"这台电脑上的登录信息会删掉，账号和里面的内容不受影响。已经存下的草稿留在这台电脑上，再登录这个账号时还在。"_s;
+    return u"这台电脑上的登录信息会删掉，账号和里面的内容不受影响。已经存下的草稿留在这台电脑上，再登录这个账号时还在；"
+           u"无痕对话不保存，会消失。"_s;
 }
 
 void SessionModel::signOut() {

@@ -6,6 +6,21 @@ T.RadioButton {
     id: root
 
     property string description
+    /// A group is one stop of the Tab key: the one that is chosen, or the first where none is.
+    readonly property bool leads: root.leader() === root
+
+    function leader(): Item {
+        let first = null;
+        for (let i = 0; root.parent && i < root.parent.children.length; ++i) {
+            const item = root.parent.children[i];
+            if (!(item instanceof T.RadioButton) || !item.visible || !item.enabled)
+                continue;
+            if (item.checked)
+                return item;
+            first = first ?? item;
+        }
+        return first;
+    }
 
     /// The next or the previous one of the same parent, chosen and given the keyboard.
     function step(by: int): void {
@@ -30,7 +45,7 @@ T.RadioButton {
     Keys.onLeftPressed: root.step(-1)
     Keys.onRightPressed: root.step(1)
     Keys.onUpPressed: root.step(-1)
-    focusPolicy: Qt.StrongFocus
+    focusPolicy: root.leads ? Qt.StrongFocus : Qt.ClickFocus
     hoverEnabled: true
     implicitHeight: Math.max(Theme.target, implicitContentHeight + topPadding + bottomPadding)
     implicitWidth: implicitContentWidth

@@ -103,13 +103,7 @@ void QuickSwitcherModel::lookAgain() {
     if (there == m_all)
         return;
     m_all = there;
-    const auto chosen = m_shown.value(m_current);
-    show();
-    const auto same = [&](const SwitcherEntry &entry) {
-        return entry.kind == chosen.kind && entry.key == chosen.key;
-    };
-    if (const auto kept = std::ranges::find_if(std::as_const(m_shown), same); kept != m_shown.cend())
-        setCurrent(int(kept - m_shown.cbegin()));
+    showAgain();
     detach(learnReadings(), "reading the switcher's titles");
 }
 
@@ -170,9 +164,19 @@ QCoro::Task<> QuickSwitcherModel::learnReadings() {
         for (qsizetype at = 0; at < titles.size(); ++at)
             m_spelled.insert(titles[at], spelled[std::size_t(at)]);
         if (!m_query.isEmpty())
-            show();
+            showAgain();
     }
     m_learning = false;
+}
+
+void QuickSwitcherModel::showAgain() {
+    const auto chosen = m_shown.value(m_current);
+    show();
+    const auto same = [&](const SwitcherEntry &entry) {
+        return entry.kind == chosen.kind && entry.key == chosen.key;
+    };
+    if (const auto kept = std::ranges::find_if(std::as_const(m_shown), same); kept != m_shown.cend())
+        setCurrent(int(kept - m_shown.cbegin()));
 }
 
 void QuickSwitcherModel::show() {

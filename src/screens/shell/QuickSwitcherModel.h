@@ -72,6 +72,8 @@ private:
     void lookAgain();
     void refresh();
     void show();
+    /// Keeps what is chosen.
+    void showAgain();
 
     Source m_source;
     QList<SwitcherEntry> m_all;

@@ -198,6 +198,10 @@ TestCase {
         first.forceActiveFocus(Qt.TabFocusReason);
         keyClick(Qt.Key_Right);
         verify(second.checked && !first.checked && second.activeFocus);
+        keyClick(Qt.Key_Tab);
+        verify(!first.activeFocus && !second.activeFocus, "a group is one stop");
+        keyClick(Qt.Key_Backtab);
+        verify(second.activeFocus, "the one that is chosen");
         keyClick(Qt.Key_Down);
         verify(first.checked);
     }
