@@ -101,7 +101,7 @@ FocusScope {
 
                 errorText: address.phone ? root.signIn.phoneMessage : root.signIn.emailMessage
                 focus: true
-                inputMethodHints: address.phone ? Qt.ImhDialableCharactersOnly : Qt.ImhEmailCharactersOnly
+                inputMethodHints: root.signIn.addressHints
                 label: address.phone ? "手机号" : "邮箱"
                 readOnly: root.signIn.submitting
                 text: address.phone ? root.signIn.phone : root.signIn.email
@@ -126,7 +126,7 @@ FocusScope {
 
                 errorText: root.signIn.codeMessage
                 helpText: root.signIn.codeNotice
-                inputMethodHints: Qt.ImhPreferNumbers | Qt.ImhNoPredictiveText
+                inputMethodHints: root.signIn.codeHints
                 label: "验证码"
                 readOnly: root.signIn.submitting
                 text: root.signIn.code

@@ -47,6 +47,10 @@ class SignInModel : public QObject {
     Q_PROPERTY(bool offersApple READ offersApple NOTIFY changed)
     Q_PROPERTY(QString providerText READ providerText NOTIFY changed)
     Q_PROPERTY(bool providerCancels READ providerCancels NOTIFY changed)
+    /// What the keyboards of screens and input methods offer. From here, because a binding that computes with Qt's own
+    /// enumerations has the engine copy all of them first, which a start would wait for.
+    Q_PROPERTY(Qt::InputMethodHints addressHints READ addressHints NOTIFY changed)
+    Q_PROPERTY(Qt::InputMethodHints codeHints READ codeHints CONSTANT)
     /// Where to go on, for somebody whose browser did not come up; and whether the desktop took it.
     Q_PROPERTY(QString providerLink READ providerLink NOTIFY changed)
     Q_PROPERTY(bool providerOpened READ providerOpened NOTIFY changed)
@@ -115,6 +119,10 @@ public:
     /// Whether `cancelProvider` ends what is waited for; a sheet of the system has a button of its own.
     bool providerCancels() const { return m_providerCancels; }
     /// The provider's page, when no browser took it.
+    Qt::InputMethodHints addressHints() const {
+        return asksPhone() ? Qt::ImhDialableCharactersOnly : Qt::ImhEmailCharactersOnly;
+    }
+    Qt::InputMethodHints codeHints() const { return Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText; }
     QString providerLink() const { return m_providerLink; }
     bool providerOpened() const { return m_providerOpened; }
 

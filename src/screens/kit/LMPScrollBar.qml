@@ -7,7 +7,7 @@ T.ScrollBar {
 
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    minimumSize: root.orientation === Qt.Horizontal ? height / Math.max(1, width) * 2 : width / Math.max(1, height) * 2
+    minimumSize: root.horizontal ? height / Math.max(1, width) * 2 : width / Math.max(1, height) * 2
     padding: Theme.space2
     visible: root.policy !== T.ScrollBar.AlwaysOff && root.size < 1
 

@@ -1,5 +1,7 @@
 pragma Singleton
 import QtQuick
+// The module it is in, by name: a file finds its folder's QML types by itself, but not the C++ ones.
+import Lumenpair.Kit
 
 /// Colours, lengths, type and motion of every screen, in light and dark and in every scale.
 ///
@@ -83,16 +85,8 @@ QtObject {
     readonly property int motion: root.reducedMotion ? 0 : 120
     readonly property int motionSlow: root.reducedMotion ? 0 : 180
 
-    /// In the order they are wished for; the first that is installed draws everything, Latin letters too.
-    readonly property list<string> fontFamilies: ["PingFang SC", "Noto Sans CJK SC", "Source Han Sans SC"]
-    readonly property string fontFamily: root.installed(root.fontFamilies)
-    readonly property string monoFamily: Qt.platform.os === "osx" ? "Menlo" : "Noto Sans Mono CJK SC"
-
-    function installed(families: list<string>): string {
-        const all = Qt.fontFamilies();
-        const index = families.findIndex(family => all.includes(family));
-        return index >= 0 ? families[index] : Qt.application.font.family;
-    }
+    readonly property string fontFamily: LMPFonts.family
+    readonly property string monoFamily: LMPFonts.monoFamily
 
     /// A length of the design, in the pixels of the chosen scale.
     function dp(length: real): int {

@@ -5,6 +5,7 @@
 #include "platform/Log.h"
 #include "platform/ProcessPrivacy.h"
 #include "platform/UserDefaults.h"
+#include "screens/kit/LMPFonts.h"
 #include "screens/shell/QmlModules.h"
 #include "screens/shell/WindowScene.h"
 
@@ -66,7 +67,7 @@ bool WindowApplication::start() {
     m_firstPane.begin(m_engine, qEnvironmentVariableIsEmpty("LMP_TOKEN") ? std::nullopt : std::optional(true));
     detach(open(), "opening the service");
     PreloadedPane::goOn();
-    QFontMetrics(QGuiApplication::font()).horizontalAdvance(u'正');
+    QFontMetrics(QFont(LMPFonts::family())).horizontalAdvance(u'正');
     PreloadedPane::goOn();
     WindowScene *scene = openWindow();
     if (scene && !m_options.link.isEmpty())
