@@ -1,5 +1,7 @@
 #include "screens/shell/PreloadedPane.h"
 
+#include "screens/shell/QmlModules.h"
+
 #include <QCoreApplication>
 #include <QQmlComponent>
 
@@ -14,8 +16,14 @@ const QString signedInKey = u"lmp.window.signedin.v1"_s;
 
 } // namespace
 
-PreloadedPane::PreloadedPane(Settings &settings)
-    : m_settings(settings) {}
+PreloadedPane::PreloadedPane(QQmlEngine &engine, Settings &settings)
+    : m_engine(engine)
+    , m_settings(settings) {
+    QmlModules::provide(engine);
+    // One thread reads them in turn: what the window is made with must not wait behind what comes after it.
+    read("Main"_L1);
+    read("LaunchPane"_L1);
+}
 
 PreloadedPane::~PreloadedPane() = default;
 
@@ -23,11 +31,12 @@ QUrl PreloadedPane::file(QLatin1StringView screen) {
     return QUrl(u"qrc:/qt/qml/Lumenpair/Shell/%1.qml"_s.arg(screen));
 }
 
-void PreloadedPane::begin(QQmlEngine &engine, std::optional<bool> signedIn) {
-    const bool shell = signedIn.value_or(m_settings.value(signedInKey).has_value());
-    // One thread reads them in turn: what the window is made with must not wait behind what comes after it.
-    for (const auto pane : {"Main"_L1, "LaunchPane"_L1, shell ? "MainShell"_L1 : "SignedOutPane"_L1})
-        m_read.push_back(std::make_unique<QQmlComponent>(&engine, file(pane), QQmlComponent::Asynchronous));
+void PreloadedPane::guess(std::optional<bool> signedIn) {
+    read(signedIn.value_or(m_settings.value(signedInKey).has_value()) ? "MainShell"_L1 : "SignedOutPane"_L1);
+}
+
+void PreloadedPane::read(QLatin1StringView screen) {
+    m_read.push_back(std::make_unique<QQmlComponent>(&m_engine, file(screen), QQmlComponent::Asynchronous));
 }
 
 void PreloadedPane::goOn() {

@@ -19,20 +19,24 @@ namespace lmp {
 /// nothing else. Owned by WindowApplication, UI thread.
 class PreloadedPane {
 public:
-    /// @param settings outlives it
-    explicit PreloadedPane(Settings &settings);
+    /// Begins with what every start comes by.
+    /// @param engine, settings outlive it
+    PreloadedPane(QQmlEngine &engine, Settings &settings);
     ~PreloadedPane();
 
     /// Where a screen of the shell is read from.
     static QUrl file(QLatin1StringView screen);
-    /// Begins to read. @param signedIn what is known already; without it the last run counts
-    void begin(QQmlEngine &engine, std::optional<bool> signedIn);
+    /// Goes on to the screen behind that. @param signedIn what is known already; without it the last run counts
+    void guess(std::optional<bool> signedIn);
     /// Lets the reading go on where it waits for this thread, as it does at each plugin. Between long pieces of work.
     static void goOn();
     /// The run ends here: that is the guess of the next one.
     void keep(bool signedIn);
 
 private:
+    void read(QLatin1StringView screen);
+
+    QQmlEngine &m_engine;
     Settings &m_settings;
     std::vector<std::unique_ptr<QQmlComponent>> m_read;
 };

@@ -6,7 +6,6 @@
 #include "platform/ProcessPrivacy.h"
 #include "platform/UserDefaults.h"
 #include "screens/kit/LMPFonts.h"
-#include "screens/shell/QmlModules.h"
 #include "screens/shell/WindowScene.h"
 
 #include <QFileOpenEvent>
@@ -28,12 +27,11 @@ WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanosec
     : m_options(std::move(options))
     , m_processStartAt(processStartAt)
     , m_settings(makeUserDefaults(ApplicationSupport(m_options.profile)))
+    , m_firstPane(m_engine, *m_settings)
     , m_appearance(*m_settings)
     , m_application(WindowApplication::options(m_options, processStartAt))
     , m_quitting([this] { return m_application.localInput().saveAll(); }, m_application.clock())
-    , m_macLifecycle(m_quitting)
-    , m_firstPane(*m_settings) {
-    QmlModules::provide(m_engine);
+    , m_macLifecycle(m_quitting) {
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::endSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
@@ -64,7 +62,7 @@ Application::Options WindowApplication::options(const WindowOptions &options, st
 bool WindowApplication::start() {
     // Screens are read and the keychain answers in threads of their own, and the first text needs its font: all at
     // once.
-    m_firstPane.begin(m_engine, qEnvironmentVariableIsEmpty("LMP_TOKEN") ? std::nullopt : std::optional(true));
+    m_firstPane.guess(qEnvironmentVariableIsEmpty("LMP_TOKEN") ? std::nullopt : std::optional(true));
     detach(open(), "opening the service");
     PreloadedPane::goOn();
     QFontMetrics(QFont(LMPFonts::family())).horizontalAdvance(u'正');

@@ -78,6 +78,8 @@ private:
     WindowOptions m_options;
     std::chrono::nanoseconds m_processStartAt;
     std::unique_ptr<Settings> m_settings;
+    QQmlEngine m_engine;
+    PreloadedPane m_firstPane; ///< before the rest: another thread reads while that is being made
     AppearanceModel m_appearance;
     Application m_application;
     MacQuitCoordinator m_quitting;
@@ -85,9 +87,7 @@ private:
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
     QString m_openError; ///< why the service was not found; for windows that open after that
-    QQmlEngine m_engine;
     std::unique_ptr<QQmlComponent> m_windowType;
-    PreloadedPane m_firstPane;
     std::vector<Shown> m_windows;
 };
 
