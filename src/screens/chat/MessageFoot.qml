@@ -5,12 +5,13 @@ import Lumenpair.Kit
 /// Under a reply: what it drew on, what it cost and when, and what can be done with it.
 ///
 /// Its height is known before its buttons are made, which happens when there is time: they are many, and nobody points
-/// at a message that has only just come into sight.
+/// at a message that has only just come into sight. While the view moves they are not begun.
 Item {
     id: root
 
     required property MessageItem row
     required property bool attended
+    required property bool rested
     readonly property bool headed: root.row.usedCount > 0 || root.row.stateLine() !== ""
     readonly property bool stacked: root.headed && root.width < Theme.dp(690)
 
@@ -38,7 +39,7 @@ Item {
     }
     LazyPart {
         urgent: false
-        wanted: true
+        wanted: root.rested || root.attended
         opacity: !root.row.streaming && (root.attended || root.row.last || root.row.retryBusy) ? 1 : 0
         part: root.row.column.actions
         subject: root.row

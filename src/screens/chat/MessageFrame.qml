@@ -10,6 +10,9 @@ T.Control {
 
     required property MessageItem row
     readonly property bool attended: root.hovered || root.row.focused
+    readonly property bool still: !root.row.column.moving
+    /// Whether the view has stood still with this: nobody points at what only passes by.
+    property bool rested: false
     /// To the message above, in lengths of the design.
     property real gap: 20
     default property alias parts: column.data
@@ -20,6 +23,12 @@ T.Control {
     focusPolicy: root.row.seen ? Qt.TabFocus : Qt.NoFocus
     hoverEnabled: true
     implicitHeight: column.y + column.height
+
+    Component.onCompleted: root.rested = root.still
+    onStillChanged: {
+        if (root.still)
+            root.rested = true;
+    }
 
     Loader {
         active: root.visualFocus

@@ -28,7 +28,7 @@ MessageFrame {
             anchors.rightMargin: Theme.space4
             anchors.verticalCenter: bubble.verticalCenter
             urgent: false
-            wanted: true
+            wanted: root.rested || root.attended
             opacity: root.attended ? 1 : 0
             part: root.row.column.copy
             subject: root.row

@@ -141,6 +141,7 @@ FocusScope {
             twinMessage: TwinMessage {}
             usedChip: UsedChip {}
             focusedRow: root.focusedRow
+            moving: scroll.moving
             topPadding: Theme.dp(8)
             width: root.columnWidth
             x: Math.round((root.width - root.columnWidth) / 2)

@@ -9,6 +9,8 @@ Column {
     required property int count
     /// The row that has the focus somewhere within.
     property Item focusedRow: null
+    /// The view was moved just now.
+    property bool moving: false
 
     /// What messages are made of, made once for all of them.
     property Component ownMessage

@@ -8,6 +8,9 @@ MessageItem {
 
     /// Set by who scrolls: whether it is near enough to be made.
     property bool awake: false
+    /// So, too: whether it is to be made at once, and not when there is time.
+    property bool urgent: false
+    readonly property bool made: place.item !== null
     property real knownHeight: 0
     property real knownWidth: 0
 
@@ -43,7 +46,7 @@ MessageItem {
 
         part: root.column ? (root.own ? root.column.ownMessage : root.column.twinMessage) : null
         subject: root
-        urgent: root.seen
+        urgent: root.urgent
         wanted: root.awake || root.focused
         width: root.width
     }

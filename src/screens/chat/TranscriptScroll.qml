@@ -28,6 +28,15 @@ Item {
     property real lastY: 0
     property bool settling: false
 
+    /// Whether the view was moved just now.
+    readonly property alias moving: motion.running
+    /// Rows came into sight by moving and are not all made yet: between two frames as many as there is time for.
+    property bool filling: false
+    /// The rows that may be awake, from the first up to but not with the last; stale when rows have come or gone.
+    property int wokenFrom: 0
+    property int wokenTo: 0
+    property bool wokenStale: true
+
     function hold() {
         root.following = true;
         root.newBelow = false;
@@ -61,6 +70,7 @@ Item {
     }
     /// After the view was moved by a person, however that was done.
     function moved(distance: real) {
+        motion.restart();
         const toEnd = root.lowest - root.view.contentY;
         root.following = toEnd <= root.grip && !(distance < 0 && toEnd > 0);
         if (toEnd <= root.grip)
@@ -103,8 +113,8 @@ Item {
         root.view.contentY = Math.round(top);
         root.settling = false;
     }
-    /// Holds on to the first row of which something is in sight when the view is at `top`.
-    function takeAnchor(top: real): void {
+    /// The first row that ends below `top`, or else the last.
+    function rowAt(top: real): int {
         let low = 0;
         let high = root.rows.count - 1;
         while (low < high) {
@@ -115,7 +125,11 @@ Item {
             else
                 high = middle;
         }
-        root.anchorRow = root.rows.itemAt(low) as TranscriptRow;
+        return low;
+    }
+    /// Holds on to the first row of which something is in sight when the view is at `top`.
+    function takeAnchor(top: real): void {
+        root.anchorRow = root.rows.itemAt(root.rowAt(top)) as TranscriptRow;
         root.anchorOffset = root.anchorRow ? root.anchorRow.y - root.view.contentY : 0;
     }
     /// Fills the rows near the view and empties those far from it.
@@ -123,19 +137,37 @@ Item {
         const top = root.view.contentY;
         const bottom = top + root.view.height;
         const ahead = root.view.height * 0.6;
-        for (let i = 0; i < root.rows.count; ++i) {
+        let i = root.wokenStale ? 0 : Math.min(root.wokenFrom, root.rowAt(top - 2 * ahead));
+        let from = root.rows.count;
+        let to = 0;
+        let filling = false;
+        for (; i < root.rows.count; ++i) {
             const row = root.rows.itemAt(i) as TranscriptRow;
             if (!row)
                 continue;
-            const above = top - (row.y + row.height);
             const below = row.y - bottom;
-            const distance = Math.max(above, below);
+            if (below > 2 * ahead && i >= root.wokenTo && !root.wokenStale)
+                break;
+            const distance = Math.max(top - (row.y + row.height), below);
+            const waits = distance < 0 && !row.made && (root.moving || root.filling);
             row.seen = distance < 0;
+            row.urgent = row.seen && !waits;
+            filling = filling || waits;
             if (distance < ahead)
                 row.awake = true;
             else if (distance > 2 * ahead)
                 row.awake = false;
+            if (row.awake) {
+                from = Math.min(from, i);
+                to = i + 1;
+            }
         }
+        root.wokenFrom = from;
+        root.wokenTo = to;
+        root.wokenStale = false;
+        root.filling = filling;
+        if (filling)
+            filler.restart();
         if (top < root.view.height)
             root.nearFirst();
         if (root.lowest - top < root.view.height)
@@ -171,6 +203,29 @@ Item {
         interval: 0
 
         onTriggered: root.wake()
+    }
+    // Not at once: a timer that begins itself again without a pause lets no frame through.
+    Timer {
+        id: filler
+
+        interval: 16
+
+        onTriggered: root.wake()
+    }
+    Timer {
+        id: motion
+
+        interval: 120
+    }
+    Connections {
+        function onItemAdded() {
+            root.wokenStale = true;
+        }
+        function onItemRemoved() {
+            root.wokenStale = true;
+        }
+
+        target: root.rows
     }
     Connections {
         // In the middle of laying out: the height of the whole is not known yet, so nothing is bounded and nothing filled.

@@ -25,6 +25,7 @@ MessageFrame {
     }
     MessageFoot {
         attended: root.attended
+        rested: root.rested
         row: root.row
         width: root.width
     }

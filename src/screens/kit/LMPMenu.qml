@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import "inputKeys.js" as InputKeys
 
 /// A menu of LMPMenuItem, opened with popup() or at a place of its parent. The keyboard goes back where it was, unless
 /// what was chosen has taken it.
@@ -7,6 +8,8 @@ T.Menu {
     id: root
 
     property Item before: null
+    /// How it came there: who goes by keys must see where the keyboard is afterwards, too.
+    property int beforeReason: Qt.PopupFocusReason
 
     cascade: true
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
@@ -42,11 +45,14 @@ T.Menu {
     delegate: LMPMenuItem {
     }
 
-    onAboutToShow: root.before = root.parent ? root.parent.Window.activeFocusItem : null
+    onAboutToShow: {
+        root.before = root.parent ? root.parent.Window.activeFocusItem : null;
+        root.beforeReason = InputKeys.reasonOf(root.before);
+    }
     onClosed: {
         const window = root.before ? root.before.Window : null;
-        if (window && (window.activeFocusItem === null || window.activeFocusItem === window.contentItem))
-            root.before.forceActiveFocus(Qt.PopupFocusReason);
+        if (window && [null, window.contentItem, root.before].includes(window.activeFocusItem))
+            root.before.forceActiveFocus(root.beforeReason);
         root.before = null;
     }
 }

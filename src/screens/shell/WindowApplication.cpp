@@ -32,6 +32,7 @@ WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanosec
     , m_application(WindowApplication::options(m_options, processStartAt))
     , m_quitting([this] { return m_application.localInput().saveAll(); }, m_application.clock())
     , m_macLifecycle(m_quitting) {
+    m_engine.setIncubationController(&m_incubation);
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::endSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
@@ -62,7 +63,7 @@ Application::Options WindowApplication::options(const WindowOptions &options, st
 bool WindowApplication::start() {
     // Screens are read and the keychain answers in threads of their own, and the first text needs its font: all at
     // once.
-    m_firstPane.guess(qEnvironmentVariableIsEmpty("LMP_TOKEN") ? std::nullopt : std::optional(true));
+    m_firstPane.guess(m_application.tokenIsGiven() ? std::optional(true) : std::nullopt);
     detach(open(), "opening the service");
     PreloadedPane::goOn();
     QFontMetrics(QFont(LMPFonts::family())).horizontalAdvance(u'正');

@@ -4,6 +4,7 @@
 #include "app/MacAppLifecycle.h"
 #include "app/SingleInstance.h"
 #include "screens/shell/AppearanceModel.h"
+#include "screens/shell/IdleIncubation.h"
 #include "screens/shell/PreloadedPane.h"
 #include "screens/shell/WindowOptions.h"
 
@@ -78,6 +79,7 @@ private:
     WindowOptions m_options;
     std::chrono::nanoseconds m_processStartAt;
     std::unique_ptr<Settings> m_settings;
+    IdleIncubation m_incubation;
     QQmlEngine m_engine;
     PreloadedPane m_firstPane; ///< before the rest: another thread reads while that is being made
     AppearanceModel m_appearance;

@@ -194,6 +194,19 @@ TestCase {
         tryCompare(menu, "visible", false);
     }
 
+    function test_aMenuShowsWhereTheKeyboardIsAfterIt() {
+        for (const reason of [Qt.TabFocusReason, Qt.MouseFocusReason]) {
+            area.forceActiveFocus();
+            button.forceActiveFocus(reason);
+            menu.popup(root, 10, 10);
+            tryCompare(menu, "opened", true);
+            keyClick(Qt.Key_Escape);
+            tryCompare(menu, "visible", false);
+            tryCompare(button, "activeFocus", true);
+            compare(button.visualFocus, reason === Qt.TabFocusReason);
+        }
+    }
+
     function test_radios() {
         first.forceActiveFocus(Qt.TabFocusReason);
         keyClick(Qt.Key_Right);
