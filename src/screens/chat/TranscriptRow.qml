@@ -8,7 +8,7 @@ MessageItem {
 
     /// Set by who scrolls: whether it is near enough to be made.
     property bool awake: false
-    /// So, too: whether it is to be made at once, and not when there is time.
+    /// Set likewise: whether it is to be made at once, and not when there is time.
     property bool urgent: false
     readonly property bool made: place.item !== null
     property real knownHeight: 0
