@@ -1,6 +1,6 @@
 #include "app/Application.h"
 
-#include "core/PoolAwaiter.h"
+#include "core/FilesSettled.h"
 #include "core/RequestURL.h"
 #include "dev/DevProcessRegistry.h"
 #include "platform/FileThread.h"
@@ -93,7 +93,7 @@ QCoro::Task<> Application::close() {
     if (self && m_auth)
         co_await m_auth->keychainSettled(2s);
     // Behind what is being written, so that whoever waits for it hears of it while there is a loop to be told by.
-    co_await PoolAwaiter([] { return true; }, &FileThread::pool());
+    co_await filesSettled();
 }
 
 void Application::endChildren() {

@@ -3,6 +3,7 @@
 #include "conversation/KeptTextClaim.h"
 #include "conversation/KeptTextWrite.h"
 #include "core/Detach.h"
+#include "core/FilesSettled.h"
 #include "core/PoolAwaiter.h"
 #include "platform/FileThread.h"
 
@@ -206,7 +207,7 @@ QCoro::Task<bool> KeptTexts::keep() {
     const QPointer self(this);
     // What is being written need not be written twice.
     while (self && m_writing > 0)
-        co_await PoolAwaiter([] { return true; }, &FileThread::pool());
+        co_await filesSettled();
     if (self && m_restoredAccount != m_account)
         co_await restore();
     if (!self)

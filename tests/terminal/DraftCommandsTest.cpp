@@ -92,12 +92,9 @@ TEST_F(DraftCommandsTest, ADraftIsKeptWhileNobodyCanSayWhoIsThere) {
 }
 
 TEST_F(DraftCommandsTest, AKilledProgramLosesNoInput) {
-    fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
     QProcess program;
-    start(program, {u"chat"_s, u"--jsonl"_s, u"别丢了这句"_s}, m_token);
-    program.closeWriteChannel();
-    QByteArray out;
-    ASSERT_TRUE(eventually([&] { return (out += program.readAllStandardOutput()).contains("\"delta\""); }, 60'000));
+    const QByteArray out = sayAndStall(program, u"别丢了这句"_s);
+    ASSERT_TRUE(out.contains("\"delta\""));
     // The input goes to the disk beside the request, and while the reply is still on its way.
     ASSERT_TRUE(eventually([&] { return isOnDisk("别丢了这句"); }));
     EXPECT_EQ(program.state(), QProcess::Running);

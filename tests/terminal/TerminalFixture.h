@@ -55,6 +55,16 @@ protected:
         program.start(QCoreApplication::applicationDirPath() + u"/lumenpair"_s,
                       QStringList{u"--site"_s, m_site.toString()} + arguments);
     }
+    /// Says `words` to a service that falls silent once it has begun to reply.
+    /// @return what the program has said until then
+    QByteArray sayAndStall(QProcess &program, const QString &words) {
+        fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
+        start(program, {u"chat"_s, u"--jsonl"_s, words}, m_token);
+        program.closeWriteChannel();
+        QByteArray out;
+        EXPECT_TRUE(eventually([&] { return (out += program.readAllStandardOutput()).contains("\"delta\""); }, 60'000));
+        return out;
+    }
     Run finish(QProcess &program) {
         // With the event loop running, since a stub in this process may have to answer meanwhile.
         EXPECT_TRUE(eventually([&] { return program.state() == QProcess::NotRunning; }, 60'000));

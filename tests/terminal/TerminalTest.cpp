@@ -102,14 +102,8 @@ TEST_F(TerminalTest, EveryOutcomeHasItsCodeAndItsSentence) {
 }
 
 TEST_F(TerminalTest, CtrlCStopsTheReplyAndKeepsIt) {
-    fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
     QProcess program;
-    start(program, {u"chat"_s, u"--jsonl"_s, u"慢慢说"_s}, m_token);
-    program.closeWriteChannel();
-    QByteArray out;
-    while (!out.contains("\"delta\"") && program.waitForReadyRead(20'000))
-        out += program.readAllStandardOutput();
-    ASSERT_TRUE(out.contains("\"delta\""));
+    ASSERT_TRUE(sayAndStall(program, u"慢慢说"_s).contains("\"delta\""));
     ::kill(pid_t(program.processId()), SIGINT);
     const auto stopped = finish(program);
     EXPECT_EQ(stopped.code, 130);

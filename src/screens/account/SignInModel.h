@@ -118,11 +118,11 @@ public:
     const QString &providerText() const { return m_providerText; }
     /// Whether `cancelProvider` ends what is waited for; a sheet of the system has a button of its own.
     bool providerCancels() const { return m_providerCancels; }
-    /// The provider's page, when no browser took it.
     Qt::InputMethodHints addressHints() const {
         return asksPhone() ? Qt::ImhDialableCharactersOnly : Qt::ImhEmailCharactersOnly;
     }
     Qt::InputMethodHints codeHints() const { return Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText; }
+    /// The provider's page, while it is waited for.
     QString providerLink() const { return m_providerLink; }
     bool providerOpened() const { return m_providerOpened; }
 

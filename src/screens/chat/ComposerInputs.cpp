@@ -1,7 +1,6 @@
 #include "screens/chat/ComposerInputs.h"
 
-#include "core/PoolAwaiter.h"
-#include "platform/FileThread.h"
+#include "core/FilesSettled.h"
 
 #include <QPointer>
 #include <QSet>
@@ -100,7 +99,7 @@ std::optional<QString> ComposerInputs::typedLast(const std::function<bool(const 
 
 QCoro::Task<> ComposerInputs::looked() {
     // Behind the look, which was given to the file thread before.
-    co_await PoolAwaiter([] { return true; }, &FileThread::pool());
+    co_await filesSettled();
 }
 
 bool ComposerInputs::isInUse(const QString &id) {
