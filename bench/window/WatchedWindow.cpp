@@ -37,11 +37,13 @@ WatchedWindow::WatchedWindow()
     int errors = 0;
     if (!XDamageQueryExtension(m_display, &m_damage, &errors))
         throw std::runtime_error("the display tells nothing of damage");
+    m_picture = std::make_unique<SharedPicture>(m_display);
     XSelectInput(m_display, DefaultRootWindow(m_display), SubstructureNotifyMask);
     XSync(m_display, False);
 }
 
 WatchedWindow::~WatchedWindow() {
+    m_picture.reset();
     XCloseDisplay(m_display);
 }
 
@@ -66,7 +68,7 @@ bool WatchedWindow::takeEvents() {
     return changed;
 }
 
-WatchedWindow::Frame WatchedWindow::grab() const {
+WatchedWindow::Frame WatchedWindow::grab() {
     Frame frame;
     frame.time = Clock::now();
     XWindowAttributes attributes;
@@ -74,17 +76,9 @@ WatchedWindow::Frame WatchedWindow::grab() const {
         return frame;
     const int width = std::min(attributes.width, DisplayWidth(m_display, 0) - attributes.x);
     const int height = std::min(attributes.height, DisplayHeight(m_display, 0) - attributes.y);
-    XImage *image = XGetImage(m_display, m_window, 0, 0, unsigned(width), unsigned(height), AllPlanes, ZPixmap);
-    if (!image)
-        return frame;
+    const auto pixels = m_picture->take(m_window, width, height);
     frame.width = width;
-    frame.pixels.reserve(std::size_t(width) * std::size_t(height));
-    for (int y = 0; image->bits_per_pixel == 32 && y < height; ++y) {
-        const auto *row =
-            reinterpret_cast<const std::uint32_t *>(image->data + std::ptrdiff_t(y) * image->bytes_per_line);
-        frame.pixels.insert(frame.pixels.end(), row, row + width);
-    }
-    XDestroyImage(image);
+    frame.pixels.assign(pixels.begin(), pixels.end());
     return frame;
 }
 
@@ -131,8 +125,13 @@ void WatchedWindow::type(const std::string &text) {
 bool WatchedWindow::showsText(const Frame &frame) {
     std::array<std::uint32_t, textColours> seen = {};
     std::size_t count = 0;
+    std::uint32_t last = 0;
     for (const std::uint32_t pixel : frame.pixels) {
         const std::uint32_t colour = pixel & 0xffffff;
+        // A window is areas of one colour for the most part.
+        if (count > 0 && colour == last)
+            continue;
+        last = colour;
         const auto end = seen.begin() + std::ptrdiff_t(count);
         if (std::find(seen.begin(), end, colour) != end)
             continue;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "SharedPicture.h"
+
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,10 +49,11 @@ public:
 private:
     /// Takes what the display has to tell. Returns whether the window has changed.
     bool takeEvents();
-    Frame grab() const;
+    Frame grab();
 
     _XDisplay *m_display;
     int m_damage = 0; ///< number of the first event of the damage extension
+    std::unique_ptr<SharedPicture> m_picture;
     unsigned long m_window = 0;
     std::chrono::steady_clock::time_point m_mappedAt;
     std::vector<Frame> m_frames;
