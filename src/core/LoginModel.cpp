@@ -89,10 +89,22 @@ bool LoginModel::usesPhone() const {
     return m_mode == Mode::sms || m_mode == Mode::password || (m_mode == Mode::reset && !m_fields.resetByEmail);
 }
 
+QString LoginModel::address() const {
+    if (!usesPhone())
+        return m_fields.email.trimmed();
+    const QString digits = phoneDigits();
+    return digits.isEmpty() ? digits : m_fields.dialCode + u' ' + digits;
+}
+
+int LoginModel::resendIn() const {
+    const auto left = m_sendableAt.value(address()) - m_clock.monotonic();
+    return std::max(0, int(std::chrono::ceil<std::chrono::seconds>(left).count()));
+}
+
 bool LoginModel::canSendCode() const {
     const bool hasCode = m_mode == Mode::sms || m_mode == Mode::emailRegister || m_mode == Mode::reset;
     const bool addressed = usesPhone() ? phoneIsUsable() : !m_fields.email.trimmed().isEmpty();
-    return hasCode && addressed && !m_sending && m_resendIn == 0;
+    return hasCode && addressed && !m_sending && resendIn() == 0;
 }
 
 bool LoginModel::canSubmit() const {
@@ -132,6 +144,7 @@ QCoro::Task<> LoginModel::sendCode() {
         co_return;
     m_sending = true;
     const bool byEmail = !usesPhone();
+    const QString sentTo = address();
     auto request = codeRequest();
     begin();
     const auto answer = co_await request;
@@ -142,7 +155,7 @@ QCoro::Task<> LoginModel::sendCode() {
         fail(reasonOr(answer.error(), codeNotSent));
         co_return;
     }
-    m_resendIn = resendSeconds;
+    m_sendableAt[sentTo] = m_clock.monotonic() + std::chrono::seconds(resendSeconds);
     detach(countDown(), "LoginModel::countDown");
     if (answer->devCode && !answer->devCode->isEmpty()) {
         fillCode(byEmail, *answer->devCode);
@@ -159,12 +172,11 @@ void LoginModel::fillCode(bool byEmail, const QString &code) {
 QCoro::Task<> LoginModel::countDown() {
     const QPointer self(this);
     const auto stop = m_stop.get_token();
-    while (co_await m_clock.sleep(1s, stop)) {
+    for (int second = 0; second < resendSeconds && co_await m_clock.sleep(1s, stop); ++second) {
         if (!self)
             co_return;
-        const bool last = --m_resendIn == 0;
         Q_EMIT changed();
-        if (last)
+        if (!self)
             co_return;
     }
 }

@@ -4,6 +4,10 @@
 #include "core/AuthStore.h"
 #include "core/GoogleSignIn.h"
 
+#include <QHash>
+
+#include <chrono>
+
 namespace lmp {
 
 /// The state behind signing in: the fields of each way, what is wrong with them, and what the service said.
@@ -59,8 +63,10 @@ public:
     bool canSubmit() const;
     bool isSending() const { return m_sending; }
     bool isSubmitting() const { return m_submitting; }
-    /// Seconds until a code may be sent again.
-    int resendIn() const { return m_resendIn; }
+    /// The phone number or the e-mail address that the mode asks for, as a code is sent to it; empty without one.
+    QString address() const;
+    /// Seconds until a code may be sent again to this address: it alone got the last one.
+    int resendIn() const;
     /// The last good news, e.g. that a code is on its way.
     const QString &notice() const { return m_notice; }
     /// The last failure.
@@ -107,7 +113,7 @@ private:
     Fields m_fields;
     bool m_sending = false;
     bool m_submitting = false;
-    int m_resendIn = 0;
+    QHash<QString, std::chrono::nanoseconds> m_sendableAt; ///< after the address, by the clock's monotonic time
     QString m_notice;
     QString m_message;
     std::optional<NewAccountNotice> m_newAccount;

@@ -181,6 +181,15 @@ TEST_F(LoginModelTest, MaySendAgainAfterAMinute) {
     EXPECT_EQ(model.resendIn(), 1);
     await(model.sendCode());
     EXPECT_EQ(server.requests.size(), 1u);
+    // Who mistyped the number does not wait for the right one, and whoever waits does so in every mode.
+    auto corrected = everything();
+    corrected.phone = u"13800138001"_s;
+    fill(Mode::sms, corrected);
+    EXPECT_EQ(model.resendIn(), 0);
+    EXPECT_TRUE(model.canSendCode());
+    fill(Mode::reset, everything());
+    EXPECT_FALSE(model.canSendCode());
+    fill(Mode::sms, everything());
     clock.advance(1s);
     settle();
     EXPECT_EQ(model.resendIn(), 0);

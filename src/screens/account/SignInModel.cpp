@@ -225,7 +225,8 @@ QString SignInModel::emailMessage() const {
 }
 
 QString SignInModel::codeMessage() const {
-    return m_action == Action::SendCode ? m_login->message() : missing(Field::CodeField, u"还没填验证码"_s);
+    const QString gap = missing(Field::CodeField, u"还没填验证码"_s);
+    return gap.isEmpty() && tellsOfCode() ? m_login->message() : gap;
 }
 
 QString SignInModel::passwordMessage() const {
@@ -237,7 +238,11 @@ QString SignInModel::message() const {
 }
 
 QString SignInModel::codeNotice() const {
-    return m_codeNotices.join(u'\n');
+    return tellsOfCode() ? m_codeNotices.join(u'\n') : QString();
+}
+
+bool SignInModel::tellsOfCode() const {
+    return m_action == Action::SendCode && m_codeAddress == m_login->address();
 }
 
 QString SignInModel::sendText() const {
@@ -277,6 +282,7 @@ SignInModel::Field SignInModel::sendCode() {
         return m_missing;
     }
     begin(Action::SendCode);
+    m_codeAddress = m_login->address();
     detach(m_login->sendCode(), "LoginModel::sendCode");
     return Field::NoField;
 }

@@ -153,6 +153,8 @@ private:
     void begin(Action action);
     void makeLogin();
     Field firstMissing() const;
+    /// Whether the last code was asked for by who is in the field now.
+    bool tellsOfCode() const;
     QString missing(Field field, const QString &text) const { return m_missing == field ? text : QString(); }
     QCoro::Task<> submitNow();
     void startProvider(const QString &text, bool cancels);
@@ -167,6 +169,7 @@ private:
     QString m_providerLink;
     bool m_providerOpened = false;
     QStringList m_codeNotices;
+    QString m_codeAddress; ///< whom they are about
     QString m_notice;
 };
 
