@@ -44,12 +44,16 @@ QString runtimeFolder() {
 
 /// Four bytes of length, most significant first, then JSON.
 QByteArray framed(SingleInstance::Handover handover) {
-    // What is longer than any link we follow is of no use to the first one either.
-    handover.arguments.removeIf([](const QString &argument) { return argument.size() > longestArgument; });
+    // What is longer than any link we follow leads nowhere, and the first one says so of its beginning.
+    for (QString &argument : handover.arguments)
+        argument.truncate(longestArgument);
     handover.arguments = handover.arguments.first(std::min(handover.arguments.size(), mostArguments));
     QByteArray body = Json::encode(handover);
-    if (body.size() > SingleInstance::longestMessage)
-        body = Json::encode(SingleInstance::Handover{.arguments = {}, .activationToken = {}});
+    if (body.size() > SingleInstance::longestMessage) {
+        handover.arguments = handover.arguments.first(std::min<qsizetype>(handover.arguments.size(), 1));
+        handover.activationToken.clear();
+        body = Json::encode(handover);
+    }
     QByteArray frame(4, '\0');
     qToBigEndian(quint32(body.size()), frame.data());
     return frame + body;
