@@ -341,6 +341,11 @@ void ChatModel::setNotice(const QString &notice) {
         Q_EMIT noticeChanged();
 }
 
+bool ChatModel::neverAtService() const {
+    const ConversationDTO *conversation = m_session.conversation();
+    return !m_session.known() && !(conversation && conversation->revision);
+}
+
 QString ChatModel::notice() const {
     QStringList notices{m_notice, m_leftNotice};
     notices.removeAll(QString());

@@ -89,6 +89,8 @@ public:
     bool conflicted() const { return m_session.conflicted(); }
     bool blocked() const { return m_session.conflicted() || m_session.draftChangedElsewhere(); }
     bool localOnly() const { return m_session.unsaved() && !m_session.isSaving() && isIdle(); }
+    /// Whether the service has never told of a revision of what is open.
+    bool neverAtService() const;
     QString notice() const;
     bool sending() const { return m_view.sending(); }
     bool awaitingReply() const { return m_view.awaitingReply(); }

@@ -143,7 +143,7 @@ ConversationListModel::Local ConversationListModel::Local::read(const Conversati
                                   .title = PlainLabel::line(entry.snapshot.title),
                                   .at = QDateTime::fromString(entry.updatedAt, Qt::ISODateWithMs),
                                   .draft = true,
-                                  .localOnly = true});
+                                  .localOnly = !entry.snapshot.revision});
         if (kept->unreadable > 0)
             local.notices << ConversationTexts::draftsKeptUnread(kept->unreadable);
     } else {
@@ -309,7 +309,7 @@ void ConversationListModel::onChatChanged() {
               .title = titled ? m_chat->title() : QString(),
               .at = {},
               .draft = titled && m_chat->localOnly(),
-              .localOnly = true};
+              .localOnly = m_chat->neverAtService()};
     // Not by what is selected: the list may have gone ahead.
     const bool other = std::exchange(m_openId, id) != id;
     select(id);
@@ -317,6 +317,15 @@ void ConversationListModel::onChatChanged() {
     // What was open before stands on disk as it was left.
     if (other)
         detach(readLocal(), "listing the drafts");
+    readUnlisted();
+}
+
+void ConversationListModel::readUnlisted() {
+    if (!m_loaded || m_open.id.isEmpty() || m_open.localOnly)
+        return;
+    const bool listed = std::ranges::find(m_summaries, m_open.id, &ConversationSummaryDTO::id) != m_summaries.end();
+    if (!listed && std::exchange(m_unlisted, m_open.id) != m_open.id)
+        refresh();
 }
 
 void ConversationListModel::recheckAccount() {

@@ -103,10 +103,13 @@ private:
     /// Makes `wanted` the shown row `row`; the rows before it are right.
     void place(qsizetype row, const ConversationRow &wanted);
     void onChatChanged();
+    /// Somebody made the open one elsewhere since the list was read: once more, and once for each such one.
+    void readUnlisted();
 
     ChatServices m_services;
     QString m_owner;                           ///< the account and sign-in that the rows are of
     quint64 m_generation = 0;                  ///< counts the owners
+    QString m_unlisted;                        ///< the last one that the list was read again for
     QList<ConversationSummaryDTO> m_summaries; ///< as the service said last
     Local m_local;
     QHash<QString, QDateTime> m_savedAt; ///< by this window

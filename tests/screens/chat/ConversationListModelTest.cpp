@@ -113,6 +113,37 @@ TEST_F(ConversationListModelTest, WhatThisMachineAloneHolds) {
     EXPECT_EQ(shownIn(0, "timeText"), u"刚刚"_s);
 }
 
+TEST_F(ConversationListModelTest, WhatIsAtTheServiceIsNotSaidToBeHereAlone) {
+    serve({"a"});
+    list.follow(chat.get());
+    refresh();
+    // Made elsewhere since, and opened by a link.
+    load(u"b"_s);
+    EXPECT_EQ(rows(), u"b*a"_s);
+    EXPECT_EQ(shownIn(0, "subtitle"), QString());
+    serve({"b", "a"});
+    load(u"c"_s);
+    EXPECT_TRUE(eventually([this] { return rows() == u"c*ba"_s; })) << "the list is read again";
+    // One of its own is here alone until it was saved.
+    server.on(sync, StubServer::reply(500, "{}"));
+    chat->begin();
+    turn(u"新的话"_s);
+    EXPECT_TRUE(eventually([this] { return shownIn(0, "subtitle") == u"只在本机，尚未同步"_s; }));
+    // A known one that could not be saved is not, whether the list can be read or not.
+    load(u"b"_s);
+    turn(u"在吗"_s);
+    server.on("/api/app/conversations", StubServer::reply(500, "{}"));
+    ConversationListModel offline(services());
+    offline.refresh();
+    EXPECT_TRUE(eventually([&] { return offline.rowCount() == 2; }));
+    QHash<QString, QString> said;
+    for (int row = 0; row < offline.rowCount(); ++row)
+        said[offline.data(offline.index(row), ConversationListModel::ConversationIdRole).toString()] =
+            offline.data(offline.index(row), ConversationListModel::SubtitleRole).toString();
+    EXPECT_EQ(said.value(u"b"_s), QString());
+    EXPECT_EQ(said.size(), 2);
+}
+
 TEST_F(ConversationListModelTest, WhatWasTypedForNoConversationHasARow) {
     list.follow(chat.get());
     // By another window, after this one has read what there was.
