@@ -96,10 +96,16 @@ T.Popup {
         }
     }
 
-    onActiveFocusChanged: {
-        if (root.held && !root.activeFocus)
+    // Not only what the popup itself hears of: a screen may take the keyboard while the window is not in front.
+    Connections {
+        function onActiveFocusItemChanged(): void {
             Qt.callLater(root.keepKeyboard); // qmllint disable type
+        }
+
+        enabled: root.held
+        target: root.parent ? root.parent.Window.window : null
     }
+
     onAboutToHide: root.held = false
     onAboutToShow: {
         root.held = true;

@@ -25,6 +25,12 @@ FocusScope {
         pages.forceActiveFocus();
     }
 
+    /// Who goes to a page by a key means to use it, wherever the keyboard was.
+    function enterPage(): void {
+        root.calledFor = false;
+        pages.forceActiveFocus(Qt.ShortcutFocusReason);
+    }
+
     /// The regions that F6 goes through.
     function movePane(step: int): void {
         const hasList = sidebar.hasList && !root.collapsed;
@@ -71,6 +77,7 @@ FocusScope {
         anchors.right: pages.right
         anchors.top: parent.top
         telemetry: root.scene.telemetry
+        onLeaving: pages.forceActiveFocus(Qt.TabFocusReason)
     }
 
     Loader {
@@ -92,6 +99,7 @@ FocusScope {
         height: said.item ? (said.item as WindowNoticeBar).implicitHeight : 0
 
         Component.onCompleted: said.follow()
+        onLoaded: (said.item as WindowNoticeBar).leaving.connect(() => pages.forceActiveFocus(Qt.TabFocusReason))
     }
 
     Connections {
@@ -147,6 +155,9 @@ FocusScope {
             case AppCommands.PreviousPane:
                 root.movePane(-1);
                 break;
+            default:
+                if (command >= AppCommands.TabNow && command <= AppCommands.Settings)
+                    root.enterPage();
             }
         }
 

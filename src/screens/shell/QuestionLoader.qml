@@ -1,7 +1,9 @@
 import QtQuick
+import Lumenpair.Kit
 import Lumenpair.Shell
 
-/// A question that is read when it is asked, and gone when it is answered.
+/// A question that is read when it is asked, and gone when it is answered: after it has closed, since it gives the
+/// keyboard back as it does.
 Loader {
     id: root
 
@@ -10,14 +12,27 @@ Loader {
     property string file
 
     function follow(): void {
-        if (root.asked)
+        const question = root.item as LMPModal;
+        if (root.asked && !question)
             root.setSource(root.file, {
                 scene: root.scene
             });
-        else
-            root.source = "";
+        else if (!root.asked && question)
+            question.close();
+    }
+
+    /// Not in the middle of its own signal.
+    function end(): void {
+        Qt.callLater(root.forget); // qmllint disable type
+    }
+
+    /// It may have been asked again on its way out.
+    function forget(): void {
+        root.source = "";
+        root.follow();
     }
 
     Component.onCompleted: root.follow()
     onAskedChanged: root.follow()
+    onLoaded: (root.item as LMPModal).closed.connect(root.end)
 }

@@ -3,15 +3,34 @@ import Lumenpair.Kit
 import Lumenpair.Shell
 
 /// Asks once whether usage may be told. It stays until it is answered and hides nothing.
-Item {
+FocusScope {
     id: root
 
     required property TelemetryModel telemetry
     readonly property bool shown: root.telemetry !== null && root.telemetry.asking
 
+    /// It is about to go, with the keyboard in it.
+    signal leaving
+
+    /// Nobody has agreed to what they could not have read: keys typed ahead may come to this bar as it appears.
+    function answer(agreed: bool): void {
+        if (unread.running)
+            return;
+        if (root.activeFocus)
+            root.leaving();
+        root.telemetry.answer(agreed);
+    }
+
     implicitHeight: root.shown ? banner.height + Theme.dp(16) : 0
     height: implicitHeight
     visible: root.shown
+
+    Timer {
+        id: unread
+
+        interval: 500
+        running: root.shown
+    }
 
     Rectangle {
         anchors.fill: parent
@@ -27,7 +46,7 @@ Item {
         width: parent.width - Theme.dp(24)
         x: Theme.dp(12)
         y: Theme.dp(8)
-        onAction: root.telemetry.answer(true)
-        onSecondAction: root.telemetry.answer(false)
+        onAction: root.answer(true)
+        onSecondAction: root.answer(false)
     }
 }

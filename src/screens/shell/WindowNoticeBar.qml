@@ -3,13 +3,26 @@ import Lumenpair.Kit
 import Lumenpair.Shell
 
 /// What is to be known in the whole window, until it is closed. It hides nothing.
-Rectangle {
+FocusScope {
     id: root
 
     required property WindowScene scene
 
-    color: Theme.surface
+    /// It is about to go, with the keyboard in it.
+    signal leaving
+
+    function close(): void {
+        if (root.activeFocus)
+            root.leaving();
+        root.scene.closeNotice();
+    }
+
     implicitHeight: banner.height + Theme.dp(16)
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.surface
+    }
 
     LMPBanner {
         id: banner
@@ -20,6 +33,6 @@ Rectangle {
         width: parent.width - Theme.dp(24)
         x: Theme.dp(12)
         y: Theme.dp(8)
-        onClosed: root.scene.closeNotice()
+        onClosed: root.close()
     }
 }

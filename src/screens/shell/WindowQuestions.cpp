@@ -20,6 +20,11 @@ void WindowQuestions::askToLeave(Leaving leaving, std::function<void()> how) {
     Q_EMIT changed();
 }
 
+void WindowQuestions::withdrawLeave() {
+    if (std::exchange(m_leave, nullptr))
+        Q_EMIT changed();
+}
+
 void WindowQuestions::answerLeave(bool leave) {
     const auto how = std::exchange(m_leave, nullptr);
     Q_EMIT changed();

@@ -38,6 +38,8 @@ public:
     void askToLeave(Leaving leaving, std::function<void()> how);
     /// The answer to `leaveWarning`.
     Q_INVOKABLE void answerLeave(bool leave);
+    /// There is nothing left to be lost: neither the question nor what waited for it.
+    void withdrawLeave();
     /// The answer to `closeWarning` of somebody who does not try again.
     Q_INVOKABLE void stayOpen() { setCloseWarning(false); }
 

@@ -148,6 +148,9 @@ void WindowScene::settleStage() {
     if (stage == m_stage)
         return;
     m_stage = stage;
+    // Whoever signed out in another window was told there what goes.
+    if (m_stage != Stage::Shell)
+        m_questions.withdrawLeave();
     Q_EMIT stageChanged();
     m_commands.setShellShown(m_stage == Stage::Shell);
     // The models of the account hear of the same change, and some of them after us.

@@ -113,6 +113,7 @@ TEST_F(WindowTest, EverythingIsReachedByKeys) {
     window.key(Qt::Key_Return);
     EXPECT_EQ(navigation->tab(), Tab::Social);
     window.key(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_TRUE(focused(u"LMPComposer"_s)) << "whoever goes there by a key means to write";
     window.key(Qt::Key_F, Qt::ControlModifier);
     EXPECT_TRUE(focused(u"ChatFindBar"_s));
     window.key(Qt::Key_Escape);
@@ -174,8 +175,18 @@ TEST_F(WindowTest, WhatIsSetIsThereAtTheNextStart) {
         WindowDriver window(options());
         ASSERT_TRUE(window.enterShell());
         EXPECT_TRUE(window.shows(u"可以发送使用情况"_s));
-        ASSERT_TRUE(window.click(u"不同意"_s));
+        // A key that was pressed before it could be read answers nothing.
+        window.find(u"LMPButton"_s, u"同意"_s)->forceActiveFocus(Qt::TabFocusReason);
+        window.key(Qt::Key_Return);
+        EXPECT_TRUE(window.scene().telemetry()->asking());
+        window.find(u"LMPButton"_s, u"不同意"_s)->forceActiveFocus(Qt::TabFocusReason);
+        EXPECT_TRUE(eventually([&] {
+            window.key(Qt::Key_Return);
+            return !window.scene().telemetry()->asking();
+        }));
         EXPECT_TRUE(window.hides(u"可以发送使用情况"_s));
+        window.type(u"接着说"_s);
+        EXPECT_EQ(window.scene().chat()->input(), u"接着说"_s) << "the keyboard goes on where one types";
         window.key(Qt::Key_Comma, Qt::ControlModifier);
         ASSERT_TRUE(window.click(u"深色"_s));
         window.key(Qt::Key_Plus, Qt::ControlModifier);
@@ -217,6 +228,7 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
     ASSERT_TRUE(window.click(u"返回应用"_s));
     ASSERT_TRUE(window.hides(u"未执行输入尚未保存"_s));
     EXPECT_EQ(window.program().quitting().state(), MacQuitCoordinator::State::Idle);
+    EXPECT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s)->hasActiveFocus(); }));
 
     window.key(Qt::Key_Q, Qt::ControlModifier);
     ASSERT_TRUE(window.shows(u"未执行输入尚未保存"_s));
@@ -364,6 +376,23 @@ TEST_F(WindowTest, WhoSignsInNextBeginsAtTheFirstTab) {
     window.scene().session()->signOut();
     ASSERT_TRUE(window.reaches(Stage::SignedOut));
     EXPECT_TRUE(eventually([&] { return window.scene().navigation()->tab() == Tab::Now; }));
+}
+
+TEST_F(WindowTest, AQuestionGoesWithWhatItIsAbout) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.scene().startConversation(true);
+    ASSERT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s) != nullptr; }));
+    window.type(u"只在这里说"_s);
+    window.key(Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_TRUE(window.shows(u"退出后，这段无痕对话将无法找回。"_s));
+    // As from another window.
+    window.scene().session()->signOut();
+    ASSERT_TRUE(window.reaches(Stage::SignedOut));
+    EXPECT_TRUE(window.hides(u"无法找回"_s));
+    window.type(u"13900000008"_s);
+    EXPECT_EQ(window.scene().session()->signIn()->phone(), u"13900000008"_s) << "the form has the keyboard";
 }
 
 TEST_F(WindowTest, LinksGoTheSameWayColdAndWarm) {
