@@ -9,20 +9,38 @@ Column {
     required property SignInModel signIn
     readonly property bool waiting: root.signIn.providerText !== ""
     property bool waited: false
+    property int reason: Qt.OtherFocusReason // qmllint disable type
+
+    /// What came into sight, and should be seen.
+    signal shown(Item item)
+
+    function wait(): ProviderWait {
+        return page.item as ProviderWait;
+    }
 
     /// The keyboard was at the button that has gone with the wait.
     function resume(): void {
         if (!root.waited || root.waiting || !google.visible || !google.enabled)
             return;
         root.waited = false;
-        google.forceActiveFocus(cancel.focusReason);
+        const wait = root.wait();
+        google.forceActiveFocus(wait ? wait.focusReason() : root.reason);
+    }
+
+    function follow(): void {
+        if (root.waiting) {
+            root.waited = true;
+            page.setSource("ProviderWait.qml", {
+                signIn: root.signIn
+            });
+        } else if (page.item) {
+            root.reason = root.wait().focusReason();
+            page.setSource("");
+        }
     }
 
     spacing: Theme.space12
-    onWaitingChanged: {
-        if (root.waiting)
-            root.waited = true;
-    }
+    onWaitingChanged: root.follow()
 
     LMPSeparator {
     }
@@ -47,29 +65,14 @@ Column {
         onClicked: root.signIn.signInWithApple()
     }
 
-    LMPBusy {
-        running: root.waiting
-        text: root.signIn.providerText
-    }
+    Loader {
+        id: page
 
-    LMPTextField {
-        helpText: root.signIn.providerOpened ? "浏览器没有打开时用它。" : "浏览器没有自己打开。"
-        label: "请在这台电脑的浏览器里打开："
-        readOnly: true
-        text: root.signIn.providerLink
-        visible: root.waiting && root.signIn.providerLink !== ""
+        visible: page.status === Loader.Ready
         width: parent.width
-    }
-
-    LMPButton {
-        id: cancel
-
-        text: "取消"
-        visible: root.waiting && root.signIn.providerCancels
-        onClicked: root.signIn.cancelProvider()
-        onVisibleChanged: {
-            if (cancel.visible)
-                cancel.forceActiveFocus(google.focusReason);
+        onLoaded: {
+            root.wait().shown.connect(root.shown);
+            root.wait().take(google.focusReason);
         }
     }
 }

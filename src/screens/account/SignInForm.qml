@@ -12,6 +12,7 @@ FocusScope {
     readonly property bool waitsForProvider: root.signIn.providerText !== ""
     property bool invited: false
 
+    /// Something came into being that should be seen.
     signal complained(Item item)
 
     /// Once the message has its place; the column gives it one later than it appears.
@@ -232,6 +233,7 @@ FocusScope {
             Component.onCompleted: providers.setSource("ProviderButtons.qml", {
                 signIn: root.signIn
             })
+            onLoaded: (providers.item as ProviderButtons).shown.connect(root.complained)
         }
     }
 }

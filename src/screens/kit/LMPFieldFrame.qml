@@ -10,7 +10,7 @@ Rectangle {
     /// The keyboard came by keyboard: the ring says it, and the frame stays thin.
     property bool ringed: false
     property bool writable: true
-    readonly property bool strong: root.failed || (root.focused && !root.ringed)
+    readonly property bool strong: root.failed || (root.writable && root.focused && !root.ringed)
 
     function line(): color {
         if (root.failed)
@@ -19,6 +19,8 @@ Rectangle {
             return Theme.accent;
         if (!root.enabled)
             return Theme.border;
+        if (!root.writable)
+            return root.focused && !root.ringed ? Theme.text3 : Theme.border;
         return root.hovered ? Theme.text3 : Theme.borderStrong;
     }
 

@@ -21,11 +21,15 @@ Item {
     readonly property real textLeft: root.avatarText !== "" ? Theme.dp(root.twoLine ? 42 : 30) : root.iconName !== "" ? icon.width + Theme.space8 : 0
     readonly property real trailingRoom: root.trailingText === "" ? 0 : trailing.width + Theme.space8
 
-    LMPAvatar {
-        name: root.avatarText
-        size: root.twoLine ? 32 : 22
-        visible: root.avatarText !== ""
+    Loader {
+        active: root.avatarText !== ""
+        source: "LMPAvatar.qml"
         y: Math.round((root.height - height) / 2)
+        onLoaded: {
+            const avatar = item as LMPAvatar;
+            avatar.name = Qt.binding(() => root.avatarText);
+            avatar.size = Qt.binding(() => root.twoLine ? 32 : 22);
+        }
     }
 
     LMPIcon {

@@ -7,6 +7,7 @@ import "inputKeys.js" as InputKeys
 FocusScope {
     id: root
 
+    property alias cursorPosition: field.cursorPosition
     property string errorText
     property string helpText
     property string iconName
@@ -25,6 +26,13 @@ FocusScope {
 
     function clear(): void {
         field.clear();
+    }
+
+    /// Copies all of it; a secret one's stays where it is.
+    function copyAll(): void {
+        field.selectAll();
+        field.copy();
+        field.deselect();
     }
 
     function selectAll(): void {
@@ -79,7 +87,7 @@ FocusScope {
                 if (field.inputMethodComposing && InputKeys.heldByComposition(event.key))
                     event.accepted = true;
             }
-            color: root.enabled ? Theme.text : Theme.disabled
+            color: !root.enabled ? Theme.disabled : field.readOnly ? Theme.text2 : Theme.text
             echoMode: root.secret && !reveal.shows ? TextInput.Password : TextInput.Normal
             focus: true
             font.family: Theme.fontFamily
@@ -107,29 +115,42 @@ FocusScope {
                 if (event.button === Qt.RightButton)
                     field.menu(false);
             }
+            // What cannot be typed into is read, and from its beginning.
+            onTextChanged: {
+                if (field.readOnly && !field.activeFocus)
+                    field.cursorPosition = 0;
+            }
             onTextEdited: root.textEdited()
 
-            LMPText {
-                Accessible.ignored: true
+            Loader {
+                active: root.placeholderText !== ""
                 anchors.left: parent.left
                 anchors.leftMargin: field.leftPadding
                 anchors.right: parent.right
                 anchors.rightMargin: field.rightPadding
                 anchors.verticalCenter: parent.verticalCenter
-                color: root.enabled ? Theme.text3 : Theme.disabled
-                elide: Text.ElideRight
-                text: root.placeholderText
-                visible: field.text === "" && field.preeditText === ""
-                wrapMode: Text.NoWrap
+                visible: active && field.text === "" && field.preeditText === ""
+
+                sourceComponent: LMPText {
+                    Accessible.ignored: true
+                    color: root.enabled ? Theme.text3 : Theme.disabled
+                    elide: Text.ElideRight
+                    text: root.placeholderText
+                    wrapMode: Text.NoWrap
+                }
             }
 
-            LMPIcon {
+            Loader {
+                active: root.iconName !== ""
                 anchors.left: parent.left
                 anchors.leftMargin: Theme.dp(10)
                 anchors.verticalCenter: parent.verticalCenter
-                color: root.enabled ? Theme.text3 : Theme.disabled
-                name: root.iconName
-                size: 16
+
+                sourceComponent: LMPIcon {
+                    color: root.enabled ? Theme.text3 : Theme.disabled
+                    name: root.iconName
+                    size: 16
+                }
             }
 
             Loader {

@@ -10,6 +10,8 @@
 #include "support/ManualClock.h"
 #include "support/StubServer.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QStringList>
 
 class QQmlEngine;
@@ -62,6 +64,7 @@ public:
     Q_INVOKABLE void signIn(const QString &userJson);
 
     /// Whether something takes links and numbers.
+    Q_INVOKABLE static QString clipboard() { return QGuiApplication::clipboard()->text(); }
     Q_INVOKABLE void openerWorks(bool works) { m_parts->opener.works = works; }
     /// @param answer of the twin, with its safety blocks
     Q_INVOKABLE void safetyArrives(const QString &answer);

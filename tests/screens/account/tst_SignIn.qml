@@ -111,6 +111,15 @@ ScreenTest {
         verify(!test.control("60 秒后可重发").enabled);
         Bench.advance(1000);
         tryVerify(() => test.control("59 秒后可重发") !== null);
+
+        test.model.code = "";
+        test.field("验证码").forceActiveFocus();
+        keyClick(Qt.Key_Return);
+        test.awaitText("还没填验证码");
+        // Another number got no code: nothing says so, and it need not wait.
+        test.model.phone = "13800138001";
+        tryVerify(() => !test.shows("验证码已发送，请查收"));
+        verify(test.control("发送验证码").enabled);
     }
 
     function test_aCodeIsFoundInWhatWasPasted_data() {
@@ -185,6 +194,10 @@ ScreenTest {
         test.awaitText("正在浏览器里等你登录……");
         const link = test.field("请在这台电脑的浏览器里打开：").text;
         verify(link.startsWith("http") && link === Bench.opened[0], link);
+        compare(test.field("请在这台电脑的浏览器里打开：").cursorPosition, 0);
+        test.press("复制地址");
+        test.awaitText("已复制");
+        compare(Bench.clipboard(), link);
         test.press("取消");
         test.awaitText("没关系，换个方式或再试一次都行");
         tryVerify(() => test.hasKeyboard(test.control("用 Google 登录")));
