@@ -29,6 +29,11 @@ class Sandbox:
         self._process.wait()
         self._folder.cleanup()
 
+    def get(self, path, token=None):
+        request = urllib.request.Request(self.url + path, headers={"X-Access-Token": token} if token else {})
+        with urllib.request.urlopen(request) as answer:
+            return json.loads(answer.read())
+
     def post(self, path, body, token=None):
         headers = {"Content-Type": "application/json"} | ({"X-Access-Token": token} if token else {})
         request = urllib.request.Request(self.url + path, json.dumps(body).encode(), headers)

@@ -1,7 +1,8 @@
 // bench_window_chat SITE MODE: what the window costs while it is used, printed as "name=value" words.
 //
-// open: a long conversation ("long" at the service), and the quick switcher. scroll: the same from its end to its
-// beginning, a page a frame. stream: a reply that grows. keys: typing meanwhile.
+// open: a long conversation ("long" at the service), and the quick switcher. wheel: the same as far as a hand turns a
+// wheel, a notch a frame. scroll: from its end to its beginning, a page a frame. stream: a reply that grows. keys:
+// typing meanwhile.
 
 #include "WindowDriver.h"
 
@@ -71,7 +72,8 @@ void openSwitcher(WindowDriver &driver) {
     }
 }
 
-void scroll(WindowDriver &driver) {
+/// Turns the wheel by `notches` a frame, `most` times or up to the beginning, and tells of the frames as NAME_*.
+void scroll(WindowDriver &driver, const char *name, double notches, int most) {
     auto &messages = *driver.scene().chat()->messages();
     auto *transcript = driver.item(u"Transcript"_s);
     const QPointF middle = transcript->mapToScene(transcript->boundingRect().center());
@@ -82,12 +84,13 @@ void scroll(WindowDriver &driver) {
     std::vector<double> work;
     std::vector<double> cpu;
     int steps = 0;
-    while (!top() && steps < 20'000) {
+    int unfinished = 0;
+    const auto *held = driver.item(u"TranscriptScroll"_s);
+    while (!top() && steps < most) {
         const std::size_t seen = driver.frames().size();
         const auto began = Clock::now();
         const auto spent = WindowDriver::threadTime();
-        // A screen at a time, as a hard flick of the wheel does.
-        QWheelEvent wheel(middle, middle, QPoint(), QPoint(0, 120 * 10), Qt::NoButton, Qt::NoModifier,
+        QWheelEvent wheel(middle, middle, QPoint(), QPoint(0, int(120 * notches)), Qt::NoButton, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&driver.window(), &wheel);
         driver.until("the next frame",
@@ -95,17 +98,26 @@ void scroll(WindowDriver &driver) {
         if (driver.frames().size() > seen) {
             work.push_back(WindowDriver::milliseconds(driver.frames()[seen].time - began));
             cpu.push_back(WindowDriver::milliseconds(driver.frames()[seen].spent - spent));
+            unfinished += held->property("filling").toBool();
         }
         ++steps;
     }
     const auto over = [](const std::vector<double> &times) {
         return std::ranges::count_if(times, [](double ms) { return ms > 33; });
     };
-    std::printf("scroll_frames=%zu scroll_p50_ms=%.1f scroll_p99_ms=%.1f scroll_max_ms=%.1f scroll_over=%td "
-                "scroll_cpu_p50_ms=%.1f scroll_cpu_p99_ms=%.1f scroll_cpu_max_ms=%.1f scroll_cpu_over=%td "
-                "scroll_reached=%d ",
-                work.size(), quantile(work, 0.5), quantile(work, 0.99), quantile(work, 1), over(work),
-                quantile(cpu, 0.5), quantile(cpu, 0.99), quantile(cpu, 1), over(cpu), top());
+    const auto tell = [&](const char *what, double value) {
+        std::printf("%s_%s=%.1f ", name, what, value);
+    };
+    tell("frames", double(work.size()));
+    tell("unfinished", unfinished);
+    tell("p50_ms", quantile(work, 0.5));
+    tell("p99_ms", quantile(work, 0.99));
+    tell("max_ms", quantile(work, 1));
+    tell("over", double(over(work)));
+    tell("cpu_p50_ms", quantile(cpu, 0.5));
+    tell("cpu_p99_ms", quantile(cpu, 0.99));
+    tell("cpu_max_ms", quantile(cpu, 1));
+    tell("reached", top());
 }
 
 /// Asks for a reply that begins with so many KB, and waits until it grows on.
@@ -192,7 +204,12 @@ int main(int argc, char **argv) {
             openLong(driver);
         } else if (mode == "scroll") {
             openLong(driver);
-            scroll(driver);
+            // A screen at a time, as fast as it goes.
+            scroll(driver, "scroll", 10, 20'000);
+        } else if (mode == "wheel") {
+            openLong(driver);
+            // No hand turns it so fast.
+            scroll(driver, "wheel", 1, 1'000);
         } else if (mode == "stream")
             stream(driver);
         else if (mode == "keys")

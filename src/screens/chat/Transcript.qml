@@ -7,7 +7,8 @@ import Lumenpair.Kit
 /// The messages of the open conversation, and where in them one reads.
 ///
 /// Each message has its place in the column, a box of a remembered or guessed height that is filled when the view comes
-/// near: a conversation opens in the time of what is in sight, and nothing is guessed where one looks.
+/// near: a conversation opens in the time of what is in sight, and where one looks nothing is guessed, but for
+/// a moment while the view moves faster than messages can be made.
 FocusScope {
     id: root
 

@@ -30,8 +30,12 @@ Item {
 
     /// Whether the view was moved just now.
     readonly property alias moving: motion.running
-    /// Rows came into sight by moving and are not all made yet: between two frames as many as there is time for.
+    /// Rows came into sight by moving and are not all made yet: for some of a frame's time at once, the others between
+    /// two frames as many as there is time for.
     property bool filling: false
+    /// In milliseconds since the epoch: until when rows are made at once, and from when they are again.
+    property real makeUntil: 0
+    property real restUntil: 0
     /// The rows that may be awake, from the first up to but not with the last; stale when rows have come or gone.
     property int wokenFrom: 0
     property int wokenTo: 0
@@ -132,6 +136,15 @@ Item {
         root.anchorRow = root.rows.itemAt(root.rowAt(top)) as TranscriptRow;
         root.anchorOffset = root.anchorRow ? root.anchorRow.y - root.view.contentY : 0;
     }
+    /// Whether a frame can still wait for a row to be made. One may be half of what a frame has.
+    function spares(): bool {
+        const now = Date.now();
+        if (now >= root.restUntil) {
+            root.makeUntil = now + 4;
+            root.restUntil = now + 24;
+        }
+        return now < root.makeUntil;
+    }
     /// Fills the rows near the view and empties those far from it.
     function wake() {
         const top = root.view.contentY;
@@ -149,7 +162,7 @@ Item {
             if (below > 2 * ahead && i >= root.wokenTo && !root.wokenStale)
                 break;
             const distance = Math.max(top - (row.y + row.height), below);
-            const waits = distance < 0 && !row.made && (root.moving || root.filling);
+            const waits = distance < 0 && !row.made && (root.moving || root.filling) && !root.spares();
             row.seen = distance < 0;
             row.urgent = row.seen && !waits;
             filling = filling || waits;

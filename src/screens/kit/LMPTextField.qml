@@ -129,28 +129,22 @@ FocusScope {
                 anchors.right: parent.right
                 anchors.rightMargin: field.rightPadding
                 anchors.verticalCenter: parent.verticalCenter
+                source: "LMPFieldHint.qml"
                 visible: active && field.text === "" && field.preeditText === ""
-
-                sourceComponent: LMPText {
-                    Accessible.ignored: true
-                    color: root.enabled ? Theme.text3 : Theme.disabled
-                    elide: Text.ElideRight
-                    text: root.placeholderText
-                    wrapMode: Text.NoWrap
+                onLoaded: {
+                    const hint = item as LMPFieldHint;
+                    hint.writable = Qt.binding(() => root.enabled);
+                    hint.text = Qt.binding(() => root.placeholderText);
                 }
             }
 
-            Loader {
-                active: root.iconName !== ""
+            LMPIcon {
                 anchors.left: parent.left
                 anchors.leftMargin: Theme.dp(10)
                 anchors.verticalCenter: parent.verticalCenter
-
-                sourceComponent: LMPIcon {
-                    color: root.enabled ? Theme.text3 : Theme.disabled
-                    name: root.iconName
-                    size: 16
-                }
+                color: root.enabled ? Theme.text3 : Theme.disabled
+                name: root.iconName
+                size: 16
             }
 
             Loader {

@@ -21,9 +21,10 @@ Loader {
             question.close();
     }
 
-    /// Not in the middle of its own signal.
+    /// Not in the middle of its own signal; and when its window goes, it goes anyway.
     function end(): void {
-        Qt.callLater(root.forget); // qmllint disable type
+        if (root)
+            Qt.callLater(root.forget); // qmllint disable type
     }
 
     /// It may have been asked again on its way out.
