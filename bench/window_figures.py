@@ -99,7 +99,7 @@ def settle_in(figures, display, sandbox, home, phone, conversations=0):
         raise SystemExit(f"{done.stdout}{done.stderr}nobody signed in")
     # Past what a new person is shown; then a word to the twin, which costs something where it arrives.
     for typed in ("\n\n\n\n", CHAT + "\n"):
-        watching = watch(figures, "1", "2", "--type", typed)
+        watching = watch(figures, "2", "4", "--type", typed)
         subprocess.run(display.command(home, watching, ours(figures, sandbox)), check=True, capture_output=True)
     if not sandbox.get("/sandbox/charges", token)["charges"]:
         raise SystemExit("the window never came to the chat")

@@ -39,8 +39,8 @@ WindowDriver::WindowDriver(const QString &site, const QString &token)
               return WindowOptions{.site = site, .profile = {}, .link = {}};
           }(),
           SystemClock().monotonic()) {
-    if (!m_program.start())
-        throw std::runtime_error("no window");
+    m_program.start();
+    until("the window", [this] { return m_program.window(); });
     QObject::connect(&window(), &QQuickWindow::frameSwapped, &window(),
                      [this] { m_frames.push_back({Clock::now(), threadTime()}); });
     window().requestActivate();

@@ -61,12 +61,12 @@ void GalleryStage::run(const std::optional<QString> &token, const QString &link)
         qunsetenv("LMP_TOKEN");
     m_program = std::make_unique<WindowApplication>(
         WindowOptions{.site = m_service.site(), .profile = {}, .link = link}, SystemClock().monotonic());
-    if (!m_program->start()) {
-        m_faults << u"the program has no window"_s;
-        return;
-    }
-    m_program->window()->resize(m_size);
-    m_program->window()->requestActivate();
+    m_program->start();
+    until(u"the program has a window"_s, [this] { return m_program->window() != nullptr; });
+    then([this] {
+        m_program->window()->resize(m_size);
+        m_program->window()->requestActivate();
+    });
     until(u"the service is found"_s, [this] { return scene().session() || !scene().openError().isEmpty(); });
 }
 

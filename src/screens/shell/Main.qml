@@ -8,6 +8,8 @@ Window {
     id: root
 
     required property WindowScene scene
+    /// It is likely to come to somebody who is signed in.
+    property bool expectsShell: false
 
     color: Theme.window
     height: Math.min(root.scene.layout.windowHeight, Screen.desktopAvailableHeight)
@@ -42,6 +44,7 @@ Window {
 
     RootPane {
         anchors.fill: parent
+        expectsShell: root.expectsShell
         focus: true
         scene: root.scene
     }

@@ -31,8 +31,20 @@ QUrl PreloadedPane::file(QLatin1StringView screen) {
     return QUrl(u"qrc:/qt/qml/Lumenpair/Shell/%1.qml"_s.arg(screen));
 }
 
-void PreloadedPane::guess(std::optional<bool> signedIn) {
-    read(signedIn.value_or(m_settings.value(signedInKey).has_value()) ? "MainShell"_L1 : "SignedOutPane"_L1);
+QQmlComponent &PreloadedPane::window(std::function<void()> whenRead) {
+    QQmlComponent &window = *m_read.front();
+    if (window.isLoading())
+        QObject::connect(&window, &QQmlComponent::statusChanged, &window, whenRead,
+                         Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+    else
+        QMetaObject::invokeMethod(&window, whenRead, Qt::QueuedConnection);
+    return window;
+}
+
+bool PreloadedPane::guess(std::optional<bool> signedIn) {
+    const bool shell = signedIn.value_or(m_settings.value(signedInKey).has_value());
+    read(shell ? "MainShell"_L1 : "SignedOutPane"_L1);
+    return shell;
 }
 
 void PreloadedPane::read(QLatin1StringView screen) {

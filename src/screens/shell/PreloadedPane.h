@@ -4,6 +4,7 @@
 
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -24,10 +25,13 @@ public:
     PreloadedPane(QQmlEngine &engine, Settings &settings);
     ~PreloadedPane();
 
+    /// What windows are made of; `whenRead` is called, not before this returns, once it has been read or could not be.
+    QQmlComponent &window(std::function<void()> whenRead);
     /// Where a screen of the shell is read from.
     static QUrl file(QLatin1StringView screen);
     /// Goes on to the screen behind that. @param signedIn what is known already; without it the last run counts
-    void guess(std::optional<bool> signedIn);
+    /// @return the guess: whether the start will come to somebody signed in
+    bool guess(std::optional<bool> signedIn);
     /// Lets the reading go on where it waits for this thread, as it does at each plugin. Between long pieces of work.
     static void goOn();
     /// The run ends here: that is the guess of the next one.

@@ -2,10 +2,14 @@ import QtQuick
 import Lumenpair.Shell
 
 /// The screen that the window is at, each read when it is first needed, and the safety cards over all of them.
+///
+/// The shell is much to make. Where it is likely to come, it is made out of sight, in the time that the service takes to
+/// say who is there.
 FocusScope {
     id: root
 
     required property WindowScene scene
+    property bool expectsShell: false
 
     function pane(stage: int): string {
         switch (stage) {
@@ -26,10 +30,37 @@ FocusScope {
     }
 
     function present(): void {
+        if (root.scene.stage === WindowScene.Launch && root.expectsShell)
+            root.prepare();
+        else if (root.scene.stage === WindowScene.Shell && shell.status !== Loader.Null)
+            return root.unveil();
+        else if (root.scene.stage !== WindowScene.Launch)
+            shell.source = "";
         stage.setSource(root.pane(root.scene.stage), {
             focus: true,
             scene: root.scene
         });
+    }
+
+    function prepare(): void {
+        root.expectsShell = false;
+        shell.setSource("MainShell.qml", {
+            focus: true,
+            scene: root.scene
+        });
+    }
+
+    /// What is not made yet of the shell is made now. A loader that is still reading forgets what it was to begin with.
+    function unveil(): void {
+        const read = shell.status === Loader.Ready || shell.progress === 1;
+        if (!read)
+            shell.source = "";
+        shell.asynchronous = false;
+        if (!read)
+            root.prepare();
+        shell.visible = true;
+        shell.focus = true;
+        stage.source = "";
     }
 
     /// Cards and the crisis page, as soon as there is one to show.
@@ -48,6 +79,14 @@ FocusScope {
 
         anchors.fill: parent
         focus: true
+    }
+
+    Loader {
+        id: shell
+
+        anchors.fill: parent
+        asynchronous: true
+        visible: false
     }
 
     Loader {

@@ -29,7 +29,7 @@ FocusScope {
         id: unread
 
         interval: 500
-        running: root.shown
+        running: root.visible
     }
 
     Rectangle {

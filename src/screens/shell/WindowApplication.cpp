@@ -23,6 +23,13 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using State = MacQuitCoordinator::State;
 
+namespace {
+
+/// How long a window waits for what it is to show.
+constexpr auto blink = 100ms;
+
+} // namespace
+
 WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanoseconds processStartAt)
     : m_options(std::move(options))
     , m_processStartAt(processStartAt)
@@ -60,23 +67,25 @@ Application::Options WindowApplication::options(const WindowOptions &options, st
             .processStartAt = processStartAt};
 }
 
-bool WindowApplication::start() {
+void WindowApplication::start() {
     // Screens are read and the keychain answers in threads of their own, and the first text needs its font: all at
-    // once.
-    m_firstPane.guess(m_application.tokenIsGiven() ? std::optional(true) : std::nullopt);
+    // once, and what the keychain says is heard and acted upon before there is a window.
+    m_expectsShell = m_firstPane.guess(m_application.tokenIsGiven() ? std::optional(true) : std::nullopt);
     detach(open(), "opening the service");
     PreloadedPane::goOn();
     QFontMetrics(QFont(LMPFonts::family())).horizontalAdvance(u'正');
-    PreloadedPane::goOn();
+    m_windowType = &m_firstPane.window([this] { openFirstWindow(); });
+}
+
+void WindowApplication::openFirstWindow() {
     WindowScene *scene = openWindow();
-    if (scene && !m_options.link.isEmpty())
+    if (!scene)
+        return QCoreApplication::exit(1);
+    if (!m_options.link.isEmpty())
         scene->navigation()->openLink(m_options.link);
-    return scene;
 }
 
 WindowScene *WindowApplication::openWindow() {
-    if (!m_windowType)
-        m_windowType = std::make_unique<QQmlComponent>(&m_engine, PreloadedPane::file("Main"_L1));
     if (!m_windowType->isReady()) {
         qCCritical(logApplication) << "no window:" << m_windowType->errorString();
         return nullptr;
@@ -86,7 +95,8 @@ WindowScene *WindowApplication::openWindow() {
     QQmlEngine::setObjectOwnership(scene, QQmlEngine::CppOwnership);
     join(scene);
     PreloadedPane::goOn();
-    QObject *object = m_windowType->createWithInitialProperties({{u"scene"_s, QVariant::fromValue(scene)}});
+    QObject *object = m_windowType->createWithInitialProperties(
+        {{u"scene"_s, QVariant::fromValue(scene)}, {u"expectsShell"_s, m_windows.empty() && m_expectsShell}});
     auto *window = qobject_cast<QQuickWindow *>(object);
     if (!window) {
         qCCritical(logApplication) << "no window:" << m_windowType->errorString();
@@ -98,9 +108,21 @@ WindowScene *WindowApplication::openWindow() {
                 Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
     m_windows.push_back({std::move(made), std::unique_ptr<QQuickWindow>(window)});
     PreloadedPane::goOn();
-    window->show();
+    showWhenKnown(*window, *scene);
     PreloadedPane::goOn();
     return scene;
+}
+
+void WindowApplication::showWhenKnown(QQuickWindow &window, WindowScene &scene) {
+    window.create();
+    if (scene.stage() > WindowScene::Stage::Launch)
+        return window.show();
+    // What is there for the blink of an eye only flickers, and delays what comes after it.
+    const auto show = [&window] {
+        window.show();
+    };
+    connect(&scene, &WindowScene::stageChanged, &window, show, Qt::SingleShotConnection);
+    QTimer::singleShot(blink, &window, show);
 }
 
 void WindowApplication::join(WindowScene *scene) {
@@ -263,6 +285,8 @@ void WindowApplication::bringUp(QQuickWindow &window) {
 void WindowApplication::openLink(const QString &link) {
     if (const Shown *shown = front())
         shown->scene->navigation()->openLink(link);
+    else
+        m_options.link = link;
 }
 
 void WindowApplication::takeOver(const SingleInstance::Handover &handover) {

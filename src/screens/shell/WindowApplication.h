@@ -29,9 +29,9 @@ public:
     WindowApplication(WindowOptions options, std::chrono::nanoseconds processStartAt);
     ~WindowApplication() override;
 
-    /// Shows the first window, and the link that the program was started with.
-    /// @return false when there can be no window
-    bool start();
+    /// Shows the first window as soon as it has been read, and in it the link that the program was started with.
+    /// Where there can be no window the program ends with 1.
+    void start();
     /// Follows what a second start hands over: its link, and to the front.
     void takeOver(const SingleInstance::Handover &handover);
 
@@ -54,7 +54,10 @@ private:
         std::unique_ptr<QQuickWindow> window;
     };
 
+    void openFirstWindow();
     WindowScene *openWindow();
+    /// Shows a window as soon as it is known who is there, and no later than one would miss it.
+    static void showWhenKnown(QQuickWindow &window, WindowScene &scene);
     void join(WindowScene *scene);
     QCoro::Task<> open();
     QCoro::Task<> leave();
@@ -88,8 +91,9 @@ private:
     MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
-    QString m_openError; ///< why the service was not found; for windows that open after that
-    std::unique_ptr<QQmlComponent> m_windowType;
+    QString m_openError;                   ///< why the service was not found; for windows that open after that
+    QQmlComponent *m_windowType = nullptr; ///< m_firstPane's
+    bool m_expectsShell = false;           ///< what m_firstPane has guessed
     std::vector<Shown> m_windows;
 };
 

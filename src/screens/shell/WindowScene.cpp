@@ -41,7 +41,7 @@ void WindowScene::adopt(SharedModels &shared) {
     adoptLedger(application);
     connect(&shared.root, &RootView::stageChanged, this, &WindowScene::settleStage);
     Q_EMIT adopted();
-    settleStage();
+    enterStage();
 }
 
 void WindowScene::adoptLedger(Application &application) {
@@ -144,23 +144,28 @@ void WindowScene::setNotice(const QString &notice) {
 }
 
 void WindowScene::settleStage() {
+    // The models of the account hear of the same change, and some of them after us.
+    QMetaObject::invokeMethod(this, &WindowScene::enterStage, Qt::QueuedConnection);
+}
+
+void WindowScene::enterStage() {
     const Stage stage = Stage(int(m_shared->root.stage()) + 1);
     if (stage == m_stage)
         return;
     m_stage = stage;
+    m_commands.setShellShown(m_stage == Stage::Shell);
+    m_navigation.setShellShown(m_stage == Stage::Shell);
+    // Before its screen is made, which takes longer than the service to answer, and so that what is typed ahead finds
+    // something to be typed in.
+    if (m_stage == Stage::Shell)
+        enterShell();
     // Whoever signed out in another window was told there what goes.
-    if (m_stage != Stage::Shell)
+    else
         m_questions.withdrawLeave();
     Q_EMIT stageChanged();
-    m_commands.setShellShown(m_stage == Stage::Shell);
-    // The models of the account hear of the same change, and some of them after us.
-    QMetaObject::invokeMethod(this, &WindowScene::enterShell, Qt::QueuedConnection);
 }
 
 void WindowScene::enterShell() {
-    m_navigation.setShellShown(m_stage == Stage::Shell);
-    if (m_stage != Stage::Shell)
-        return;
     m_conversations->refresh();
     indexWhenIdle();
     // A link may have opened one already.

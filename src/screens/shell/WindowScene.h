@@ -118,6 +118,7 @@ Q_SIGNALS:
 
 private:
     void settleStage();
+    void enterStage();
     void enterShell();
     void onCommand(AppCommands::Command command);
     void goTo(const SwitcherEntry &entry);

@@ -54,7 +54,8 @@ int main(int argc, char **argv) {
     lmp::WindowApplication window(*std::move(options), start);
     QObject::connect(&instance, &lmp::SingleInstance::handedOver, &window, &lmp::WindowApplication::takeOver);
     QObject::connect(&window, &lmp::WindowApplication::leaving, &instance, &lmp::SingleInstance::release);
-    const int status = window.start() ? QGuiApplication::exec() : 1;
+    window.start();
+    const int status = QGuiApplication::exec();
     lmp::Application::endChildren();
     return status;
 }

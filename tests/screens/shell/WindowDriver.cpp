@@ -36,6 +36,8 @@ void collect(QQuickItem *from, QList<QQuickItem *> &into) {
 WindowDriver::WindowDriver(WindowOptions options)
     : m_program(std::make_unique<WindowApplication>(std::move(options), SystemClock().monotonic())) {
     m_program->start();
+    if (!eventually([this] { return m_program->window(); }))
+        throw std::runtime_error("no window");
     window().requestActivate();
 }
 
