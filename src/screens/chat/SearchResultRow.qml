@@ -21,7 +21,7 @@ T.AbstractButton {
     focusPolicy: Qt.NoFocus
     hoverEnabled: true
     implicitHeight: lines.height + 2 * Theme.space8
-    width: root.list ? root.list.width : implicitWidth
+    width: root.list ? root.list.rowWidth : implicitWidth
 
     background: Rectangle {
         border.color: Theme.accent
