@@ -184,7 +184,7 @@ FocusScope {
         LMPBusy {
             anchors.centerIn: parent
             running: root.ledger.state === MemoryLedgerModel.Loading
-            text: "正在读取记忆"
+            text: "正在读取记忆…"
         }
 
         LMPErrorState {
