@@ -29,7 +29,9 @@ QString CrisisTexts::assumedRegion() {
 }
 
 QString CrisisTexts::loadFailed(const QString &reason) {
-    return u"清单没读到（"_s + reason + u"）。请联系当地紧急服务，或找一个你信任的人。"_s;
+    // The sentence around it ends for both.
+    const QString said = reason.endsWith(u'。') ? reason.chopped(1) : reason;
+    return u"清单没读到（"_s + said + u"）。请联系当地紧急服务，或找一个你信任的人。"_s;
 }
 
 QString CrisisTexts::back() {

@@ -10,6 +10,9 @@ FocusScope {
     /// About how high the content is: it stands a little above the middle, and stays there when a line is added.
     property real usualHeight: 320
     property alias spacing: body.spacing
+    /// Where the content ends as long as it is not scrolled, which it can be where it `overflows`.
+    readonly property real contentBottom: scroll.topPadding + body.height
+    readonly property bool overflows: root.contentBottom + scroll.bottomPadding > root.height
 
     /// Scrolls as little as is needed for `item` to be seen.
     function show(item: Item): void {

@@ -26,7 +26,7 @@ QString GuestModel::exhaustedText() {
 }
 
 QString GuestModel::roundsText() const {
-    return u"还剩 %1 轮"_s.arg(isOpen() ? QString::number(m_trial->roundsLeft()) : u"—"_s);
+    return isOpen() ? u"还剩 %1 轮"_s.arg(m_trial->roundsLeft()) : QString();
 }
 
 void GuestModel::setInput(const QString &input) {

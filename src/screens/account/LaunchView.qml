@@ -90,10 +90,13 @@ CenteredPane {
     }
 
     CrisisEntry {
+        // As wide as the twenty letters of its second line, so that it stands in the middle.
+        readonly property real need: Theme.dp(48) + Theme.sp(12) * 20
+
         anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
         resources: root.resources
         visible: root.shown
-        width: parent ? (root.session.verificationFailed ? parent.width : Math.min(parent.width, Theme.dp(272))) : 0
+        width: parent ? (root.session.verificationFailed ? parent.width : Math.min(parent.width, need)) : 0
         onClicked: root.crisisRequested()
     }
 

@@ -67,7 +67,6 @@ FocusScope {
         Loader {
             active: root.resets
             visible: root.resets
-            width: parent.width
             Component.onCompleted: setSource("SignInResetWay.qml", {
                 signIn: root.signIn
             })

@@ -27,8 +27,9 @@ FocusScope {
     CenteredPane {
         id: pane
 
+        anchors.bottomMargin: crisis.height + Theme.space8
         anchors.fill: parent
-        usualHeight: 600
+        usualHeight: 540
         visible: !root.trying
 
         Column {
@@ -72,26 +73,35 @@ FocusScope {
             }
         }
 
-        Column {
-            spacing: Theme.space4
+        LMPRow {
+            Accessible.role: Accessible.Button
+            iconName: "chat"
+            subtitle: "不用账号，聊几轮看看"
+            title: "先试聊"
+            twoLine: true
             width: parent.width
-
-            LMPRow {
-                Accessible.role: Accessible.Button
-                iconName: "chat"
-                subtitle: "不用账号，聊几轮看看"
-                title: "先试聊"
-                twoLine: true
-                width: parent.width
-                onClicked: root.trying = true
-            }
-
-            CrisisEntry {
-                resources: root.resources
-                width: parent.width
-                onClicked: root.crisisRequested()
-            }
+            onClicked: root.trying = true
         }
+    }
+
+    Rectangle {
+        anchors.bottom: pane.bottom
+        color: Theme.border
+        height: 1
+        visible: pane.visible && pane.overflows
+        width: root.width
+    }
+
+    // Below the rest where that has room, else at the bottom: nobody has to scroll for it.
+    CrisisEntry {
+        id: crisis
+
+        anchors.horizontalCenter: parent.horizontalCenter
+        resources: root.resources
+        visible: pane.visible
+        width: Math.min(Theme.dp(pane.maximumWidth), root.width - 2 * Theme.space24)
+        y: Math.min(pane.contentBottom, root.height - height - Theme.space8) + Theme.space4
+        onClicked: root.crisisRequested()
     }
 
     Loader {

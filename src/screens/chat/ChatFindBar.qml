@@ -53,8 +53,8 @@ FocusScope {
 
         anchors.left: parent.left
         anchors.leftMargin: Theme.space12
-        anchors.right: parent.right
-        anchors.rightMargin: Theme.space12
+        anchors.right: cross.left
+        anchors.rightMargin: Theme.space8
         anchors.verticalCenter: parent.verticalCenter
         spacing: Theme.space8
 
@@ -88,15 +88,6 @@ FocusScope {
 
                 onClicked: root.find.next()
             }
-            LMPIconButton {
-                iconName: "close"
-                text: "关闭查找（Esc）"
-
-                onClicked: {
-                    root.find.close();
-                    root.closed();
-                }
-            }
         }
         LMPText {
             id: status
@@ -107,6 +98,20 @@ FocusScope {
             kind: LMPText.Caption
             text: root.find.statusText
             wrapMode: Text.NoWrap
+        }
+    }
+    LMPIconButton {
+        id: cross
+
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.space12
+        anchors.verticalCenter: parent.verticalCenter
+        iconName: "close"
+        text: "关闭查找（Esc）"
+
+        onClicked: {
+            root.find.close();
+            root.closed();
         }
     }
 }

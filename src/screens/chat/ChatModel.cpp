@@ -45,6 +45,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
           m_services.api, m_session, [this] { return isIdle(); }, m_services.extractions)
     , m_inputs(m_services.inputs, *m_services.clock)
     , m_retry(m_session, m_view, m_messages, m_inputs)
+    , m_stopNote(*m_services.clock)
     , m_owner(m_services.account.owner())
     , m_user(m_services.account.current())
     , m_signIn(m_services.account.signIn()) {
@@ -57,6 +58,7 @@ ChatModel::ChatModel(ChatServices services, QObject *parent)
     connect(&m_view, &ChatWithTwinView::stateChanged, this, &ChatModel::onViewChanged);
     connect(&m_view, &ChatWithTwinView::turnCompleted, this, &ChatModel::onTurnEnded);
     connect(&m_view, &ChatWithTwinView::turnFailed, this, &ChatModel::onTurnEnded);
+    connect(&m_stopNote, &StopNote::read, this, &ChatModel::stateChanged);
     connect(&m_retry, &ChatRetry::inputChanged, this, &ChatModel::inputChanged);
     connect(&m_retry, &ChatRetry::held, this, &ChatModel::hold);
     connect(&m_retry, &ChatRetry::sent, this, &ChatModel::sent);
@@ -432,13 +434,22 @@ void ChatModel::hold(const QString &reason) {
 
 void ChatModel::onTurnEnded(const TurnOutcome &outcome) {
     const QString row = m_messages.lastOfTurn(outcome.reference.messageId);
-    if (outcome.stopped)
+    m_stopNote.reset();
+    if (outcome.stopped) {
         m_messages.setStopped(row);
-    else
+        // Without a reply there is no row that says it from then on.
+        if (row != outcome.reference.messageId)
+            m_stopNote.begin();
+    } else
         m_messages.setError(row, outcome.reason ? *outcome.reason : outcome.notice.value_or(QString()));
     // Of a refused turn nothing was charged, and nothing is claimed.
     if (outcome.charged || outcome.state != ConversationDeliveryState::failed)
         m_messages.setCharge(row, pip(outcome.charged));
+}
+
+QString ChatModel::errorText() const {
+    const QString text = m_view.errorText().value_or(QString());
+    return m_stopNote.wasRead() && text == ConversationTexts::stopped() ? QString() : text;
 }
 
 // Another answer

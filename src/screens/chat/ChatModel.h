@@ -9,6 +9,7 @@
 #include "screens/chat/MessageDeeds.h"
 #include "screens/chat/MessageListModel.h"
 #include "screens/chat/SpeechModel.h"
+#include "screens/chat/StopNote.h"
 
 namespace lmp {
 
@@ -96,7 +97,7 @@ public:
     bool awaitingReply() const { return m_view.awaitingReply(); }
     bool retrying() const { return m_view.retry().isRunning(); }
     bool isIdle() const { return !sending() && !retrying(); }
-    QString errorText() const { return m_view.errorText().value_or(QString()); }
+    QString errorText() const;
     QString balanceText() const;
     QString lastChargeText() const;
     bool cheaperMode() const { return m_view.cheaperMode; }
@@ -187,6 +188,7 @@ private:
     ExtractionModel m_extraction;
     ComposerInputs m_inputs;
     ChatRetry m_retry;
+    StopNote m_stopNote;
     LocalInputRegistry::Registration m_localInput;
     /// An input that was sent, until its message is on disk or with the service.
     struct Sent {

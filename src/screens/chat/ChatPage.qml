@@ -118,7 +118,7 @@ FocusScope {
         LMPBusy {
             anchors.centerIn: transcript
             running: root.chat.loading
-            text: "正在打开对话"
+            text: "正在打开对话…"
         }
         LMPErrorState {
             anchors.centerIn: transcript

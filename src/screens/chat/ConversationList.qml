@@ -84,7 +84,7 @@ FocusScope {
 
         anchors.bottom: parent.bottom
         anchors.left: head.left
-        anchors.right: head.right
+        anchors.right: parent.right
         anchors.top: head.bottom
         anchors.topMargin: Theme.space8
         model: root.conversations

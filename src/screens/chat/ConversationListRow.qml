@@ -27,7 +27,7 @@ LMPRow {
     implicitHeight: Theme.dp(root.twoLine ? 52 : 36)
     trailingText: root.timeText
     twoLine: root.subtitle !== ""
-    width: root.view ? root.view.width : 0
+    width: root.view ? root.view.rowWidth : 0
 
     Component.onCompleted: root.showSelected()
     onClicked: root.view.choose(root.index, root.conversationId)

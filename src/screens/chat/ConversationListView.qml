@@ -6,6 +6,9 @@ import Lumenpair.Kit
 ListView {
     id: root
 
+    /// The bar has the margin at the right to itself.
+    readonly property real rowWidth: root.width - Theme.dp(10)
+
     signal chosen(conversationId: string)
 
     function choose(index: int, conversationId: string): void {

@@ -42,6 +42,8 @@ Item {
 
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: modelData
+                    // One stack, not three lengths.
+                    width: Math.max(implicitWidth, Theme.dp(224))
                 }
 
                 onItemAdded: (index, item) => root.prepare(item as LMPButton)

@@ -78,17 +78,25 @@ void FindMarks::mark() {
     if (!m_within)
         return;
     const SearchTerms terms = m_find && m_find->isOpen() ? m_find->terms() : SearchTerms();
-    visitTexts(m_within, [&](QQuickItem *, QTextDocument *document) {
+    const QString currentId = m_find ? m_find->currentId() : QString();
+    for (QQuickItem *message : m_within->childItems())
+        markMessage(message, terms, !currentId.isEmpty() && message->property("messageId").toString() == currentId);
+}
+
+void FindMarks::markMessage(QQuickItem *message, const SearchTerms &terms, bool current) {
+    const QColor &background = current ? m_currentBackground : m_background;
+    const QColor &ink = current ? m_currentInk : m_ink;
+    visitTexts(message, [&](QQuickItem *, QTextDocument *document) {
         auto *other = document->findChild<QSyntaxHighlighter *>(QString(), Qt::FindDirectChildrenOnly);
         auto *ours = dynamic_cast<MatchHighlighter *>(other);
         if (other && !ours)
             return;
-        const bool same = ours && ours->terms == terms && ours->format.background().color() == m_background;
+        const bool same = ours && ours->terms == terms && ours->format.background().color() == background;
         if (same)
             return;
         delete ours;
         if (!terms.isEmpty())
-            new MatchHighlighter(document, terms, m_background, m_ink);
+            new MatchHighlighter(document, terms, background, ink);
     });
 }
 

@@ -9,11 +9,12 @@
 
 namespace lmp {
 
-/// Marks what is looked for in the texts that are in sight, as they come and go.
+/// Marks what is looked for in the texts that are in sight, as they come and go, and more strongly in the message that
+/// is shown.
 ///
-/// Made by the transcript, UI thread. While the bar is open it looks at the items below `within` a few times a second,
-/// since texts are made as the view comes near them; closed, it costs nothing and leaves nothing behind. Code keeps the
-/// colours of its language and is not marked.
+/// Made by the transcript, UI thread; the items right below `within` are the messages. While the bar is open it looks
+/// at the items below `within` a few times a second, since texts are made as the view comes near them; closed, it costs
+/// nothing and leaves nothing behind. Code keeps the colours of its language and is not marked.
 class FindMarks : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -21,6 +22,9 @@ class FindMarks : public QObject {
     Q_PROPERTY(lmp::ChatFind *find READ find WRITE setFind NOTIFY findChanged)
     Q_PROPERTY(QColor background MEMBER m_background NOTIFY coloursChanged)
     Q_PROPERTY(QColor ink MEMBER m_ink NOTIFY coloursChanged)
+    /// The same in the message that is shown.
+    Q_PROPERTY(QColor currentBackground MEMBER m_currentBackground NOTIFY coloursChanged)
+    Q_PROPERTY(QColor currentInk MEMBER m_currentInk NOTIFY coloursChanged)
 public:
     explicit FindMarks(QObject *parent = nullptr);
 
@@ -36,11 +40,14 @@ Q_SIGNALS:
 private:
     void update();
     void mark();
+    void markMessage(QQuickItem *message, const SearchTerms &terms, bool current);
 
     QPointer<QQuickItem> m_within;
     QPointer<ChatFind> m_find;
     QColor m_background;
     QColor m_ink;
+    QColor m_currentBackground;
+    QColor m_currentInk;
     QTimer m_timer;
 };
 

@@ -25,6 +25,6 @@ Row {
         color: Theme.danger
         kind: LMPText.Caption
         text: root.row.errorText
-        width: Math.min(Math.ceil(implicitWidth), root.widest - icon.width - root.spacing)
+        width: words.balanced(root.widest - icon.width - root.spacing)
     }
 }

@@ -101,7 +101,6 @@ FocusScope {
         anchors.left: parent.left
         anchors.leftMargin: Theme.dp(8)
         anchors.right: parent.right
-        anchors.rightMargin: Theme.dp(8)
         anchors.top: notes.bottom
         anchors.topMargin: Theme.dp(8)
         boundsBehavior: Flickable.StopAtBounds

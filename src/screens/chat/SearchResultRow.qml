@@ -21,13 +21,21 @@ T.AbstractButton {
     focusPolicy: Qt.NoFocus
     hoverEnabled: true
     implicitHeight: lines.height + 2 * Theme.space8
-    width: root.list ? root.list.width : implicitWidth
+    width: root.list ? root.list.rowWidth : implicitWidth
 
     background: Rectangle {
-        border.color: Theme.accent
-        border.width: root.selected ? 1 : 0
-        color: root.selected || root.hovered ? Theme.hover : "transparent"
+        color: root.selected ? Theme.ownBubble : root.hovered ? Theme.hover : "transparent"
         radius: Theme.radiusRow
+
+        // As in other lists: the tint alone is too faint for some eyes.
+        Rectangle {
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.accent
+            height: Math.round(parent.height * 0.5)
+            radius: 1.5
+            visible: root.selected
+            width: 3
+        }
     }
 
     onClicked: root.list.taken(root.index)

@@ -7,11 +7,13 @@ LMPModal {
     id: root
 
     required property ConversationSearchModel model
+    /// It stays there while the list below the field grows and shrinks.
+    readonly property real top: Math.max(Theme.dp(16), Math.round(root.windowHeight * 0.1))
 
     accessibleName: "在所有对话里查找"
-    height: Math.min(implicitContentHeight, root.windowHeight - 2 * Theme.dp(40))
+    height: Math.min(implicitContentHeight, root.windowHeight - root.top - Theme.dp(40))
     width: Math.min(Theme.dp(640), root.windowWidth - 2 * Theme.dp(16))
-    y: Math.max(Theme.dp(16), Math.round(root.windowHeight * 0.1))
+    y: root.top
 
     contentItem: SearchPanel {
         focus: true

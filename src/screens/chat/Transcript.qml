@@ -186,6 +186,8 @@ FocusScope {
         id: marks
 
         background: Theme.warningSoft
+        currentBackground: Theme.warning
+        currentInk: Theme.surface
         find: root.chat.find
         ink: Theme.text
         within: column

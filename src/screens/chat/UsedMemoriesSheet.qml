@@ -23,9 +23,11 @@ LMPSheet {
     }
 
     LMPText {
+        id: note
+
         color: Theme.text2
         text: root.chat.deeds.usedMemories.note
-        width: parent.width
+        width: note.balanced(parent ? parent.width : 0)
     }
     Repeater {
         model: root.chat.deeds.usedMemories

@@ -96,6 +96,20 @@ MemoryHistoryResp history(bool revision = true) {
     return history;
 }
 
+/// The same after its last change was taken back.
+MemoryHistoryResp revertedHistory() {
+    MemoryHistoryResp after = history();
+    after.revision = u"r4"_s;
+    after.entries.push_back({.id = u"h3"_s,
+                             .memoryId = u"m1"_s,
+                             .previous = after.current,
+                             .next = u"不喜欢人多"_s,
+                             .source = u"改回上一版"_s,
+                             .at = u"2026-06-12T09:00:00Z"_s});
+    after.current = u"不喜欢人多"_s;
+    return after;
+}
+
 /// The ledger's page, whatever the service says of it.
 Scene page(std::function<void(GalleryService &)> serve, Scene more = {}) {
     return [serve = std::move(serve), more = std::move(more)](GalleryStage &stage) {
@@ -158,7 +172,10 @@ Scene reading(std::function<void(GalleryService &)> serve, bool revert = false) 
         if (!revert)
             return;
         stage.until(u"the history"_s, [&stage] { return model(stage).history()->state() == Loaded; });
-        stage.then([&stage] { model(stage).history()->revert(); });
+        stage.then([&stage] {
+            stage.service().reply(historyPath, revertedHistory());
+            model(stage).history()->revert();
+        });
         stage.until(u"what became of it"_s, [&stage] {
             return model(stage).history()->state() == Loaded && !model(stage).history()->message().isEmpty();
         });

@@ -1,6 +1,7 @@
 import QtQuick
 
-/// The icon and the words of an LMPButton, in the middle; dots in their place while it is busy.
+/// The icon and the words of an LMPButton, in the middle. While it is busy, dots stand in the place of the icon,
+/// or of the words where there is none.
 Item {
     id: root
 
@@ -18,7 +19,7 @@ Item {
         id: row
 
         anchors.centerIn: parent
-        opacity: root.busy ? 0 : 1
+        opacity: root.busy && root.iconName === "" ? 0 : 1
         spacing: Theme.dp(6)
 
         LMPIcon {
@@ -27,6 +28,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             color: root.ink
             name: root.iconName
+            opacity: root.busy ? 0 : 1
             size: 16
             visible: root.iconName !== ""
         }
@@ -48,8 +50,10 @@ Item {
 
     Loader {
         active: root.busy
-        anchors.centerIn: parent
+        anchors.verticalCenter: parent.verticalCenter
         source: "LMPSpinner.qml"
+        // As far from the words as the icon.
+        x: Math.round(root.iconName === "" ? (parent.width - width) / 2 : row.x + icon.width - width)
         onLoaded: (item as LMPSpinner).color = Qt.binding(() => root.ink)
     }
 }

@@ -31,11 +31,14 @@ Column {
     }
 
     LMPText {
+        id: words
+
         Accessible.ignored: true
+        anchors.horizontalCenter: parent.horizontalCenter
         color: Theme.text2
         horizontalAlignment: Text.AlignHCenter
         text: root.text
-        width: parent.width
+        width: words.balanced(root.width)
     }
 
     LMPButton {

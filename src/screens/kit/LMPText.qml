@@ -68,6 +68,12 @@ Text {
         return Font.Normal;
     }
 
+    /// As wide as `widest` asks for, or less: so that the last line of a short text is not one lost letter.
+    function balanced(widest: real): real {
+        const lines = Math.ceil(root.implicitWidth / Math.max(1, widest));
+        return Math.min(widest, Math.ceil(root.implicitWidth / lines + (lines > 1 ? 2 * root.font.pixelSize : 0)));
+    }
+
     // Qt tells a screen reader of a text only where it is asked to.
     Accessible.name: root.text
     Accessible.role: Accessible.StaticText

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "identity/ChapterDTO.h"
+#include "screens/memory/MemoryItemsModel.h"
 
 #include <QStringList>
 
@@ -21,7 +22,7 @@ struct ChapterRow {
     static ChapterRow of(const ChapterDTO &chapter) {
         return {.chapterId = chapter.id,
                 .heading = QStringLiteral("第 %1 章 · ").arg(chapter.n) + chapter.title,
-                .date = chapter.date,
+                .date = MemoryItemsModel::dateText(chapter.date),
                 .real = chapter.real,
                 .story = chapter.story,
                 .evidence = QStringList(chapter.evidence).join(u'\n'),

@@ -54,7 +54,7 @@ Column {
         LMPSegmented {
             currentIndex: root.ledger.filter
             label: "看哪些"
-            model: ["全部", root.ledger.waiting > 0 ? "等你确认 " + root.ledger.waiting : "等你确认", "已取代", root.ledger.pendingChapters > 0 ? "章节 " + root.ledger.pendingChapters : "章节"]
+            model: ["全部", root.ledger.waiting > 0 ? "等你确认 " + root.ledger.waiting : "等你确认", "已取代", root.ledger.pendingChapters > 0 ? "章节 · " + root.ledger.pendingChapters + " 个待定" : "章节"]
             onActivated: index => root.ledger.filter = index
         }
 

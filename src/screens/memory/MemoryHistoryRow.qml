@@ -5,12 +5,22 @@ import Lumenpair.Kit
 Column {
     id: root
 
+    required property int index
     required property string previous
     required property string next
     required property string detail
 
     spacing: Theme.space2
     width: parent ? parent.width : 0
+
+    // As far from the entry above as from this one.
+    Item {
+        implicitHeight: Theme.space12 - root.spacing
+        visible: root.index > 0
+        width: parent.width
+
+        LMPSeparator {}
+    }
 
     LMPText {
         text: root.next
@@ -30,6 +40,4 @@ Column {
         visible: text !== ""
         width: parent.width
     }
-
-    LMPSeparator {}
 }

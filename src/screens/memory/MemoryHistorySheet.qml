@@ -13,8 +13,8 @@ LMPSheet {
     readonly property bool readable: root.state === MemoryHistoryModel.Loaded || root.state === MemoryHistoryModel.Reverting
     readonly property bool stuck: root.history.failed && !root.busy
 
-    primaryText: root.stuck ? "重新打开" : "好"
-    secondaryText: root.stuck ? "关闭" : ""
+    primaryText: root.stuck ? "重新打开" : root.busy ? "" : "好"
+    secondaryText: root.stuck || root.busy ? "关闭" : ""
     title: "版本历史"
 
     onAccepted: {
@@ -51,6 +51,7 @@ LMPSheet {
     }
 
     LMPText {
+        kind: LMPText.Strong
         text: root.history.current
         visible: root.readable
         width: parent.width

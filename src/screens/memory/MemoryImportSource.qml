@@ -45,8 +45,10 @@ Column {
             value: root.importer.text
         }
 
+        // Over the line for the place as well.
         DropArea {
-            anchors.fill: parent
+            height: root.height - field.y
+            width: parent.width
             enabled: root.importer.source === MemoryImportModel.ChatFile && !root.importer.scanning
             keys: ["text/uri-list"]
             onDropped: drop => {
@@ -64,7 +66,7 @@ Column {
         LMPTextField {
             id: place
 
-            placeholderText: "文件的路径"
+            placeholderText: "文件的路径，也可以把文件拖到这里"
             width: take.x - Theme.space8
             onAccepted: root.importer.readFile(place.text)
         }

@@ -55,6 +55,8 @@ MemoryCard {
             maximumLineCount: 12
             text: root.content
             width: tools.x - Theme.space8
+            // A single line is level with the tools.
+            y: Math.max(0, Math.round((tools.height - height) / 2))
         }
 
         Row {

@@ -156,7 +156,7 @@ void MemoryLedgerModel::putAway(bool underWay) {
 
 QStringList MemoryLedgerModel::tiers() {
     using enum TruthStatus::Value;
-    return {u"各种来由"_s,
+    return {u"全部种类"_s,
             TruthStatus(youSaid).label(),
             TruthStatus(yourPreference).label(),
             TruthStatus(iInferred).label(),

@@ -5,7 +5,6 @@ import Lumenpair.Kit
 Item {
     id: root
 
-    required property int index
     required property string at
     required property string text
 
@@ -19,15 +18,6 @@ Item {
         width: height
         x: Theme.space2
         y: Math.round((Theme.dp(22) - height) / 2)
-    }
-
-    Rectangle {
-        color: Theme.border
-        height: Theme.dp(10)
-        visible: root.index > 0
-        width: 1
-        x: Theme.space2 + Theme.space4
-        y: -Theme.space4
     }
 
     Column {

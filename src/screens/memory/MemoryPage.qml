@@ -20,6 +20,15 @@ FocusScope {
         importing.begin();
     }
 
+    /// How many memories there are, where it is memories that are shown, and how many of them these are.
+    function countText(): string {
+        const shown = root.ledger.filter === MemoryLedgerModel.All || root.ledger.filter === MemoryLedgerModel.Superseded;
+        if (!root.loaded || root.ledger.total === 0 || !shown)
+            return "";
+        const matching = root.ledger.items.count + root.ledger.items.hidden;
+        return "共 " + root.ledger.total + " 条" + (matching < root.ledger.total ? "，这里 " + matching + " 条" : "");
+    }
+
     function current(): MemoryCardList {
         switch (root.ledger.filter) {
         case MemoryLedgerModel.Waiting:
@@ -64,7 +73,7 @@ FocusScope {
 
         anchors.fill: parent
         focus: true
-        subtitle: root.loaded && root.ledger.total > 0 ? "共 " + root.ledger.total + " 条" : ""
+        subtitle: root.countText()
         title: "记忆账本"
 
         actions: Row {
@@ -175,7 +184,7 @@ FocusScope {
         LMPBusy {
             anchors.centerIn: parent
             running: root.ledger.state === MemoryLedgerModel.Loading
-            text: "正在读取记忆"
+            text: "正在读取记忆…"
         }
 
         LMPErrorState {

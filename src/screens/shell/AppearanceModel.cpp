@@ -63,6 +63,7 @@ void AppearanceModel::setScaleStep(int step) {
     const int bounded = std::clamp(step, 0, int(scaleSteps().size()) - 1);
     if (bounded == m_step)
         return;
+    Q_EMIT scaleChanging();
     m_step = bounded;
     m_settings.setValue(scaleKey, QByteArray::number(scaleSteps().at(m_step)));
     Q_EMIT scaleChanged();

@@ -57,6 +57,8 @@ public:
 
 Q_SIGNALS:
     void choiceChanged();
+    /// Everything still has its place, and will not have it once the scale has changed.
+    void scaleChanging();
     void scaleChanged();
     void darkChanged();
     void reducedMotionChanged();

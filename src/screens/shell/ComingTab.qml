@@ -41,8 +41,18 @@ TabPage {
                 spacing: Theme.dp(8)
                 width: parent.width
 
+                LMPText {
+                    color: Theme.text2
+                    kind: LMPText.Label
+                    text: "服务那边的状态"
+                    visible: features.count > 0
+                    width: parent.width
+                }
+
                 Repeater {
                     model: CapabilityList {
+                        id: features
+
                         also: root.tab === WindowNavigation.Social ? ["social", "voice", "posts"] : []
                         nav: root.places[root.tab]
                         store: root.scene.capabilities

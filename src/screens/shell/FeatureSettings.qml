@@ -14,6 +14,14 @@ SettingsPart {
         accessibleName: root.title
         width: parent.width
 
+        LMPText {
+            color: Theme.text2
+            kind: LMPText.Caption
+            text: "这是服务那边的状态。社交、市场和工坊的页面，这个版本还没有做好。"
+            visible: features.count > 0
+            width: parent.width
+        }
+
         Repeater {
             model: features
 

@@ -9,6 +9,9 @@ TabPage {
 
     /// The part that is to be shown as soon as it has its place; -1 for none.
     property int sought: -1
+    /// What has the keyboard keeps its place when the size of everything changes: who tries the sizes goes on to the next.
+    property Item kept: null
+    property real keptTop: 0
 
     function show(section: int): void {
         const item = parts.children[section];
@@ -17,6 +20,42 @@ TabPage {
         const first = item.nextItemInFocusChain(true);
         if (first)
             first.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
+    function topOf(item: Item): real {
+        return item.mapToItem(root, 0, 0).y;
+    }
+
+    function keepPlace(): void {
+        const item = root.Window.activeFocusItem;
+        if (!root.visible || !item || !page.holds(item))
+            return;
+        root.keptTop = root.topOf(item);
+        root.kept = item;
+    }
+
+    function restorePlace(): void {
+        const item = root.kept;
+        root.kept = null;
+        page.scrollBy(root.topOf(item) - root.keptTop);
+    }
+
+    // The places change with the next picture, and not yet.
+    Connections {
+        function onScaleChanging(): void {
+            root.keepPlace();
+        }
+
+        target: root.scene.appearance
+    }
+
+    Connections {
+        function onAfterAnimating(): void {
+            root.restorePlace();
+        }
+
+        enabled: root.kept !== null
+        target: root.Window.window
     }
 
     Connections {

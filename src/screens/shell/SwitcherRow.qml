@@ -18,6 +18,6 @@ LMPRow {
     rightPadding: Theme.dp(16)
     selected: ListView.isCurrentItem
     trailingText: root.shortcutText === "" ? root.kindText : root.shortcutText
-    width: root.list ? root.list.width : implicitWidth
+    width: root.list ? root.list.rowWidth : implicitWidth
     onClicked: root.list.taken(root.index)
 }

@@ -42,7 +42,7 @@ FocusScope {
 
         actionText: "同意"
         secondActionText: "不同意"
-        text: "可以发送使用情况来帮助改进吗？其中没有你说的话。出错和启动用时总会发送；以后可以在设置里改。"
+        text: "可以发送使用情况来帮助改进吗？其中没有你说的话，以后可以在设置里改。出错和启动用时总会发送。"
         width: parent.width - Theme.dp(24)
         x: Theme.dp(12)
         y: Theme.dp(8)

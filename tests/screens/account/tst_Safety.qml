@@ -110,7 +110,7 @@ ScreenTest {
         Bench.answer("/api/app/crisis-resources?region=CN", 200,
                      '{"region":"CN","verified":true,"assumedRegion":true,"guidance":"请先打急救电话。","items":[{"name":"急救","phone":"120"}]}');
         Bench.answer("/api/app/crisis-resources?region=HK", 200, '{"region":"HK","verified":false,"guidance":"","items":[{"name":"x","phone":"1"}]}');
-        Bench.answer("/api/app/crisis-resources?region=SG", 503, '{"reason":"忙"}');
+        Bench.answer("/api/app/crisis-resources?region=SG", 503, '{"reason":"忙。"}');
         test.cards.openCrisisPage();
         for (const text of ["现在很难受？先看这个", "真人热线置顶 · 不用登录 · 不记录你来过", "中国大陆", "请先打急救电话。", "120",
                             "没读到你的所在地，先按中国大陆给。不在中国大陆的话，在上面换一个地区。",

@@ -173,6 +173,16 @@ ScreenTest {
         compare(wanted.filter(text => !reached.has(text)), []);
     }
 
+    function test_theWayToHelpNeedsNoScrolling() {
+        test.open("google apple");
+        test.choose("邮箱");
+        test.press("注册新账号");
+        const form = test.inWindow(item => item.submit !== undefined);
+        tryVerify(() => form.mapToItem(test.view, 0, form.height).y > test.view.height - 100, 5000, "the form needs all the room");
+        const entry = test.inWindow(item => item.title === "现在很难受？先看这个");
+        verify(entry.mapToItem(test.view, 0, entry.height).y <= test.view.height);
+    }
+
     function test_aPasswordIsShownOnlyWhenAsked() {
         test.open("");
         test.choose("手机密码");

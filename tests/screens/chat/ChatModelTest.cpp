@@ -99,6 +99,8 @@ TEST_F(ChatModelTest, StoppingKeepsWhatCameAndTheNextCanBeSentAtOnce) {
     EXPECT_EQ(text(1), u"一半"_s);
     EXPECT_EQ(state(0), State::Unknown);
     EXPECT_EQ(chat->errorText(), ConversationTexts::stopped());
+    clock.advance(std::chrono::seconds(10));
+    EXPECT_TRUE(eventually([this] { return chat->errorText().isEmpty(); })) << "the reply says it from here on";
     answer({delta("好"), done});
     ASSERT_TRUE(chat->send());
     EXPECT_TRUE(chat->inputHeldReason().isEmpty());

@@ -142,8 +142,15 @@ TEST_F(WindowTest, TheSwitcherGoesByPinyin) {
         const QQuickItem *panel = window.find(u"SwitcherPanel"_s);
         return panel && panel->hasActiveFocus();
     }));
+    const auto panel = [&] {
+        const QQuickItem *item = window.find(u"SwitcherPanel"_s);
+        return QRectF(item->mapToScene({}), item->size());
+    };
+    const QRectF all = panel();
     window.type(u"cq"_s);
     ASSERT_TRUE(eventually([&] { return switcher->count() == 1; }));
+    ASSERT_TRUE(eventually([&] { return panel().height() < all.height(); }));
+    EXPECT_EQ(panel().y(), all.y()) << "what is typed stays where it is";
     // Keys belong to what is being composed, as long as it is.
     window.compose(u"de"_s);
     window.key(Qt::Key_Return);
@@ -186,8 +193,13 @@ TEST_F(WindowTest, WhatIsSetIsThereAtTheNextStart) {
         EXPECT_EQ(window.scene().chat()->input(), u"接着说"_s) << "the keyboard goes on where one types";
         window.key(Qt::Key_Comma, Qt::ControlModifier);
         ASSERT_TRUE(window.click(u"深色"_s));
+        const QQuickItem *chosen = window.window().activeFocusItem();
+        const QRectF before(chosen->mapToScene({}), chosen->size());
         window.key(Qt::Key_Plus, Qt::ControlModifier);
         EXPECT_EQ(window.scene().appearance()->scaleStep(), 2);
+        EXPECT_TRUE(eventually([&] {
+            return chosen->height() > before.height() && std::abs(chosen->mapToScene({}).y() - before.y()) < 1;
+        })) << "what one is at stays where it is";
         window.scene().layout()->setSidebarWidth(300);
         ASSERT_TRUE(window.quits());
     }
