@@ -167,15 +167,41 @@ FocusScope {
                         chat: root.chat
                         width: parent.width
                     }
-                    InputConflict {
-                        chat: root.chat
+                    Loader {
+                        id: conflict
+
+                        readonly property bool wanted: root.chat.inputs.inputDraftConflicted || root.chat.inputs.givenUp
+
+                        // An emptied loader keeps its height.
+                        visible: conflict.wanted
                         width: parent.width
 
-                        onChosen: root.focusInput()
+                        onLoaded: (conflict.item as InputConflict).chosen.connect(root.focusInput)
+                        onWantedChanged: {
+                            if (!conflict.wanted)
+                                conflict.source = "";
+                            else if (conflict.status === Loader.Null)
+                                conflict.setSource("InputConflict.qml", {
+                                    chat: root.chat
+                                });
+                        }
                     }
-                    RetryTarget {
-                        chat: root.chat
+                    Loader {
+                        id: retry
+
+                        readonly property bool wanted: root.chat.retryTarget !== ""
+
+                        visible: retry.wanted
                         width: parent.width
+
+                        onWantedChanged: {
+                            if (retry.wanted)
+                                retry.setSource("RetryTarget.qml", {
+                                    chat: root.chat
+                                });
+                            else
+                                retry.source = "";
+                        }
                     }
                 }
                 busy: root.chat.sending
@@ -236,53 +262,47 @@ FocusScope {
     }
     Component.onCompleted: composer.text = root.chat.input
 
-    ChatOptionsSheet {
+    SheetLoader {
         id: options
 
         chat: root.chat
+        file: "ChatOptionsSheet.qml"
 
-        onIncognitoWanted: incognito => root.switchIncognito(incognito)
+        onLoaded: (options.item as ChatOptionsSheet).incognitoWanted.connect(root.switchIncognito)
     }
-    UsedMemoriesSheet {
+    SheetLoader {
         chat: root.chat
+        file: "UsedMemoriesSheet.qml"
+        wanted: root.chat.deeds.usedOpen
     }
-    ExtractionSheet {
+    SheetLoader {
         id: extraction
 
-        extraction: root.chat.extraction
-    }
-    ExtractedCandidatesSheet {
-        extraction: root.chat.extraction
-    }
-    FeedbackReasonsSheet {
         chat: root.chat
+        file: "ExtractionSheet.qml"
     }
-    LMPDialog {
+    SheetLoader {
+        chat: root.chat
+        file: "ExtractedCandidatesSheet.qml"
+        wanted: root.chat.extraction.open
+    }
+    SheetLoader {
+        chat: root.chat
+        file: "FeedbackReasonsSheet.qml"
+        wanted: root.chat.deeds.reasonsOpenFor !== ""
+    }
+    SheetLoader {
         id: leaving
 
-        buttons: ["离开", "留在这里"]
-        dangerIndex: 0
-        escapeIndex: 1
-        text: "这段对话的内容不会留下。要留的话，请先复制。"
-        title: "离开无痕对话？"
+        chat: root.chat
+        file: "LeaveIncognitoDialog.qml"
 
-        onChosen: index => {
-            if (index === 0)
-                root.beginAnew(false);
-        }
+        onLoaded: (leaving.item as LeaveIncognitoDialog).left.connect(() => root.beginAnew(false))
     }
-    LMPDialog {
+    SheetLoader {
         id: replacing
 
-        buttons: ["打开服务上的版本", "先不"]
-        dangerIndex: 0
-        escapeIndex: 1
-        text: "本机还没有同步的内容会被放弃，找不回来。要留的话，请先复制。"
-        title: "改用服务上的版本？"
-
-        onChosen: index => {
-            if (index === 0)
-                root.chat.openServiceCopy();
-        }
+        chat: root.chat
+        file: "ServiceCopyDialog.qml"
     }
 }

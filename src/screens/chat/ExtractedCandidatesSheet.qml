@@ -6,7 +6,8 @@ import Lumenpair.Kit
 LMPSheet {
     id: root
 
-    required property ExtractionModel extraction
+    required property ChatModel chat
+    readonly property ExtractionModel extraction: root.chat.extraction
     readonly property bool wanted: root.extraction.open
 
     function prepare(row: ExtractedCandidateRow): void {

@@ -6,7 +6,8 @@ import Lumenpair.Kit
 LMPSheet {
     id: root
 
-    required property ExtractionModel extraction
+    required property ChatModel chat
+    readonly property ExtractionModel extraction: root.chat.extraction
     readonly property bool found: root.extraction.open
 
     primaryBusy: root.extraction.extracting

@@ -243,9 +243,9 @@ QList<GalleryScene> ChatScenes::ways() {
         begun(false, true)(stage);
         stage.until(u"the page"_s, [&stage] { return stage.visibleItem(u"ChatPage"_s) != nullptr; });
         stage.then([&stage] {
-            for (auto *popup : stage.window()->findChildren<QObject *>()) {
-                if (QByteArrayView(popup->metaObject()->className()).startsWith("ChatOptionsSheet"))
-                    QMetaObject::invokeMethod(popup, "open");
+            for (auto *loader : stage.window()->findChildren<QObject *>()) {
+                if (loader->property("file").toString() == "ChatOptionsSheet.qml"_L1)
+                    QMetaObject::invokeMethod(loader, "open");
             }
         });
     };
