@@ -184,10 +184,10 @@ def chat(figures, alternate, rounds):
     """The chat while it is used: a long conversation, a growing reply, typing, the quick switcher"""
     program = figures.program("bench_window_chat")
     with Display() as display, WindowService() as service:
-        modes = ("open", "scroll", "stream", "keys")
+        modes = ("open", "wheel", "scroll", "stream", "keys")
         commands = {mode: display.command(mode, [], [program, service.url, mode]) for mode in modes}
         medians = alternate(commands, rounds)
-    opening, scrolling, streaming, typing = (medians[mode] for mode in ("open", "scroll", "stream", "keys"))
+    opening, turning, scrolling, streaming, typing = (medians[mode] for mode in modes)
     figures.note(
         f"10,000 messages: {opening['asked_ms']:.0f} ms from the click, with the answer's way and its reading; "
         f"{opening['quiet_ms']:.0f} ms from the data until the last frame"
@@ -196,13 +196,17 @@ def chat(figures, alternate, rounds):
     figures.hold("10,000 messages", f"{ms:.0f} ms from the data to the first paint (at most 150)", ms <= 150)
     figures.hold("10,000 messages, memory", f"{opening['open_mb']:.0f} MB more (at most 100)", opening["open_mb"] <= 100)
     figures.note(f"of that {opening['open_cpu_ms']:.0f} ms of CPU until the first paint")
-    figures.note(
-        f"scrolling: {scrolling['scroll_frames']:.0f} frames, median {scrolling['scroll_p50_ms']:.1f} ms, "
-        f"p99 {scrolling['scroll_p99_ms']:.1f} ms, longest {scrolling['scroll_max_ms']:.1f} ms"
-    )
-    figures.note(
-        f"their CPU: median {scrolling['scroll_cpu_p50_ms']:.1f} ms, p99 {scrolling['scroll_cpu_p99_ms']:.1f} ms, "
-        f"longest {scrolling['scroll_cpu_max_ms']:.1f} ms, {scrolling['scroll_cpu_over']:.0f} over 33 ms"
+    for label, name, one in (("a wheel's pace", "wheel", turning), ("a screen a frame", "scroll", scrolling)):
+        figures.note(
+            f"scrolling at {label}: {one[name + '_frames']:.0f} frames, median {one[name + '_p50_ms']:.1f} ms, "
+            f"p99 {one[name + '_p99_ms']:.1f} ms, longest {one[name + '_max_ms']:.1f} ms; in "
+            f"{one[name + '_unfinished']:.0f} of them some row in sight was not made yet"
+        )
+    over, blank = turning["wheel_over"], turning["wheel_unfinished"]
+    figures.hold(
+        "scrolling at a wheel's pace",
+        f"{over:.0f} frames over 33 ms and {blank:.0f} with a row not made yet (none)",
+        over == 0 and blank == 0,
     )
     over = scrolling["scroll_over"]
     figures.hold(

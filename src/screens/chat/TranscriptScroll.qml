@@ -36,6 +36,8 @@ Item {
     /// In milliseconds since the epoch: until when rows are made at once, and from when they are again.
     property real makeUntil: 0
     property real restUntil: 0
+    /// How far the view was moved last.
+    property real pace: 0
     /// The rows that may be awake, from the first up to but not with the last; stale when rows have come or gone.
     property int wokenFrom: 0
     property int wokenTo: 0
@@ -75,6 +77,7 @@ Item {
     /// After the view was moved by a person, however that was done.
     function moved(distance: real) {
         motion.restart();
+        root.pace = Math.abs(distance);
         const toEnd = root.lowest - root.view.contentY;
         root.following = toEnd <= root.grip && !(distance < 0 && toEnd > 0);
         if (toEnd <= root.grip)
@@ -136,8 +139,11 @@ Item {
         root.anchorRow = root.rows.itemAt(root.rowAt(top)) as TranscriptRow;
         root.anchorOffset = root.anchorRow ? root.anchorRow.y - root.view.contentY : 0;
     }
-    /// Whether a frame can still wait for a row to be made. One may be half of what a frame has.
+    /// Whether a frame can still wait for a row to be made. One may be half of what a frame has, and of what flies by
+    /// nothing can be read.
     function spares(): bool {
+        if (root.pace > root.view.height / 2)
+            return false;
         const now = Date.now();
         if (now >= root.restUntil) {
             root.makeUntil = now + 4;
