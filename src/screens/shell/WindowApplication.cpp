@@ -151,6 +151,16 @@ void WindowApplication::onFirstFrame() {
     qCDebug(logApplication) << "first frame after"
                             << std::chrono::duration_cast<std::chrono::milliseconds>(taken).count() << "ms";
     m_appearance.follow();
+    m_drawn = true;
+    if (!m_expectsShell)
+        askForNews();
+}
+
+void WindowApplication::askForNews() {
+    if (!m_shared)
+        return;
+    detach(m_application.capabilities().refresh(), "asking for the capabilities");
+    m_shared->updates.check(false);
 }
 
 QCoro::Task<> WindowApplication::open() {
@@ -163,9 +173,9 @@ QCoro::Task<> WindowApplication::open() {
     m_openError = opened ? QString() : opened.error();
     if (opened) {
         m_shared = std::make_unique<SharedModels>(m_application);
-        detach(m_application.capabilities().refresh(), "asking for the capabilities");
         connect(&m_shared->updates, &UpdateChecker::alertChanged, this, &WindowApplication::ask);
-        m_shared->updates.check(false);
+        if (m_drawn || m_expectsShell)
+            askForNews();
     }
     for (const auto &shown : m_windows) {
         if (opened)

@@ -62,6 +62,9 @@ private:
     QCoro::Task<> open();
     QCoro::Task<> leave();
     void onFirstFrame();
+    /// What there is to use, and whether there is a newer program. The shell shows it; to sign in takes neither, and
+    /// nobody waits for them.
+    void askForNews();
     /// Ends the program as the person asked, once they have let go of every conversation that nobody keeps. A signal
     /// and the end of the session do not wait for an answer, and come in another way.
     void quit(QSet<WindowScene *> asked = {});
@@ -91,6 +94,7 @@ private:
     MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
+    bool m_drawn = false; ///< something was to be seen
     QString m_openError;                   ///< why the service was not found; for windows that open after that
     QQmlComponent *m_windowType = nullptr; ///< m_firstPane's
     bool m_expectsShell = false;           ///< what m_firstPane has guessed
