@@ -120,7 +120,12 @@ def beside_peers(figures, display, sandbox, watching):
 def start(figures, alternate, rounds):
     """The window on a display without a graphics card: from exec to text drawn"""
     with Display() as display, Sandbox(figures.program("lumenpair-sandbox")) as sandbox:
-        report_start(figures, alternate(beside_peers(figures, display, sandbox, watch(figures, "2", "0")), rounds))
+        commands = beside_peers(figures, display, sandbox, watch(figures, "1", "0"))
+        # Of these no start is asked, and what a machine does right after them is not what it does otherwise.
+        for label in ("hello_gl", "chromium"):
+            commands.pop(label, None)
+        # A start takes as long as a few time slices: the median of a few of them is anything.
+        report_start(figures, alternate(commands, 3 * rounds))
 
 
 def rest(figures, alternate):
