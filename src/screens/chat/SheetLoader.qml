@@ -12,23 +12,23 @@ Loader {
     /// What the sheet follows by itself once it is there.
     property bool wanted: false
 
-    function sheet(): LMPModal {
+    function open(): void {
         if (root.status === Loader.Null)
             root.setSource(root.file, {
                 chat: root.chat
             });
-        return root.item as LMPModal;
-    }
-    function open(): void {
-        root.sheet().open();
+        else if (root.item)
+            (root.item as LMPModal).open();
     }
     function close(): void {
         if (root.item)
-            root.sheet().close();
+            (root.item as LMPModal).close();
     }
 
     onWantedChanged: {
         if (root.wanted && root.status === Loader.Null)
             root.open();
     }
+    // It was read to be opened.
+    onLoaded: (root.item as LMPModal).open()
 }

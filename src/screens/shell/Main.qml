@@ -8,8 +8,8 @@ Window {
     id: root
 
     required property WindowScene scene
-    /// It is likely to come to somebody who is signed in.
-    property bool expectsShell: false
+    /// The stage that it is likely to come to, of WindowScene.Stage; Launch where nothing speaks for one.
+    property int expected: WindowScene.Launch
 
     color: Theme.window
     height: Math.min(root.scene.layout.windowHeight, Screen.desktopAvailableHeight)
@@ -44,7 +44,7 @@ Window {
 
     RootPane {
         anchors.fill: parent
-        expectsShell: root.expectsShell
+        expected: root.expected
         focus: true
         scene: root.scene
     }

@@ -22,7 +22,6 @@ PreloadedPane::PreloadedPane(QQmlEngine &engine, Settings &settings)
     QmlModules::provide(engine);
     // One thread reads them in turn: what the window is made with must not wait behind what comes after it.
     read("Main"_L1);
-    read("LaunchPane"_L1);
 }
 
 PreloadedPane::~PreloadedPane() = default;
@@ -44,6 +43,7 @@ QQmlComponent &PreloadedPane::window(std::function<void()> whenRead) {
 bool PreloadedPane::guess(std::optional<bool> signedIn) {
     const bool shell = signedIn.value_or(m_settings.value(signedInKey).has_value());
     read(shell ? "MainShell"_L1 : "SignedOutPane"_L1);
+    read("LaunchPane"_L1);
     return shell;
 }
 

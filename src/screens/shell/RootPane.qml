@@ -1,15 +1,19 @@
 import QtQuick
+import QtQuick.Window
 import Lumenpair.Shell
 
 /// The screen that the window is at, each read when it is first needed, and the safety cards over all of them.
 ///
-/// The shell is much to make. Where it is likely to come, it is made out of sight, in the time that the service takes to
-/// say who is there.
+/// A screen is much to make. The one that is likely to come is made out of sight, in the time that the keychain and the
+/// service take to say who is there.
 FocusScope {
     id: root
 
     required property WindowScene scene
-    property bool expectsShell: false
+    /// The stage that the launch is likely to end at.
+    property int expected: WindowScene.Launch
+    /// The stage whose screen stands in `next`; Launch for none.
+    property int prepared: WindowScene.Launch
 
     function pane(stage: int): string {
         switch (stage) {
@@ -30,36 +34,52 @@ FocusScope {
     }
 
     function present(): void {
-        if (root.scene.stage === WindowScene.Launch && root.expectsShell)
+        const now = root.scene.stage;
+        if (now === WindowScene.Launch && root.expected !== now)
             root.prepare();
-        else if (root.scene.stage === WindowScene.Shell && shell.status !== Loader.Null)
-            return root.unveil();
-        else if (root.scene.stage !== WindowScene.Launch)
-            shell.source = "";
-        stage.setSource(root.pane(root.scene.stage), {
+        if (now === root.prepared)
+            root.unveil();
+        // Nobody sees it before there is a window.
+        else if (now !== WindowScene.Launch || root.Window.visibility !== Window.Hidden)
+            root.show(now);
+    }
+
+    function show(now: int): void {
+        if (now !== WindowScene.Launch)
+            root.forget();
+        stage.setSource(root.pane(now), {
             focus: true,
             scene: root.scene
         });
     }
 
     function prepare(): void {
-        root.expectsShell = false;
-        shell.setSource("MainShell.qml", {
+        root.prepared = root.expected;
+        root.expected = WindowScene.Launch;
+        next.setSource(root.pane(root.prepared), {
             focus: true,
             scene: root.scene
         });
     }
 
-    /// What is not made yet of the shell is made now. A loader that is still reading forgets what it was to begin with.
+    function forget(): void {
+        root.prepared = WindowScene.Launch;
+        next.source = "";
+        next.visible = false;
+    }
+
+    /// What is not made yet is made now. A loader that is still reading forgets what it was to begin with.
     function unveil(): void {
-        const read = shell.status === Loader.Ready || shell.progress === 1;
+        const read = next.status === Loader.Ready || next.progress === 1;
         if (!read)
-            shell.source = "";
-        shell.asynchronous = false;
-        if (!read)
+            next.source = "";
+        next.asynchronous = false;
+        if (!read) {
+            root.expected = root.prepared;
             root.prepare();
-        shell.visible = true;
-        shell.focus = true;
+        }
+        next.visible = true;
+        next.focus = true;
         stage.source = "";
     }
 
@@ -82,7 +102,7 @@ FocusScope {
     }
 
     Loader {
-        id: shell
+        id: next
 
         anchors.fill: parent
         asynchronous: true
@@ -93,6 +113,15 @@ FocusScope {
         id: over
 
         anchors.fill: parent
+    }
+
+    Connections {
+        function onVisibilityChanged(): void {
+            if (root.scene.stage === WindowScene.Launch && stage.status === Loader.Null)
+                root.present();
+        }
+
+        target: root.Window.window
     }
 
     Connections {

@@ -105,8 +105,6 @@ FocusScope {
                 focus: true,
                 scene: root.scene
             });
-            if (list.item)
-                (list.item as SidebarList).chosen.connect(root.chosen);
         }
 
         Component.onCompleted: list.present()
@@ -118,6 +116,7 @@ FocusScope {
         anchors.top: line.bottom
         anchors.topMargin: Theme.dp(8)
         visible: !root.collapsed
+        onLoaded: (list.item as SidebarList).chosen.connect(root.chosen)
         onTabChanged: list.present()
     }
 

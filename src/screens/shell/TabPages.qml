@@ -34,7 +34,6 @@ FocusScope {
         over.setSource("UnavailablePage.qml", {
             focus: true
         });
-        (over.item as UnavailablePage).closed.connect(root.uncover);
     }
 
     function uncover(): void {
@@ -101,5 +100,7 @@ FocusScope {
 
         anchors.fill: parent
         focus: root.covered
+        // Not where it is asked for: in a shell that is made ahead it may come later.
+        onLoaded: (over.item as UnavailablePage).closed.connect(root.uncover)
     }
 }

@@ -90,13 +90,15 @@ WindowScene *WindowApplication::openWindow() {
         qCCritical(logApplication) << "no window:" << m_windowType->errorString();
         return nullptr;
     }
+    const auto guess = m_expectsShell ? WindowScene::Stage::Shell : WindowScene::Stage::SignedOut;
+    const auto expected = m_windows.empty() ? guess : WindowScene::Stage::Launch;
     auto made = std::make_unique<WindowScene>(m_appearance, *m_settings, m_quitting);
     WindowScene *scene = made.get();
     QQmlEngine::setObjectOwnership(scene, QQmlEngine::CppOwnership);
     join(scene);
     PreloadedPane::goOn();
     QObject *object = m_windowType->createWithInitialProperties(
-        {{u"scene"_s, QVariant::fromValue(scene)}, {u"expectsShell"_s, m_windows.empty() && m_expectsShell}});
+        {{u"scene"_s, QVariant::fromValue(scene)}, {u"expected"_s, int(expected)}});
     auto *window = qobject_cast<QQuickWindow *>(object);
     if (!window) {
         qCCritical(logApplication) << "no window:" << m_windowType->errorString();
