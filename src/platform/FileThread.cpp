@@ -7,7 +7,10 @@ namespace {
 /// Its end waits for what is under way, for programs that never say that they end.
 class OneThread : public QThreadPool {
 public:
-    OneThread() { setMaxThreadCount(1); }
+    OneThread() {
+        setMaxThreadCount(1);
+        setExpiryTimeout(FileThread::idle);
+    }
 };
 
 } // namespace

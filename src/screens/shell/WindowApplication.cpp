@@ -249,8 +249,10 @@ QCoro::Task<> WindowApplication::leave() {
     if (!m_windows.empty())
         m_firstPane.keep(m_windows.back().scene->stage() == WindowScene::Stage::Shell);
     co_await m_application.close();
-    if (self)
-        QCoreApplication::exit(0);
+    if (!self)
+        co_return;
+    Q_EMIT left();
+    QCoreApplication::exit(0);
 }
 
 void WindowApplication::ask() {

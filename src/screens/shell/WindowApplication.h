@@ -47,6 +47,8 @@ public:
 Q_SIGNALS:
     /// The program closes down: the next start is the first one again.
     void leaving();
+    /// All that it had to write and to send is done, or was given up: the program ends.
+    void left();
 
 private:
     struct Shown {

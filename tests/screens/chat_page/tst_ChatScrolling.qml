@@ -27,6 +27,14 @@ Item {
                 at: row.y - test.transcript.contentY
             };
         }
+        /// Waits until what is in sight stands there whole, where it stays.
+        function rest() {
+            tryVerify(() => !test.scroll().moving && !test.scroll().filling);
+            waitForRendering(test.page, 100);
+        }
+        function scroll() {
+            return test.all(test.transcript, item => item instanceof TranscriptScroll)[0];
+        }
         function compareTop(before) {
             const now = test.topRow();
             compare(now.id, before.id);
@@ -184,10 +192,10 @@ Item {
             test.openLong(300);
             for (let turn = 0; turn < 4; ++turn)
                 keyClick(Qt.Key_PageUp);
-            waitForRendering(test.page, 100);
+            test.rest();
             const before = test.topRow();
             stage.chat.messages.fetchOlder();
-            waitForRendering(test.page, 100);
+            test.rest();
             test.compareTop(before);
             scene.width = 600;
             waitForRendering(test.page, 100);

@@ -6,6 +6,8 @@
 #include <QInputMethodEvent>
 #include <QTest>
 
+#include <gtest/gtest.h>
+
 #include <csignal>
 
 namespace lmp {
@@ -35,6 +37,8 @@ void collect(QQuickItem *from, QList<QQuickItem *> &into) {
 
 WindowDriver::WindowDriver(WindowOptions options)
     : m_program(std::make_unique<WindowApplication>(std::move(options), SystemClock().monotonic())) {
+    QObject::connect(m_program.get(), &WindowApplication::leaving, m_program.get(), [this] { m_leaving = true; });
+    QObject::connect(m_program.get(), &WindowApplication::left, m_program.get(), [this] { m_leaving = false; });
     m_program->start();
     if (!eventually([this] { return m_program->window(); }))
         throw std::runtime_error("no window");
@@ -42,6 +46,8 @@ WindowDriver::WindowDriver(WindowOptions options)
 }
 
 WindowDriver::~WindowDriver() {
+    // As the program itself, which does not end before that.
+    EXPECT_TRUE(eventually([this] { return !m_leaving; }));
     m_program.reset();
     settle();
     // Leaving has told the event loop to end; the next test needs it.
@@ -60,7 +66,8 @@ bool WindowDriver::enterShell() {
             root->finishOnboarding();
             root->finishHandleSetup();
         }
-        return scene().stage() == WindowScene::Stage::Shell && scene().chat()->isOpen() &&
+        // With its keys, which come after the first frame.
+        return scene().stage() == WindowScene::Stage::Shell && scene().chat()->isOpen() && find(u"WindowExtras"_s) &&
                (find(u"ChatPage"_s) || find(u"UnavailablePage"_s));
     });
 }

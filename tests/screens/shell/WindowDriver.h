@@ -45,6 +45,7 @@ private:
     bool readable(const QString &text);
     QList<QQuickItem *> items() const;
     std::unique_ptr<WindowApplication> m_program;
+    bool m_leaving = false; ///< and not gone yet
 };
 
 } // namespace lmp
