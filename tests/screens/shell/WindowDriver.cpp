@@ -100,8 +100,10 @@ bool WindowDriver::click(const QString &name) {
     };
     if (!eventually(isThere))
         return false;
-    // A popup moves to its place while it opens.
+    // A popup moves to its place while it opens, and what was found may be made anew meanwhile.
     settle();
+    if (!eventually(isThere))
+        return false;
     QTest::mouseClick(&window(), Qt::LeftButton, {},
                       found->mapToScene({found->width() / 2, found->height() / 2}).toPoint());
     return true;

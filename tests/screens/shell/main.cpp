@@ -1,7 +1,7 @@
+#include "support/NothingLeftOver.h"
+
 #include <QGuiApplication>
 #include <QQuickWindow>
-
-#include <gtest/gtest.h>
 
 int main(int argc, char **argv) {
     qputenv("QT_LOGGING_RULES", "com.tolvey.quillet.*=false");
@@ -12,5 +12,6 @@ int main(int argc, char **argv) {
     QGuiApplication app(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     ::testing::InitGoogleTest(&argc, argv);
+    ::testing::UnitTest::GetInstance()->listeners().Append(new lmp::NothingLeftOver);
     return RUN_ALL_TESTS();
 }
