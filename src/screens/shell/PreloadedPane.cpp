@@ -26,18 +26,12 @@ PreloadedPane::PreloadedPane(QQmlEngine &engine, Settings &settings)
 
 PreloadedPane::~PreloadedPane() = default;
 
-QUrl PreloadedPane::file(QLatin1StringView screen) {
-    return QUrl(u"qrc:/qt/qml/Lumenpair/Shell/%1.qml"_s.arg(screen));
-}
-
-QQmlComponent &PreloadedPane::window(std::function<void()> whenRead) {
-    QQmlComponent &window = *m_read.front();
-    if (window.isLoading())
-        QObject::connect(&window, &QQmlComponent::statusChanged, &window, whenRead,
+void PreloadedPane::whenWindowRead(std::function<void()> then) {
+    if (window().isLoading())
+        QObject::connect(&window(), &QQmlComponent::statusChanged, &window(), then,
                          Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
     else
-        QMetaObject::invokeMethod(&window, whenRead, Qt::QueuedConnection);
-    return window;
+        QMetaObject::invokeMethod(&window(), then, Qt::QueuedConnection);
 }
 
 bool PreloadedPane::guess(std::optional<bool> signedIn) {
@@ -48,7 +42,8 @@ bool PreloadedPane::guess(std::optional<bool> signedIn) {
 }
 
 void PreloadedPane::read(QLatin1StringView screen) {
-    m_read.push_back(std::make_unique<QQmlComponent>(&m_engine, file(screen), QQmlComponent::Asynchronous));
+    const QUrl file(u"qrc:/qt/qml/Lumenpair/Shell/%1.qml"_s.arg(screen));
+    m_read.push_back(std::make_unique<QQmlComponent>(&m_engine, file, QQmlComponent::Asynchronous));
 }
 
 void PreloadedPane::goOn() {

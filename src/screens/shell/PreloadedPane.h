@@ -2,7 +2,7 @@
 
 #include "platform/Settings.h"
 
-#include <QUrl>
+#include <QLatin1StringView>
 
 #include <functional>
 #include <memory>
@@ -25,10 +25,10 @@ public:
     PreloadedPane(QQmlEngine &engine, Settings &settings);
     ~PreloadedPane();
 
-    /// What windows are made of; `whenRead` is called, not before this returns, once it has been read or could not be.
-    QQmlComponent &window(std::function<void()> whenRead);
-    /// Where a screen of the shell is read from.
-    static QUrl file(QLatin1StringView screen);
+    /// What windows are made of.
+    QQmlComponent &window() { return *m_read.front(); }
+    /// Calls `then`, not before this returns, once what windows are made of has been read or could not be.
+    void whenWindowRead(std::function<void()> then);
     /// Goes on to the screen behind that. @param signedIn what is known already; without it the last run counts
     /// @return the guess: whether the start will come to somebody signed in
     bool guess(std::optional<bool> signedIn);

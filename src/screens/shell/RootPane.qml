@@ -10,10 +10,8 @@ FocusScope {
     id: root
 
     required property WindowScene scene
-    /// The stage that the launch is likely to end at.
+    /// The stage that the launch is likely to end at; Launch where nothing speaks for one. Its screen stands in `next`.
     property int expected: WindowScene.Launch
-    /// The stage whose screen stands in `next`; Launch for none.
-    property int prepared: WindowScene.Launch
 
     function pane(stage: int): string {
         switch (stage) {
@@ -33,37 +31,38 @@ FocusScope {
         return "OpeningPane.qml";
     }
 
-    function present(): void {
-        const now = root.scene.stage;
-        if (now === WindowScene.Launch && root.expected !== now)
-            root.prepare();
-        if (now === root.prepared)
-            root.unveil();
-        // Nobody sees it before there is a window.
-        else if (now !== WindowScene.Launch || root.Window.visibility !== Window.Hidden)
-            root.show(now);
-    }
-
-    function show(now: int): void {
-        if (now !== WindowScene.Launch)
-            root.forget();
-        stage.setSource(root.pane(now), {
+    function load(into: Loader, at: int): void {
+        into.setSource(root.pane(at), {
             focus: true,
             scene: root.scene
         });
+    }
+
+    function present(): void {
+        const now = root.scene.stage;
+        if (now === root.expected && next.status !== Loader.Null) {
+            root.unveil();
+            return;
+        }
+        if (now !== WindowScene.Launch || next.visible)
+            root.forget();
+        if (now === WindowScene.Launch)
+            root.prepare();
+        // Nobody sees it before there is a window.
+        if (now !== WindowScene.Launch || root.Window.visibility !== Window.Hidden) {
+            root.load(stage, now);
+            stage.focus = true;
+        }
     }
 
     function prepare(): void {
-        root.prepared = root.expected;
-        root.expected = WindowScene.Launch;
-        next.setSource(root.pane(root.prepared), {
-            focus: true,
-            scene: root.scene
-        });
+        if (root.expected === WindowScene.Launch || next.status !== Loader.Null)
+            return;
+        next.asynchronous = true;
+        root.load(next, root.expected);
     }
 
     function forget(): void {
-        root.prepared = WindowScene.Launch;
         next.source = "";
         next.visible = false;
     }
@@ -74,10 +73,8 @@ FocusScope {
         if (!read)
             next.source = "";
         next.asynchronous = false;
-        if (!read) {
-            root.expected = root.prepared;
-            root.prepare();
-        }
+        if (!read)
+            root.load(next, root.expected);
         next.visible = true;
         next.focus = true;
         stage.source = "";

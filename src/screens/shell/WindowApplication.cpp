@@ -74,7 +74,7 @@ void WindowApplication::start() {
     detach(open(), "opening the service");
     PreloadedPane::goOn();
     QFontMetrics(QFont(LMPFonts::family())).horizontalAdvance(u'正');
-    m_windowType = &m_firstPane.window([this] { openFirstWindow(); });
+    m_firstPane.whenWindowRead([this] { openFirstWindow(); });
 }
 
 void WindowApplication::openFirstWindow() {
@@ -86,8 +86,9 @@ void WindowApplication::openFirstWindow() {
 }
 
 WindowScene *WindowApplication::openWindow() {
-    if (!m_windowType->isReady()) {
-        qCCritical(logApplication) << "no window:" << m_windowType->errorString();
+    QQmlComponent &type = m_firstPane.window();
+    if (!type.isReady()) {
+        qCCritical(logApplication) << "no window:" << type.errorString();
         return nullptr;
     }
     const auto guess = m_expectsShell ? WindowScene::Stage::Shell : WindowScene::Stage::SignedOut;
@@ -97,11 +98,11 @@ WindowScene *WindowApplication::openWindow() {
     QQmlEngine::setObjectOwnership(scene, QQmlEngine::CppOwnership);
     join(scene);
     PreloadedPane::goOn();
-    QObject *object = m_windowType->createWithInitialProperties(
+    QObject *object = type.createWithInitialProperties(
         {{u"scene"_s, QVariant::fromValue(scene)}, {u"expected"_s, int(expected)}});
     auto *window = qobject_cast<QQuickWindow *>(object);
     if (!window) {
-        qCCritical(logApplication) << "no window:" << m_windowType->errorString();
+        qCCritical(logApplication) << "no window:" << type.errorString();
         delete object;
         return nullptr;
     }
@@ -120,11 +121,18 @@ void WindowApplication::showWhenKnown(QQuickWindow &window, WindowScene &scene) 
     if (scene.stage() > WindowScene::Stage::Launch)
         return window.show();
     // What is there for the blink of an eye only flickers, and delays what comes after it.
-    const auto show = [&window] {
+    auto *wait = new QTimer(&window);
+    wait->setSingleShot(true);
+    connect(wait, &QTimer::timeout, &window, &QQuickWindow::show);
+    connect(&scene, &WindowScene::stageChanged, wait, [wait, &window] {
+        if (!wait->isActive())
+            return;
+        wait->stop();
         window.show();
-    };
-    connect(&scene, &WindowScene::stageChanged, &window, show, Qt::SingleShotConnection);
-    QTimer::singleShot(blink, &window, show);
+    });
+    // Whoever leaves meanwhile must not see it come.
+    connect(this, &WindowApplication::leaving, wait, &QTimer::stop);
+    wait->start(blink);
 }
 
 void WindowApplication::join(WindowScene *scene) {

@@ -11,7 +11,6 @@
 #include <QQmlEngine>
 #include <QSet>
 
-class QQmlComponent;
 class QQuickWindow;
 
 namespace lmp {
@@ -59,7 +58,7 @@ private:
     void openFirstWindow();
     WindowScene *openWindow();
     /// Shows a window as soon as it is known who is there, and no later than one would miss it.
-    static void showWhenKnown(QQuickWindow &window, WindowScene &scene);
+    void showWhenKnown(QQuickWindow &window, WindowScene &scene);
     void join(WindowScene *scene);
     QCoro::Task<> open();
     QCoro::Task<> leave();
@@ -96,10 +95,9 @@ private:
     MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
-    bool m_drawn = false;                  ///< something was to be seen
-    QString m_openError;                   ///< why the service was not found; for windows that open after that
-    QQmlComponent *m_windowType = nullptr; ///< m_firstPane's
-    bool m_expectsShell = false;           ///< what m_firstPane has guessed
+    bool m_drawn = false;        ///< something was to be seen
+    QString m_openError;         ///< why the service was not found; for windows that open after that
+    bool m_expectsShell = false; ///< what m_firstPane has guessed
     std::vector<Shown> m_windows;
 };
 

@@ -30,6 +30,16 @@ protected:
     WindowOptions options(const QString &link = {}) const {
         return {.site = m_site.toString(), .profile = {}, .link = link};
     }
+    /// Somebody has said something that nobody keeps.
+    static bool typesIncognito(WindowDriver &window) {
+        if (!window.enterShell())
+            return false;
+        window.scene().startConversation(true);
+        if (!eventually([&] { return window.find(u"LMPComposer"_s) != nullptr; }))
+            return false;
+        window.type(u"只在这里说"_s);
+        return true;
+    }
     /// The next start finds somebody signed in.
     void signInBefore() { qputenv("LMP_TOKEN", signIn(u"13900000007"_s).toUtf8()); }
 
@@ -67,6 +77,20 @@ TEST_F(WindowTest, FromTheFirstStartToTheFirstReply) {
     EXPECT_TRUE(eventually([&] { return window.scene().chat()->lastChargeText() == u"3 Pip"_s; }));
     EXPECT_TRUE(window.shows(u"余额 997 Pip"_s));
     EXPECT_EQ(window.scene().conversations()->rowCount(), 1);
+}
+
+TEST_F(WindowTest, AServiceThatThinksItOverIsWaitedForInTheWindow) {
+    signInBefore();
+    fault(R"({"route":"/app/auth/me","times":1,"delayMs":1500})");
+    WindowDriver window(options());
+    EXPECT_EQ(window.scene().stage(), Stage::Launch);
+    EXPECT_TRUE(window.shows(u"正在启动…"_s));
+    EXPECT_TRUE(window.window().isVisible());
+    EXPECT_EQ(window.scene().stage(), Stage::Launch);
+    ASSERT_TRUE(window.enterShell());
+    EXPECT_TRUE(window.hides(u"正在启动…"_s));
+    window.type(u"在吗"_s);
+    EXPECT_EQ(window.scene().chat()->input(), u"在吗"_s);
 }
 
 TEST_F(WindowTest, EverythingIsReachedByKeys) {
@@ -254,10 +278,7 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
 TEST_F(WindowTest, WhatNobodyKeepsIsNotThrownAwayUnasked) {
     signInBefore();
     WindowDriver window(options());
-    ASSERT_TRUE(window.enterShell());
-    window.scene().startConversation(true);
-    ASSERT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s) != nullptr; }));
-    window.type(u"只在这里说"_s);
+    ASSERT_TRUE(typesIncognito(window));
     const QString talk = window.scene().chat()->conversationId();
 
     window.window().close();
@@ -394,10 +415,7 @@ TEST_F(WindowTest, WhoSignsInNextBeginsAtTheFirstTab) {
 TEST_F(WindowTest, AQuestionGoesWithWhatItIsAbout) {
     signInBefore();
     WindowDriver window(options());
-    ASSERT_TRUE(window.enterShell());
-    window.scene().startConversation(true);
-    ASSERT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s) != nullptr; }));
-    window.type(u"只在这里说"_s);
+    ASSERT_TRUE(typesIncognito(window));
     window.key(Qt::Key_Q, Qt::ControlModifier);
     ASSERT_TRUE(window.shows(u"退出后，这段无痕对话将无法找回。"_s));
     // As from another window.
