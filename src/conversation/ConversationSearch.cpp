@@ -3,7 +3,6 @@
 #include "conversation/ConversationSession.h"
 #include "core/Detach.h"
 #include "core/PoolAwaiter.h"
-#include "platform/FileThread.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -46,8 +45,6 @@ ConversationSearch::ConversationSearch(ConversationService service, Conversation
     , m_scope(std::move(scope))
     , m_clock(clock)
     , m_owner(m_account.owner()) {
-    m_pool.setMaxThreadCount(1);
-    m_pool.setExpiryTimeout(FileThread::idle);
     open();
 }
 

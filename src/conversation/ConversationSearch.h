@@ -5,10 +5,10 @@
 #include "conversation/ConversationSearchIndex.h"
 #include "conversation/ConversationService.h"
 #include "platform/Clock.h"
+#include "platform/OneThread.h"
 
 #include <QObject>
 #include <QPointer>
-#include <QThreadPool>
 
 namespace lmp {
 
@@ -120,7 +120,7 @@ private:
     bool m_again = false; ///< the index has begun anew while it was being filled
     int m_restarts = 0;
     std::stop_source m_stop;
-    QThreadPool m_pool; ///< of one thread
+    OneThread m_pool;
 };
 
 } // namespace lmp

@@ -1,21 +1,11 @@
 #include "platform/FileThread.h"
 
+#include "platform/OneThread.h"
+
 namespace lmp {
 
-namespace {
-
-/// Its end waits for what is under way, for programs that never say that they end.
-class OneThread : public QThreadPool {
-public:
-    OneThread() {
-        setMaxThreadCount(1);
-        setExpiryTimeout(FileThread::idle);
-    }
-};
-
-} // namespace
-
 QThreadPool &FileThread::pool() {
+    // A program that never says that it ends still waits for what is under way.
     static OneThread pool;
     return pool;
 }

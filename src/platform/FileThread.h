@@ -11,9 +11,6 @@ namespace lmp {
 /// it touches; the program waits for it with `finish` before it ends.
 class FileThread {
 public:
-    /// How long a thread with nothing to do is kept, in milliseconds: a program that rests holds none.
-    static constexpr int idle = 2000;
-
     static QThreadPool &pool();
     /// Waits until everything that was given is done.
     static void finish();

@@ -5,7 +5,6 @@
 #include "core/Detach.h"
 #include "core/PlainLabel.h"
 #include "core/PoolAwaiter.h"
-#include "platform/FileThread.h"
 #include "screens/chat/ChatDateRefresh.h"
 #include "screens/chat/ChatDateText.h"
 #include "screens/chat/ChatModel.h"
@@ -35,8 +34,6 @@ ConversationListModel::ConversationListModel(ChatServices services, QObject *par
     : QAbstractListModel(parent)
     , m_services(std::move(services))
     , m_owner(m_services.account.owner()) {
-    m_files.setMaxThreadCount(1);
-    m_files.setExpiryTimeout(FileThread::idle);
     new ChatDateRefresh(*this, TimeTextRole, *m_services.clock);
 }
 

@@ -2,13 +2,13 @@
 
 #include "conversation/ConversationDraftCache.h"
 #include "conversation/ConversationService.h"
+#include "platform/OneThread.h"
 #include "screens/chat/ChatServices.h"
 #include "screens/chat/ConversationRow.h"
 
 #include <QAbstractListModel>
 #include <QPointer>
 #include <QSet>
-#include <QThreadPool>
 #include <QtQmlIntegration>
 
 namespace lmp {
@@ -125,7 +125,7 @@ private:
     bool m_again = false;
     bool m_loaded = false; ///< the service has answered once
     QPointer<ChatModel> m_chat;
-    QThreadPool m_files; ///< of one thread, so that what was read last is what is newest
+    OneThread m_files; ///< in order, so that what was read last is what is newest
 };
 
 } // namespace lmp
