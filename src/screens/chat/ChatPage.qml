@@ -62,24 +62,16 @@ FocusScope {
             wrapMode: Text.NoWrap
         }
         banners: [
-            Loader {
+            PartLoader {
                 id: findBar
 
-                readonly property bool wanted: root.chat.find.open
-
-                // An emptied loader keeps its height.
-                visible: findBar.wanted
-                width: parent.width
+                file: "ChatFindBar.qml"
+                properties: ({
+                        find: root.chat.find
+                    })
+                wanted: root.chat.find.open
 
                 onLoaded: (findBar.item as ChatFindBar).closed.connect(root.focusInput)
-                onWantedChanged: {
-                    if (findBar.wanted)
-                        findBar.setSource("ChatFindBar.qml", {
-                            find: root.chat.find
-                        });
-                    else
-                        findBar.source = "";
-                }
             },
             ChatBanners {
                 chat: root.chat
@@ -135,23 +127,14 @@ FocusScope {
             height: composer.height + Theme.space12 + (speechBar.visible ? speechBar.height + Theme.space8 : 0)
             width: transcript.columnWidth
 
-            Loader {
+            PartLoader {
                 id: speechBar
 
-                readonly property bool wanted: root.chat.speech.shown
-
-                // An emptied loader keeps its height.
-                visible: speechBar.wanted
-                width: parent.width
-
-                onWantedChanged: {
-                    if (speechBar.wanted)
-                        speechBar.setSource("SpeechBar.qml", {
-                            speech: root.chat.speech
-                        });
-                    else
-                        speechBar.source = "";
-                }
+                file: "SpeechBar.qml"
+                properties: ({
+                        speech: root.chat.speech
+                    })
+                wanted: root.chat.speech.shown
             }
             LMPComposer {
                 id: composer
@@ -167,41 +150,23 @@ FocusScope {
                         chat: root.chat
                         width: parent.width
                     }
-                    Loader {
+                    PartLoader {
                         id: conflict
 
-                        readonly property bool wanted: root.chat.inputs.inputDraftConflicted || root.chat.inputs.givenUp
-
-                        // An emptied loader keeps its height.
-                        visible: conflict.wanted
-                        width: parent.width
+                        file: "InputConflict.qml"
+                        properties: ({
+                                chat: root.chat
+                            })
+                        wanted: root.chat.inputs.inputDraftConflicted || root.chat.inputs.givenUp
 
                         onLoaded: (conflict.item as InputConflict).chosen.connect(root.focusInput)
-                        onWantedChanged: {
-                            if (!conflict.wanted)
-                                conflict.source = "";
-                            else if (conflict.status === Loader.Null)
-                                conflict.setSource("InputConflict.qml", {
-                                    chat: root.chat
-                                });
-                        }
                     }
-                    Loader {
-                        id: retry
-
-                        readonly property bool wanted: root.chat.retryTarget !== ""
-
-                        visible: retry.wanted
-                        width: parent.width
-
-                        onWantedChanged: {
-                            if (retry.wanted)
-                                retry.setSource("RetryTarget.qml", {
-                                    chat: root.chat
-                                });
-                            else
-                                retry.source = "";
-                        }
+                    PartLoader {
+                        file: "RetryTarget.qml"
+                        properties: ({
+                                chat: root.chat
+                            })
+                        wanted: root.chat.retryTarget !== ""
                     }
                 }
                 busy: root.chat.sending
