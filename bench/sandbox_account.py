@@ -30,14 +30,14 @@ class Sandbox:
         self._folder.cleanup()
 
     def get(self, path, token=None):
-        request = urllib.request.Request(self.url + path, headers={"X-Access-Token": token} if token else {})
-        with urllib.request.urlopen(request) as answer:
-            return json.loads(answer.read())
+        return self._ask(path, {}, None, token)
 
     def post(self, path, body, token=None):
-        headers = {"Content-Type": "application/json"} | ({"X-Access-Token": token} if token else {})
-        request = urllib.request.Request(self.url + path, json.dumps(body).encode(), headers)
-        with urllib.request.urlopen(request) as answer:
+        return self._ask(path, {"Content-Type": "application/json"}, json.dumps(body).encode(), token)
+
+    def _ask(self, path, headers, body, token):
+        access = {"X-Access-Token": token} if token else {}
+        with urllib.request.urlopen(urllib.request.Request(self.url + path, body, headers | access)) as answer:
             return json.loads(answer.read() or b"null")
 
     def sign_in(self, phone="13800000000"):
