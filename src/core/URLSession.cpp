@@ -1,6 +1,7 @@
 #include "core/URLSession.h"
 
 #include "core/RequestURL.h"
+#include "core/RestingNetworkAccess.h"
 
 #include <QCoreApplication>
 #include <QNetworkInterface>
@@ -46,7 +47,7 @@ URLSession URLSession::events() {
 QNetworkAccessManager &URLSession::manager() const {
     auto &managers = streams ? streamManagers : requestManagers;
     if (!managers.hasLocalData()) {
-        auto *made = new QNetworkAccessManager;
+        auto *made = new RestingNetworkAccess;
         made->setAutoDeleteReplies(false);
         made->setProxyFactory(new ProxyFactory);
         managers.setLocalData(made);
