@@ -11,7 +11,7 @@ debian_packages() {
     build) echo clang-19 lld-19 cmake ninja-build ccache qt6-base-dev qt6-declarative-dev \
                 qt6-declarative-dev-tools qt6-svg-dev qt6-multimedia-dev libgl-dev libmd4c-dev libicu-dev qcoro-qt6-dev qtkeychain-qt6-dev libboost1.81-dev \
                 libboost-json1.81-dev libre2-dev libcli11-dev libedit-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev \
-                libssl-dev zlib1g-dev libbrotli-dev pkgconf ca-certificates libsecret-1-0 \
+                libssl-dev zlib1g-dev libbrotli-dev pkgconf ca-certificates libsecret-1-0 libglib2.0-dev \
                 qt6-qpa-plugins qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript \
                 qml6-module-qtquick qml6-module-qtquick-layouts qml6-module-qtquick-templates \
                 qml6-module-qtquick-window fonts-noto-cjk ;;

@@ -10,6 +10,10 @@
 #include <coroutine>
 #include <memory>
 
+#ifdef Q_OS_LINUX
+#include <glib.h>
+#endif
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -42,6 +46,10 @@ public:
 private:
     JobThread() {
         m_thread.setObjectName(u"lmp.keychain"_s);
+#ifdef Q_OS_LINUX
+        // It begins another for each read, and would keep it waiting for 15 s.
+        g_thread_pool_set_max_idle_time(2000); // ms
+#endif
         m_context.moveToThread(&m_thread);
         m_thread.start();
     }
