@@ -4,6 +4,7 @@
 #include "app/MacAppLifecycle.h"
 #include "app/SingleInstance.h"
 #include "screens/shell/AppearanceModel.h"
+#include "screens/shell/CaretRest.h"
 #include "screens/shell/IdleIncubation.h"
 #include "screens/shell/PreloadedPane.h"
 #include "screens/shell/WindowOptions.h"
@@ -90,6 +91,7 @@ private:
     QQmlEngine m_engine;
     PreloadedPane m_firstPane; ///< before the rest: another thread reads while that is being made
     AppearanceModel m_appearance;
+    CaretRest m_caretRest;
     Application m_application;
     MacQuitCoordinator m_quitting;
     MacAppLifecycle m_macLifecycle;
