@@ -11,6 +11,8 @@
 #include <memory>
 
 #ifdef Q_OS_LINUX
+#include "platform/SecretService.h"
+
 #include <glib.h>
 #endif
 
@@ -41,6 +43,11 @@ public:
             return made;
         }();
         return &thread->m_context;
+    }
+    /// Counts the jobs that have begun and not ended. On the thread alone. @return how many there are now
+    static int running(int more = 0) {
+        static int jobs = 0;
+        return jobs += more;
     }
 
 private:
@@ -83,7 +90,18 @@ struct Wait {
     ~Wait() { receiver->deleteLater(); }
 };
 
+/// Gives a job to be run, or null where there is nothing to be found.
 using MakeJob = std::function<QKeychain::Job *()>;
+
+/// Whether it is known without the library, whose own libraries take as long to load as a screen to make, that there is
+/// no such item.
+bool lacks([[maybe_unused]] const QString &service, [[maybe_unused]] const QString &account) {
+#ifdef Q_OS_LINUX
+    return SecretService::lacks(service, account);
+#else
+    return false;
+#endif
+}
 
 void answer(const std::shared_ptr<Wait> &wait, Outcome outcome) {
     QMetaObject::invokeMethod(
@@ -102,9 +120,15 @@ void runJob(const MakeJob &make, const std::shared_ptr<Wait> &wait) {
         return;
     }
     QKeychain::Job *job = make();
+    if (!job) {
+        answer(wait, {QKeychain::EntryNotFound, {}, {}});
+        return;
+    }
     job->setInsecureFallback(false);
+    JobThread::running(+1);
     // The library itself refers to a job that runs, so it is never deleted before its end.
     QObject::connect(job, &QKeychain::Job::finished, job, [wait](QKeychain::Job *done) {
+        JobThread::running(-1);
         auto *read = qobject_cast<QKeychain::ReadPasswordJob *>(done);
         answer(wait, {done->error(), done->errorString(), read ? read->textData() : QString()});
     });
@@ -150,18 +174,21 @@ Keychain::Error failure(const Outcome &outcome) {
 }
 
 template <class Job>
-MakeJob maker(const QString &service, const QString &account) {
-    return [=] {
-        auto *job = new Job(service);
-        job->setKey(account);
-        return job;
-    };
+QKeychain::Job *made(const QString &service, const QString &account) {
+    auto *job = new Job(service);
+    job->setKey(account);
+    return job;
 }
 
 } // namespace
 
 QCoro::Task<Keychain::Result<std::optional<QString>>> SystemKeychain::read(QString service, QString account) {
-    const Outcome outcome = co_await JobAwaiter(maker<QKeychain::ReadPasswordJob>(service, account));
+    const Outcome outcome = co_await JobAwaiter([=]() -> QKeychain::Job * {
+        // What is being written is not there yet, and what is being removed still is.
+        if (JobThread::running() == 0 && lacks(service, account))
+            return nullptr;
+        return made<QKeychain::ReadPasswordJob>(service, account);
+    });
     if (outcome.code == QKeychain::EntryNotFound)
         co_return std::optional<QString>();
     if (outcome.code != QKeychain::NoError)
@@ -182,7 +209,7 @@ QCoro::Task<Keychain::Result<void>> SystemKeychain::write(QString service, QStri
 }
 
 QCoro::Task<Keychain::Result<void>> SystemKeychain::remove(QString service, QString account) {
-    const Outcome outcome = co_await JobAwaiter(maker<QKeychain::DeletePasswordJob>(service, account));
+    const Outcome outcome = co_await JobAwaiter([=] { return made<QKeychain::DeletePasswordJob>(service, account); });
     if (outcome.code != QKeychain::NoError && outcome.code != QKeychain::EntryNotFound)
         co_return std::unexpected(failure(outcome));
     co_return Result<void>();
