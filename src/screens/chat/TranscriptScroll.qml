@@ -155,7 +155,9 @@ Item {
     function wake() {
         const top = root.view.contentY;
         const bottom = top + root.view.height;
-        const ahead = root.view.height * 0.6;
+        // Of what flies by nothing can be read, and what is ahead of it is gone before it is made.
+        const flying = root.moving && root.pace > root.view.height / 2;
+        const ahead = flying ? 0 : root.view.height * 0.6;
         let i = root.wokenStale ? 0 : Math.min(root.wokenFrom, root.rowAt(top - 2 * ahead));
         let from = root.rows.count;
         let to = 0;
