@@ -11,8 +11,9 @@ namespace lmp {
 class SecretService {
 public:
     /// Whether the Secret Service itself says that it holds no such item of QtKeychain's, locked or not. False also
-    /// where nothing is known: then, and for everything else, ask the library. Waits for the answer; any thread but
-    /// the UI's.
+    /// where nothing is known, and where the library would look elsewhere: then, and for everything else, ask the
+    /// library. It is taken to find libsecret, as the package sees to. Waits for the answer, for a second at most; any
+    /// thread but the UI's.
     static bool lacks(const QString &service, const QString &account);
 };
 

@@ -39,16 +39,18 @@ public:
     static QObject *context() {
         static JobThread *const thread = [] {
             auto *made = new JobThread;
-            qAddPostRoutine([] { context()->thread()->quit(), context()->thread()->wait(farewell); });
+            qAddPostRoutine([] {
+                QThread *ending = context()->thread();
+                ending->requestInterruption();
+                ending->quit();
+                ending->wait(farewell);
+            });
             return made;
         }();
         return &thread->m_context;
     }
-    /// Counts the jobs that have begun and not ended. On the thread alone. @return how many there are now
-    static int running(int more = 0) {
-        static int jobs = 0;
-        return jobs += more;
-    }
+    /// How many jobs have begun and not ended. For the thread alone.
+    static inline int running = 0;
 
 private:
     JobThread() {
@@ -90,8 +92,9 @@ struct Wait {
     ~Wait() { receiver->deleteLater(); }
 };
 
-/// Gives a job to be run, or null where there is nothing to be found.
 using MakeJob = std::function<QKeychain::Job *()>;
+/// Whether the answer is known to be that there is no such item.
+using IsKnownMissing = std::function<bool()>;
 
 /// Whether it is known without the library, whose own libraries take as long to load as a screen to make, that there is
 /// no such item.
@@ -114,21 +117,25 @@ void answer(const std::shared_ptr<Wait> &wait, Outcome outcome) {
         Qt::QueuedConnection);
 }
 
-void runJob(const MakeJob &make, const std::shared_ptr<Wait> &wait) {
+void runJob(const MakeJob &make, const IsKnownMissing &isKnownMissing, const std::shared_ptr<Wait> &wait) {
     if (const QString reason = obstacle(); !reason.isEmpty()) {
         answer(wait, {QKeychain::NoBackendAvailable, reason, {}});
         return;
     }
-    QKeychain::Job *job = make();
-    if (!job) {
+    // What is being written is not there yet, and what is being removed still is.
+    if (isKnownMissing && JobThread::running == 0 && isKnownMissing()) {
         answer(wait, {QKeychain::EntryNotFound, {}, {}});
         return;
     }
+    // The program has ended meanwhile, and with it whoever asked.
+    if (QThread::currentThread()->isInterruptionRequested())
+        return;
+    QKeychain::Job *job = make();
     job->setInsecureFallback(false);
-    JobThread::running(+1);
+    ++JobThread::running;
     // The library itself refers to a job that runs, so it is never deleted before its end.
     QObject::connect(job, &QKeychain::Job::finished, job, [wait](QKeychain::Job *done) {
-        JobThread::running(-1);
+        --JobThread::running;
         auto *read = qobject_cast<QKeychain::ReadPasswordJob *>(done);
         answer(wait, {done->error(), done->errorString(), read ? read->textData() : QString()});
     });
@@ -138,8 +145,9 @@ void runJob(const MakeJob &make, const std::shared_ptr<Wait> &wait) {
 /// Runs a job on its thread while a coroutine waits.
 class JobAwaiter {
 public:
-    explicit JobAwaiter(MakeJob make)
-        : m_make(std::move(make)) {}
+    explicit JobAwaiter(MakeJob make, IsKnownMissing isKnownMissing = {})
+        : m_make(std::move(make))
+        , m_isKnownMissing(std::move(isKnownMissing)) {}
     ~JobAwaiter() { m_wait->handle = nullptr; }
     JobAwaiter(const JobAwaiter &) = delete;
     JobAwaiter &operator=(const JobAwaiter &) = delete;
@@ -148,12 +156,15 @@ public:
     void await_suspend(std::coroutine_handle<> handle) {
         m_wait->handle = handle;
         QMetaObject::invokeMethod(
-            JobThread::context(), [make = m_make, wait = m_wait] { runJob(make, wait); }, Qt::QueuedConnection);
+            JobThread::context(),
+            [make = m_make, isKnownMissing = m_isKnownMissing, wait = m_wait] { runJob(make, isKnownMissing, wait); },
+            Qt::QueuedConnection);
     }
     Outcome await_resume() const { return m_wait->outcome; }
 
 private:
     MakeJob m_make;
+    IsKnownMissing m_isKnownMissing;
     std::shared_ptr<Wait> m_wait = std::make_shared<Wait>();
 };
 
@@ -183,12 +194,8 @@ QKeychain::Job *made(const QString &service, const QString &account) {
 } // namespace
 
 QCoro::Task<Keychain::Result<std::optional<QString>>> SystemKeychain::read(QString service, QString account) {
-    const Outcome outcome = co_await JobAwaiter([=]() -> QKeychain::Job * {
-        // What is being written is not there yet, and what is being removed still is.
-        if (JobThread::running() == 0 && lacks(service, account))
-            return nullptr;
-        return made<QKeychain::ReadPasswordJob>(service, account);
-    });
+    const Outcome outcome = co_await JobAwaiter([=] { return made<QKeychain::ReadPasswordJob>(service, account); },
+                                                [=] { return lacks(service, account); });
     if (outcome.code == QKeychain::EntryNotFound)
         co_return std::optional<QString>();
     if (outcome.code != QKeychain::NoError)

@@ -1,4 +1,5 @@
 // Run by keyring.sh, which makes the session each of these needs and the order in which they come.
+#include "platform/SecretService.h"
 #include "platform/SystemKeychain.h"
 
 #include "support/Await.h"
@@ -8,6 +9,7 @@
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QElapsedTimer>
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -30,6 +32,9 @@ protected:
 
 TEST_F(Keyring, StartsEmpty) {
     EXPECT_EQ(stored(), std::nullopt);
+    QFile maps(u"/proc/self/maps"_s);
+    ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(maps.readAll().contains("libsecret-1")) << "to hear that there is nothing takes no library";
     EXPECT_TRUE(await(keychain.remove(service, account))) << "what is not there is removed";
 }
 
@@ -50,6 +55,27 @@ TEST_F(Keyring, ReadsTheNewOneAndRemoves) {
     EXPECT_EQ(stored(), u"token-two"_s);
     ASSERT_TRUE(await(keychain.remove(service, account)));
     EXPECT_EQ(stored(), std::nullopt);
+}
+
+TEST_F(Keyring, ReadsBehindWhatIsUnderWay) {
+    auto writing = keychain.write(service, account, u"token-one"_s);
+    EXPECT_EQ(stored(), u"token-one"_s);
+    EXPECT_TRUE(await(std::move(writing)));
+    auto removing = keychain.remove(service, account);
+    EXPECT_EQ(stored(), std::nullopt);
+    EXPECT_TRUE(await(std::move(removing)));
+}
+
+TEST_F(Keyring, IsAskedWhereItWasWritten) {
+    // To a file of its own, whatever the bus says.
+    ASSERT_TRUE(await(keychain.write(service, account, u"token-file"_s)));
+    EXPECT_FALSE(SecretService::lacks(service, account));
+    EXPECT_EQ(stored(), u"token-file"_s);
+}
+
+TEST_F(Keyring, IsNotEmptyForBeingLocked) {
+    ASSERT_TRUE(SecretService::lacks(service, u"nobody"_s)) << "it answers";
+    EXPECT_FALSE(SecretService::lacks(service, account));
 }
 
 TEST_F(Keyring, UnavailableWithoutABus) {
@@ -89,7 +115,8 @@ public:
 
 TEST_F(Keyring, HangingServiceHoldsUpNothing) {
     SilentService silent;
-    auto bus = QDBusConnection::sessionBus();
+    // Of its own: a call to a name of the same connection never reaches the bus.
+    auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"silent"_s);
     ASSERT_TRUE(bus.isConnected()) << bus.lastError().message().toStdString();
     ASSERT_TRUE(bus.registerVirtualObject(u"/org/freedesktop/secrets"_s, &silent, QDBusConnection::SubPath));
     ASSERT_TRUE(bus.registerService(u"org.freedesktop.secrets"_s));
@@ -97,7 +124,8 @@ TEST_F(Keyring, HangingServiceHoldsUpNothing) {
     timer.start();
     auto reading = keychain.read(service, account);
     EXPECT_LT(timer.elapsed(), 500) << "asking does not block";
-    EXPECT_TRUE(eventually([&] { return silent.asked > 0; })) << "the event loop goes on";
+    EXPECT_TRUE(eventually([&] { return silent.asked > 1; })) << "the bus first, then by the library";
+    EXPECT_LT(timer.elapsed(), 2500) << "before the person is told that it takes long";
     settle();
     EXPECT_FALSE(reading.isReady());
     bus.unregisterObject(u"/org/freedesktop/secrets"_s, QDBusConnection::UnregisterTree);

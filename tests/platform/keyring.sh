@@ -29,8 +29,15 @@ case ${2-} in
     step Writes
     step ReadsBackAndReplaces
     step ReadsTheNewOneAndRemoves
+    step ReadsBehindWhatIsUnderWay
     step StartsEmpty
+    SECRET_BACKEND=file SECRET_FILE_TEST_PASSWORD=secret SECRET_FILE_TEST_PATH="$HOME/file.keyring" \
+      step IsAskedWhereItWasWritten
     step Writes
+    exit 0 ;;
+  locked)
+    gnome-keyring-daemon --start --components=secrets >/dev/null
+    step IsNotEmptyForBeingLocked
     exit 0 ;;
 esac
 
@@ -57,7 +64,7 @@ cat >"$home/bus.conf" <<CONF
 CONF
 
 step UnavailableWithoutABus
-for session in without-service with-service; do
+for session in without-service with-service locked; do
   dbus-run-session --config-file "$home/bus.conf" -- sh "$0" "$tests" "$session"
 done
 # The last step left a token in the keyring, which is on the disk by now, but not in clear.
