@@ -12,6 +12,8 @@ FocusScope {
     required property WindowScene scene
     /// The stage that the launch is likely to end at; Launch where nothing speaks for one. Its screen stands in `next`.
     property int expected: WindowScene.Launch
+    /// The stage whose screen stands in `stage`; that of `next` is known by its being visible.
+    property int shown: -1
 
     function pane(stage: int): string {
         switch (stage) {
@@ -51,6 +53,7 @@ FocusScope {
         // Nobody sees it before there is a window.
         if (now !== WindowScene.Launch || root.Window.visibility !== Window.Hidden) {
             root.load(stage, now);
+            root.shown = now;
             stage.focus = true;
         }
     }
@@ -78,6 +81,7 @@ FocusScope {
         next.visible = true;
         next.focus = true;
         stage.source = "";
+        root.shown = -1;
     }
 
     /// Cards and the crisis page, as soon as there is one to show.
@@ -114,7 +118,7 @@ FocusScope {
 
     Connections {
         function onVisibilityChanged(): void {
-            if (root.scene.stage === WindowScene.Launch && stage.status === Loader.Null)
+            if (root.scene.stage === WindowScene.Launch && root.shown !== WindowScene.Launch)
                 root.present();
         }
 

@@ -78,6 +78,8 @@ void WindowApplication::start() {
 }
 
 void WindowApplication::openFirstWindow() {
+    if (m_leaving)
+        return;
     WindowScene *scene = openWindow();
     if (!scene)
         return QCoreApplication::exit(1);
@@ -98,8 +100,8 @@ WindowScene *WindowApplication::openWindow() {
     QQmlEngine::setObjectOwnership(scene, QQmlEngine::CppOwnership);
     join(scene);
     PreloadedPane::goOn();
-    QObject *object = type.createWithInitialProperties(
-        {{u"scene"_s, QVariant::fromValue(scene)}, {u"expected"_s, int(expected)}});
+    QObject *object =
+        type.createWithInitialProperties({{u"scene"_s, QVariant::fromValue(scene)}, {u"expected"_s, int(expected)}});
     auto *window = qobject_cast<QQuickWindow *>(object);
     if (!window) {
         qCCritical(logApplication) << "no window:" << type.errorString();
@@ -124,8 +126,8 @@ void WindowApplication::showWhenKnown(QQuickWindow &window, WindowScene &scene) 
     auto *wait = new QTimer(&window);
     wait->setSingleShot(true);
     connect(wait, &QTimer::timeout, &window, &QQuickWindow::show);
-    connect(&scene, &WindowScene::stageChanged, wait, [wait, &window] {
-        if (!wait->isActive())
+    connect(&scene, &WindowScene::stageChanged, wait, [wait, &window, &scene] {
+        if (!wait->isActive() || scene.stage() <= WindowScene::Stage::Launch)
             return;
         wait->stop();
         window.show();
@@ -248,6 +250,7 @@ void WindowApplication::close(WindowScene *scene) {
 
 QCoro::Task<> WindowApplication::leave() {
     const QPointer self(this);
+    m_leaving = true;
     Q_EMIT leaving();
     for (const auto &shown : m_windows) {
         shown.scene->release();

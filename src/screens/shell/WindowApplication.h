@@ -97,6 +97,7 @@ private:
     MacAppLifecycle m_macLifecycle;
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
+    bool m_leaving = false;
     bool m_drawn = false;        ///< something was to be seen
     QString m_openError;         ///< why the service was not found; for windows that open after that
     bool m_expectsShell = false; ///< what m_firstPane has guessed

@@ -50,7 +50,10 @@ WindowDriver::~WindowDriver() {
     EXPECT_TRUE(eventually([this] { return !m_leaving; }));
     m_program.reset();
     settle();
-    // Leaving has told the event loop to end; the next test needs it.
+    endLoop();
+}
+
+void WindowDriver::endLoop() {
     QMetaObject::invokeMethod(qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
     QCoreApplication::exec();
 }

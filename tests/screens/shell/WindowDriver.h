@@ -14,6 +14,9 @@ public:
     explicit WindowDriver(WindowOptions options);
     ~WindowDriver();
 
+    /// A program that was left has told the event loop to end, and the next test needs it: lets it end now.
+    static void endLoop();
+
     WindowApplication &program() { return *m_program; }
     WindowScene &scene() { return *m_program->scene(); }
     QQuickWindow &window() { return *m_program->window(); }

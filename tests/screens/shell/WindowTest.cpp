@@ -81,7 +81,7 @@ TEST_F(WindowTest, FromTheFirstStartToTheFirstReply) {
 
 TEST_F(WindowTest, AServiceThatThinksItOverIsWaitedForInTheWindow) {
     signInBefore();
-    fault(R"({"route":"/app/auth/me","times":1,"delayMs":1500})");
+    fault(R"({"route":"/app/auth/me","times":1,"delayMs":2500})");
     WindowDriver window(options());
     EXPECT_EQ(window.scene().stage(), Stage::Launch);
     EXPECT_TRUE(window.shows(u"正在启动…"_s));
@@ -356,6 +356,19 @@ TEST_F(WindowTest, ALeftReplyIsToldAndTheSidebarSpeaks) {
     // Behind what is still on its way to the service: a request that outlives the program takes its task with it.
     await(ConversationService(window.program().application().api()).list());
     settle();
+}
+
+TEST_F(WindowTest, WhoLeavesBeforeThereIsAWindowSeesNone) {
+    signInBefore();
+    WindowApplication program(options(), SystemClock().monotonic());
+    bool left = false;
+    QObject::connect(&program, &WindowApplication::left, &program, [&] { left = true; });
+    program.start();
+    program.quitting().requestTermination();
+    EXPECT_TRUE(eventually([&] { return left; }));
+    settle();
+    EXPECT_EQ(program.window(), nullptr);
+    WindowDriver::endLoop();
 }
 
 TEST_F(WindowTest, WindowsThatCloseTogetherEndTheProgram) {
