@@ -38,6 +38,8 @@ Item {
     property real restUntil: 0
     /// How far the view was moved last.
     property real pace: 0
+    /// Of what flies by nothing can be read, and what is ahead of it is gone before it is made.
+    readonly property bool flying: root.moving && root.pace > root.view.height / 2
     /// The rows that may be awake, from the first up to but not with the last; stale when rows have come or gone.
     property int wokenFrom: 0
     property int wokenTo: 0
@@ -139,10 +141,9 @@ Item {
         root.anchorRow = root.rows.itemAt(root.rowAt(top)) as TranscriptRow;
         root.anchorOffset = root.anchorRow ? root.anchorRow.y - root.view.contentY : 0;
     }
-    /// Whether a frame can still wait for a row to be made. One may be half of what a frame has, and of what flies by
-    /// nothing can be read.
+    /// Whether a frame can still wait for a row to be made. One may be half of what a frame has.
     function spares(): bool {
-        if (root.pace > root.view.height / 2)
+        if (root.flying)
             return false;
         const now = Date.now();
         if (now >= root.restUntil) {
@@ -155,9 +156,7 @@ Item {
     function wake() {
         const top = root.view.contentY;
         const bottom = top + root.view.height;
-        // Of what flies by nothing can be read, and what is ahead of it is gone before it is made.
-        const flying = root.moving && root.pace > root.view.height / 2;
-        const ahead = flying ? 0 : root.view.height * 0.6;
+        const ahead = root.view.height * 0.6;
         let i = root.wokenStale ? 0 : Math.min(root.wokenFrom, root.rowAt(top - 2 * ahead));
         let from = root.rows.count;
         let to = 0;
@@ -174,7 +173,7 @@ Item {
             row.seen = distance < 0;
             row.urgent = row.seen && !waits;
             filling = filling || waits;
-            if (distance < ahead)
+            if (distance < (root.flying ? 0 : ahead))
                 row.awake = true;
             else if (distance > 2 * ahead)
                 row.awake = false;
@@ -193,6 +192,12 @@ Item {
             root.nearFirst();
         if (root.lowest - top < root.view.height)
             root.nearLast();
+    }
+
+    // What is ahead was passed over.
+    onFlyingChanged: {
+        if (!root.flying)
+            root.wake();
     }
 
     Connections {

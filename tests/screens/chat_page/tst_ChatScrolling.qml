@@ -207,6 +207,17 @@ Item {
             scene.height = 600;
         }
 
+        function test_afterAPageWhatIsAheadIsMade() {
+            test.openLong(300);
+            for (let turn = 0; turn < 4; ++turn)
+                keyClick(Qt.Key_PageUp);
+            test.rest();
+            const rows = test.all(test.transcript, item => item instanceof TranscriptRow).sort((one, other) => one.y - other.y);
+            const first = rows.findIndex(row => row.seen);
+            const behind = first + rows.slice(first).findIndex(row => !row.seen);
+            tryVerify(() => rows[first - 1].made && rows[behind].made);
+        }
+
         function test_keysOfTheComposer() {
             test.openLong(30);
             test.page.composer.text = "写到一半";
