@@ -10,8 +10,9 @@ namespace lmp {
 /// A network access manager that holds a thread only while there is something to do, and a little longer for what
 /// comes at once after it.
 ///
-/// Belongs to the thread that made it, which needs an event loop. What it forgets when it rests are connections that
-/// were to be closed anyway; the next request of the same host shakes hands anew.
+/// Belongs to the thread that made it, which needs an event loop and waits for the other's end: a millisecond, when
+/// nothing is under way. What is forgotten when it rests are connections, which are worth nothing to requests that ask
+/// for theirs to be closed (see HTTPExchange).
 class RestingNetworkAccess : public QNetworkAccessManager {
 public:
     /// @param after how long there has been nothing to do

@@ -7,7 +7,7 @@ namespace lmp {
 /// A pool of one thread, which does things in the order in which they were given.
 ///
 /// A program that rests holds no such thread: it ends when it has had nothing to do for a while, and a new one begins
-/// with the next work. The pool's end waits for what is under way.
+/// with the next work. Any thread may give it work; its owner waits in its end for what is under way.
 class OneThread : public QThreadPool {
 public:
     OneThread() {

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 namespace lmp {
 
 /// A coroutine that is never resumed is memory that nobody frees, and the tests are searched for such memory: what a
@@ -23,7 +25,8 @@ public:
     void OnTestProgramEnd(const ::testing::UnitTest &) override {
         for (const auto &session : {URLSession::normal(), URLSession::events()}) {
             const auto &manager = session.manager();
-            eventually([&] { return manager.findChildren<QNetworkReply *>().isEmpty(); });
+            if (!eventually([&] { return manager.findChildren<QNetworkReply *>().isEmpty(); }))
+                std::fputs("a request is left over\n", stderr);
         }
         settle();
     }

@@ -35,7 +35,7 @@ bool CaretRest::eventFilter(QObject *watched, QEvent *event) {
     case QEvent::InputMethod:
     case QEvent::MouseButtonPress:
     case QEvent::TouchBegin:
-    case QEvent::ApplicationStateChange:
+    case QEvent::FocusIn:
         flashEvery(asTheDesktopHasIt);
         m_quiet.start();
         break;

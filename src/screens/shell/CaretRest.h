@@ -8,7 +8,8 @@
 namespace lmp {
 
 /// Lets the caret stand still where nobody has typed or clicked for a while: a window that is only open then has
-/// nothing to draw, and the machine may sleep. The next key or click has it blink again, as the desktop wishes.
+/// nothing to draw, and the machine may sleep. The next key or click, or a field that gets the keyboard, has it blink
+/// again, as the desktop wishes.
 ///
 /// One for the program, owned by the window's application; UI thread.
 class CaretRest : public QObject {

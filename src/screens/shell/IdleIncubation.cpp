@@ -4,7 +4,7 @@ namespace lmp {
 
 namespace {
 
-/// Milliseconds: an eighth of a frame. What is begun is finished, so a slice takes longer than it is long, and a key or a
+/// Milliseconds: an eighth of a frame. What is begun is finished, so a slice runs over, and a key or a
 /// frame that comes meanwhile waits for it.
 constexpr int slice = 2;
 

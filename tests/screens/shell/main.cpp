@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <QQuickWindow>
 
+#include <gtest/gtest.h>
+
 int main(int argc, char **argv) {
     qputenv("QT_LOGGING_RULES", "com.tolvey.quillet.*=false");
     // No test may meet the person's own keyring, site or session.
