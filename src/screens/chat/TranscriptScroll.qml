@@ -36,10 +36,10 @@ Item {
     /// In milliseconds since the epoch: until when rows are made at once, and from when they are again.
     property real makeUntil: 0
     property real restUntil: 0
-    /// How far the view was moved last.
-    property real pace: 0
-    /// Of what flies by nothing can be read, and what is ahead of it is gone before it is made.
-    readonly property bool flying: root.moving && root.pace > root.view.height / 2
+    /// Whether the view was moved far by the last move.
+    property bool fast: false
+    /// Far once more, just after: of what flies by nothing can be read, and what is ahead of it is gone before it is made.
+    property bool flying: false
     /// The rows that may be awake, from the first up to but not with the last; stale when rows have come or gone.
     property int wokenFrom: 0
     property int wokenTo: 0
@@ -78,8 +78,9 @@ Item {
     }
     /// After the view was moved by a person, however that was done.
     function moved(distance: real) {
+        const fast = Math.abs(distance) > root.view.height / 2;
+        const flying = root.moving && root.fast && fast;
         motion.restart();
-        root.pace = Math.abs(distance);
         const toEnd = root.lowest - root.view.contentY;
         root.following = toEnd <= root.grip && !(distance < 0 && toEnd > 0);
         if (toEnd <= root.grip)
@@ -91,6 +92,8 @@ Item {
             passing.restart();
         else
             root.takeAnchor(root.view.contentY);
+        root.fast = fast;
+        root.flying = flying;
         root.wake();
         root.column.forceLayout();
     }
@@ -143,7 +146,7 @@ Item {
     }
     /// Whether a frame can still wait for a row to be made. One may be half of what a frame has.
     function spares(): bool {
-        if (root.flying)
+        if (root.moving && root.fast)
             return false;
         const now = Date.now();
         if (now >= root.restUntil) {
@@ -156,7 +159,7 @@ Item {
     function wake() {
         const top = root.view.contentY;
         const bottom = top + root.view.height;
-        const ahead = root.view.height * 0.6;
+        const ahead = root.flying ? 0 : root.view.height * 0.6;
         let i = root.wokenStale ? 0 : Math.min(root.wokenFrom, root.rowAt(top - 2 * ahead));
         let from = root.rows.count;
         let to = 0;
@@ -173,7 +176,7 @@ Item {
             row.seen = distance < 0;
             row.urgent = row.seen && !waits;
             filling = filling || waits;
-            if (distance < (root.flying ? 0 : ahead))
+            if (distance < ahead)
                 row.awake = true;
             else if (distance > 2 * ahead)
                 row.awake = false;
@@ -192,12 +195,6 @@ Item {
             root.nearFirst();
         if (root.lowest - top < root.view.height)
             root.nearLast();
-    }
-
-    // What is ahead was passed over.
-    onFlyingChanged: {
-        if (!root.flying)
-            root.wake();
     }
 
     Connections {
@@ -242,6 +239,12 @@ Item {
         id: motion
 
         interval: 120
+
+        // What is ahead was passed over.
+        onTriggered: {
+            root.flying = false;
+            root.wake();
+        }
     }
     Connections {
         function onItemAdded() {
