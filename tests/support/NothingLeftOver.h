@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/URLSession.h"
+#include "platform/FileThread.h"
 #include "support/Await.h"
 
 #include <QNetworkReply>
@@ -19,6 +20,7 @@ class NothingLeftOver : public ::testing::EmptyTestEventListener {
 public:
     void OnTestEnd(const ::testing::TestInfo &) override {
         QThreadPool::globalInstance()->waitForDone(30'000);
+        FileThread::finish();
         settle();
     }
 

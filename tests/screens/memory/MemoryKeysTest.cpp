@@ -1,4 +1,5 @@
 #include "MemoryLedgerFixture.h"
+#include "support/NothingLeftOver.h"
 
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -146,5 +147,6 @@ int main(int argc, char **argv) {
     qputenv("QT_QUICK_BACKEND", "software");
     QGuiApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
+    ::testing::UnitTest::GetInstance()->listeners().Append(new lmp::NothingLeftOver);
     return RUN_ALL_TESTS();
 }
