@@ -1,5 +1,4 @@
 #include "WindowDriver.h"
-#include "conversation/ConversationService.h"
 #include "support/SandboxFixture.h"
 
 #include <QAccessible>
@@ -353,9 +352,6 @@ TEST_F(WindowTest, ALeftReplyIsToldAndTheSidebarSpeaks) {
     EXPECT_EQ(window.scene().layout()->sidebarWidth(), 300);
     window.scene().layout()->setSidebarWidth(1000);
     EXPECT_EQ(handle->valueInterface()->currentValue().toInt(), WindowLayout::widestSidebar);
-    // Behind what is still on its way to the service: a request that outlives the program takes its task with it.
-    await(ConversationService(window.program().application().api()).list());
-    settle();
 }
 
 TEST_F(WindowTest, WhoLeavesBeforeThereIsAWindowSeesNone) {
