@@ -20,6 +20,8 @@ Item {
 
         /// The row at the top of the view, and where it stands there.
         function topRow() {
+            // A row that was made since the last frame has its height already, and those below it their old places.
+            test.scroll().column.forceLayout();
             const rows = test.all(test.transcript, item => item instanceof TranscriptRow);
             const row = rows.find(one => one.y + one.height > test.transcript.contentY);
             return {
