@@ -218,7 +218,14 @@ Item {
 
         interval: 100
 
-        onTriggered: root.takeAnchor(root.view.contentY)
+        onTriggered: {
+            // What is not made yet has a guessed height, and what was made since the last frame an old place.
+            root.column.forceLayout();
+            if (root.filling)
+                passing.restart();
+            else
+                root.takeAnchor(root.view.contentY);
+        }
     }
     Timer {
         id: later
