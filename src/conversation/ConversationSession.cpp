@@ -150,7 +150,7 @@ void ConversationSession::adopt(const std::optional<ConversationDTO> &copy,
     m_conversation = local ? draft->snapshot : *copy;
     m_conflicted = local && copy && copy->revision != draft->snapshot.revision;
     m_edits += local;
-    if (draft && !local && wanted == Copy::Local)
+    if (draft && !local)
         forgetDraft();
     m_edits += ConversationMessageDelivery::recover(*m_conversation);
 }
