@@ -55,7 +55,7 @@ ChatWithTwinView::ChatWithTwinView(ConversationSession &session, SafetyGateStore
     , m_retry(session) {
     connect(&m_session, &ConversationSession::opened, this, &ChatWithTwinView::onOpened);
     connect(&m_retry, &TwinReplyRetry::stateChanged, this, &ChatWithTwinView::stateChanged);
-    connect(&m_retry, &TwinReplyRetry::ended, this, &ChatWithTwinView::retryEnded);
+    connect(&m_retry, &TwinReplyRetry::ended, this, &ChatWithTwinView::onRetryEnded);
 }
 
 ChatWithTwinView::~ChatWithTwinView() {
@@ -345,6 +345,18 @@ void ChatWithTwinView::onOpened() {
         letGo();
     else
         Q_EMIT stateChanged();
+}
+
+void ChatWithTwinView::onRetryEnded(const RetryOutcome &outcome) {
+    const QPointer self(this);
+    if (!outcome.free && (outcome.unconfirmed || !outcome.messageId.isEmpty())) {
+        // What it cost, and what is left, the service has not told.
+        m_lastCharge.reset();
+        m_balance.reset();
+        Q_EMIT stateChanged();
+    }
+    if (self)
+        Q_EMIT retryEnded(outcome);
 }
 
 void ChatWithTwinView::openUsed(const QString &messageId) {

@@ -68,8 +68,9 @@ public:
     bool awaitingReply() const { return m_turn != nullptr; }
     std::optional<Reference> activeSend() const;
     const std::optional<QString> &errorText() const { return m_errorText; }
-    std::optional<qint64> lastCharge() const { return m_lastCharge; } ///< Pip, of the last turn
-    std::optional<qint64> balance() const { return m_balance; }       ///< Pip
+    /// Pip, of the last turn; none when it, or what was asked for since, cost nobody knows what.
+    std::optional<qint64> lastCharge() const { return m_lastCharge; }
+    std::optional<qint64> balance() const { return m_balance; } ///< Pip; none likewise
     const std::optional<QList<UsedMemory>> &showUsed() const { return m_showUsed; }
     const QMap<QString, QString> &feedback() const { return m_feedback; } ///< polarity by message id
     const std::optional<QString> &reasonsOpenFor() const { return m_reasonsOpenFor; }
@@ -102,8 +103,7 @@ Q_SIGNALS:
     void turnCompleted(const lmp::TurnOutcome &outcome);
     void turnFailed(const lmp::TurnOutcome &outcome);
     void turnAbandoned();
-    /// A retry ended: `text` is the sentence shown, or null when the new reply is in the conversation.
-    void retryEnded(const QString &messageId, const QString &text);
+    void retryEnded(const lmp::RetryOutcome &outcome);
 
 private:
     using TurnPtr = std::shared_ptr<ChatTurn>;
@@ -124,6 +124,7 @@ private:
     void letGo();
     void release();
     void onOpened();
+    void onRetryEnded(const RetryOutcome &outcome);
     void choose(FeedbackReq request, const QString &event);
     QCoro::Task<> postFeedback(FeedbackReq request);
 

@@ -2,6 +2,7 @@
 
 #include "conversation/ConversationTexts.h"
 #include "conversation/RetryAnswer.h"
+#include "conversation/TurnVerdict.h"
 #include "core/Detach.h"
 
 #include <QPointer>
@@ -34,7 +35,10 @@ QString stale() {
 TwinReplyRetry::TwinReplyRetry(ConversationSession &session, QObject *parent)
     : QObject(parent)
     , m_session(session) {
-    connect(&session, &ConversationSession::opened, this, &TwinReplyRetry::abandon);
+    connect(&session, &ConversationSession::opened, this, [this] {
+        m_unconfirmed.clear();
+        abandon();
+    });
 }
 
 std::optional<QString> TwinReplyRetry::startForReply(const QString &twinMessageId) {
@@ -62,6 +66,8 @@ std::optional<QString> TwinReplyRetry::start(const ConvMessageDTO &target, const
     if (target.deliveryState == ConversationDeliveryState::unknown ||
         target.deliveryState == ConversationDeliveryState::pending)
         return ConversationTexts::unknownMessage();
+    if (m_unconfirmed.contains(target.id))
+        return ConversationTexts::retryUnconfirmed();
     const ConversationDTO before = *m_session.conversation();
     const ConversationRetryState::Operation operation{
         .id = QUuid::createUuid().toString(QUuid::WithoutBraces),
@@ -91,15 +97,23 @@ QCoro::Task<> TwinReplyRetry::run(ConversationRetryState::Operation operation, R
     if (!self || m_state.active != operation)
         co_return;
     const bool sameAccount = m_session.belongsToCurrentAccount() && m_session.account().signIn() == operation.token;
-    if (!sameAccount || !answer) {
-        end({}, sameAccount ? ConversationTexts::retryUnconfirmed() : ConversationTexts::retryUnmatched());
+    if (!sameAccount) {
+        end({.text = ConversationTexts::retryUnmatched(), .unconfirmed = true});
+        co_return;
+    }
+    if (!answer) {
+        const bool refused = TurnVerdict::ofPlain(answer.error()).kind == TurnVerdict::Kind::Refused;
+        end({.text = ConversationTexts::retryUnconfirmed(), .unconfirmed = !refused});
         co_return;
     }
     const QString text = apply(operation, request, before, *answer);
     // Whoever heard of the change may have opened another conversation, or closed the chat.
     if (!self || m_state.active != operation)
         co_return;
-    end(text.isNull() ? answer->messageId : QString(), text);
+    end({.messageId = text.isNull() ? answer->messageId : QString(),
+         .text = text,
+         .unconfirmed = !text.isNull(),
+         .free = answer->free.value_or(false)});
 }
 
 QString TwinReplyRetry::apply(const ConversationRetryState::Operation &operation, const RetryReq &request,
@@ -122,14 +136,16 @@ QString TwinReplyRetry::apply(const ConversationRetryState::Operation &operation
     return {};
 }
 
-void TwinReplyRetry::end(const QString &messageId, const QString &text) {
+void TwinReplyRetry::end(const RetryOutcome &outcome) {
     const QPointer self(this);
+    if (outcome.unconfirmed)
+        m_unconfirmed.insert(m_state.active->target.id);
     m_state.active.reset();
-    if (text.isNull())
+    if (outcome.text.isNull())
         m_session.save();
     Q_EMIT stateChanged();
     if (self)
-        Q_EMIT ended(messageId, text);
+        Q_EMIT ended(outcome);
 }
 
 } // namespace lmp

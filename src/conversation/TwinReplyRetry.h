@@ -2,13 +2,17 @@
 
 #include "conversation/ConversationRetryState.h"
 #include "conversation/ConversationSession.h"
+#include "conversation/RetryOutcome.h"
+
+#include <QSet>
 
 namespace lmp {
 
 /// Asks the service for another answer to a message, one at a time, and puts it into the conversation.
 ///
 /// Part of the chat; the session outlives it. UI thread. A failed retry never costs the old reply or the input, and is
-/// never repeated by itself.
+/// never repeated by itself. After one whose end is not known the message is not asked about again until the
+/// conversation has been read anew.
 class TwinReplyRetry : public QObject {
     Q_OBJECT
 public:
@@ -25,9 +29,7 @@ public:
 
 Q_SIGNALS:
     void stateChanged();
-    /// @param messageId the new reply; empty when there is none
-    /// @param text the sentence shown; null when the reply is in the conversation
-    void ended(const QString &messageId, const QString &text);
+    void ended(const lmp::RetryOutcome &outcome);
 
 private:
     std::optional<QString> start(const ConvMessageDTO &target, const QString &sourceTwinId,
@@ -36,10 +38,11 @@ private:
     /// Applies the answer if everything is still as it was. @return the sentence shown when it is not
     QString apply(const ConversationRetryState::Operation &operation, const RetryReq &request,
                   const ConversationDTO &before, const RetryResp &answer);
-    void end(const QString &messageId, const QString &text);
+    void end(const RetryOutcome &outcome);
 
     ConversationSession &m_session;
     ConversationRetryState m_state;
+    QSet<QString> m_unconfirmed; ///< the user messages of the open conversation that may have been answered
 };
 
 } // namespace lmp

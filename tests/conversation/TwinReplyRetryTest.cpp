@@ -11,7 +11,7 @@ class TwinReplyRetryTest : public ChatFixture {
 protected:
     TwinReplyRetryTest() {
         QObject::connect(chat.get(), &ChatWithTwinView::retryEnded,
-                         [this](const QString &id, const QString &text) { ended.emplace_back(id, text); });
+                         [this](const RetryOutcome &outcome) { ended.push_back(outcome); });
         server.on("/api/app/conversation/retry", [this](const auto &, QTcpSocket &socket) { held = &socket; });
         open();
     }
@@ -35,7 +35,7 @@ protected:
     }
 
     QPointer<QTcpSocket> held;
-    std::vector<std::pair<QString, QString>> ended;
+    std::vector<RetryOutcome> ended;
 };
 
 TEST_F(TwinReplyRetryTest, TheAnswerIsAddedOnceAndSaved) {
@@ -46,8 +46,9 @@ TEST_F(TwinReplyRetryTest, TheAnswerIsAddedOnceAndSaved) {
     answer();
     EXPECT_EQ(bodies("/app/conversation/retry").at(0), R"({"conversationId":"c","userMessageId":"u1"})");
     ASSERT_EQ(ended.size(), 1u);
-    EXPECT_EQ(ended[0].first, u"n1"_s);
-    EXPECT_TRUE(ended[0].second.isNull());
+    EXPECT_EQ(ended[0].messageId, u"n1"_s);
+    EXPECT_TRUE(ended[0].text.isNull());
+    EXPECT_TRUE(ended[0].free);
     ASSERT_EQ(session.conversation()->messages.size(), 6);
     EXPECT_EQ(message(1).text, u"旧"_s);
     EXPECT_EQ(message(5).text, u"新"_s);
@@ -116,7 +117,8 @@ TEST_F(TwinReplyRetryTest, WhatChangedMeanwhileIsLeftAsItIs) {
         const auto before = *session.conversation();
         answer(c.status, c.body);
         ASSERT_EQ(ended.size(), 1u);
-        EXPECT_EQ(ended[0].second, c.text);
+        EXPECT_EQ(ended[0].text, c.text);
+        EXPECT_TRUE(ended[0].unconfirmed);
         EXPECT_EQ(*session.conversation(), before);
     }
 }

@@ -92,6 +92,9 @@ QString ChatModel::title() const {
     const auto *conversation = m_session.conversation();
     if (!conversation)
         return {};
+    // Titles are seen where nobody asked for the words: in task bars, and on shared screens.
+    if (m_session.incognito())
+        return u"无痕对话"_s;
     const QString title = PlainLabel::line(conversation->title);
     return title.isEmpty() ? u"新对话"_s : title;
 }
@@ -108,7 +111,7 @@ void ChatModel::begin(bool incognito) {
     const auto *open = m_session.belongsToCurrentAccount() ? m_session.conversation() : nullptr;
     if (open && open->messages.isEmpty() && !m_session.known() && m_session.incognito() == incognito)
         return;
-    endTurn();
+    letGo();
     forgetOpening();
     m_session.begin({}, incognito);
     m_inputs.moveTo(place());
@@ -126,7 +129,11 @@ void ChatModel::goOnTyping() {
     if (!m_goesOn || !restored || restored != m_services.account.current())
         return;
     m_goesOn = false;
-    load(m_inputs.typedLater());
+    // Whoever composes has begun to write here.
+    const QString before = input();
+    Q_EMIT leaving();
+    if (input() == before)
+        load(m_inputs.typedLater());
 }
 
 void ChatModel::load(const QString &id) {
@@ -139,7 +146,7 @@ void ChatModel::load(const QString &id) {
 }
 
 void ChatModel::beginWith(const QString &id) {
-    endTurn();
+    letGo();
     forgetOpening();
     m_inputs.moveTo({.id = id});
     m_session.begin();
@@ -165,13 +172,18 @@ void ChatModel::reload() {
         openAs(m_wantedId, Copy::Local);
 }
 
+void ChatModel::reopen() {
+    if (isOpen() && isIdle() && m_session.known())
+        openAs(conversationId(), Copy::Local);
+}
+
 void ChatModel::openServiceCopy() {
     if (conflicted())
         openAs(conversationId(), Copy::Service);
 }
 
 void ChatModel::openAs(const QString &id, Copy copy) {
-    endTurn();
+    letGo();
     forgetOpening();
     m_wantedId = id;
     m_loading = true;
@@ -224,7 +236,8 @@ QCoro::Task<> ChatModel::load(QString id, Copy copy, quint64 loads) {
     setNotice(unread.isEmpty() ? text : unread + u'\n' + text);
 }
 
-void ChatModel::endTurn() {
+void ChatModel::letGo() {
+    Q_EMIT leaving();
     // What has arrived is saved with its conversation, which would otherwise be left as if nobody had answered.
     if (sending())
         stop();
@@ -376,6 +389,7 @@ void ChatModel::recheckAccount() {
         return;
     }
     forgetOpening();
+    Q_EMIT leaving();
     m_inputs.open(m_user);
     m_session.close();
     if (!self)
@@ -390,6 +404,9 @@ void ChatModel::recheckAccount() {
 void ChatModel::onViewChanged() {
     if (m_services.search)
         m_services.search->holdBack(this, sending());
+    // What held it back is over, and what came of that stands in the same place.
+    if (isIdle() && m_heldReason == ConversationTexts::heldByReply())
+        hold({});
     Q_EMIT stateChanged();
 }
 
@@ -470,6 +487,7 @@ void ChatModel::setInput(const QString &text) {
         return;
     m_goesOn = false;
     m_inputs.setText(text);
+    m_retry.onEdited();
     if (isIdle())
         m_heldReason.clear();
     Q_EMIT inputChanged();

@@ -120,6 +120,8 @@ public:
     void loadAt(const QString &id, const QString &messageId, const QString &query);
     /// Tries once more to open what `loadError` speaks of.
     Q_INVOKABLE void reload();
+    /// Reads what is open from the service again, to see what became of it there. What is not saved stays.
+    Q_INVOKABLE void reopen();
     /// Opens the service's copy; the local changes are given up, so only at the person's own word.
     Q_INVOKABLE void openServiceCopy();
     Q_INVOKABLE void saveAgain();
@@ -150,6 +152,8 @@ public:
 
 Q_SIGNALS:
     void conversationChanged();
+    /// What is typed from now on is for another conversation: a composition under way belongs to this one.
+    void leaving();
     void stateChanged();
     void inputChanged();
     void noticeChanged();
@@ -162,7 +166,7 @@ Q_SIGNALS:
 private:
     void openAs(const QString &id, ConversationSession::Copy copy);
     QCoro::Task<> load(QString id, ConversationSession::Copy copy, quint64 loads);
-    void endTurn();
+    void letGo();
     void beginWith(const QString &id);
     void goOnTyping();
     void forgetOpening();

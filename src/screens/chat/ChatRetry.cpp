@@ -7,6 +7,8 @@
 
 namespace lmp {
 
+using namespace Qt::StringLiterals;
+
 ChatRetry::ChatRetry(ConversationSession &session, ChatWithTwinView &view, MessageListModel &messages,
                      ComposerInputs &inputs)
     : m_session(session)
@@ -18,30 +20,41 @@ ChatRetry::ChatRetry(ConversationSession &session, ChatWithTwinView &view, Messa
 
 void ChatRetry::onOpened() {
     m_row.clear();
-    m_whenSaved.clear();
+    m_waiting.reset();
     m_input.reset();
 }
 
 void ChatRetry::onSaveEnded() {
-    const QString waiting = std::exchange(m_whenSaved, {});
-    if (waiting.isEmpty())
+    if (!m_waiting)
         return;
-    m_messages.setRetrying({});
-    waiting == target() ? send() : ask(waiting);
+    const Waiting waiting = *m_waiting;
+    stopWaiting();
+    waiting.input ? send() : ask(waiting.messageId);
 }
 
-bool ChatRetry::waitsForSave(const QString &messageId) {
+void ChatRetry::onEdited() {
+    if (m_waiting && m_waiting->input &&
+        (*m_waiting->input != m_inputs.current().text || m_waiting->messageId != target()))
+        stopWaiting();
+}
+
+void ChatRetry::stopWaiting() {
+    m_waiting.reset();
+    m_messages.setRetrying({});
+}
+
+bool ChatRetry::waitsForSave(const Waiting &waiting) {
     // Only what the service has can be answered again, and right after a turn it is about to have it.
     if (!m_session.isSaving() || m_view.sending() || m_view.retry().isRunning())
         return false;
-    m_whenSaved = messageId;
-    m_messages.setError(messageId, {});
-    m_messages.setRetrying(messageId);
+    m_waiting = waiting;
+    m_messages.setError(waiting.messageId, {});
+    m_messages.setRetrying(waiting.messageId);
     return true;
 }
 
 bool ChatRetry::ask(const QString &messageId) {
-    if (waitsForSave(messageId))
+    if (waitsForSave({.messageId = messageId, .input = std::nullopt}))
         return true;
     const auto *message = messageOf(messageId);
     const bool twin = message && message->role == TalkRole::twin;
@@ -74,7 +87,9 @@ bool ChatRetry::restore(const QString &userMessageId) {
         return false;
     }
     m_inputs.setText(message->text);
-    m_inputs.setRetryMessage(userMessageId);
+    // What nobody keeps, the service cannot answer again: there it is said anew.
+    if (!m_session.incognito())
+        m_inputs.setRetryMessage(userMessageId);
     m_messages.setError(userMessageId, {});
     Q_EMIT inputChanged();
     return true;
@@ -87,7 +102,7 @@ bool ChatRetry::send() {
         Q_EMIT held(ConversationTexts::nothingTyped());
         return false;
     }
-    if (waitsForSave(target))
+    if (waitsForSave({.messageId = target, .input = text}))
         return true;
     const auto *message = messageOf(target);
     const bool edited = !message || message->text != text;
@@ -113,12 +128,16 @@ bool ChatRetry::started(const QString &row, const std::optional<QString> &refusa
     return true;
 }
 
-void ChatRetry::onEnded(const QString &, const QString &text) {
+void ChatRetry::onEnded(const RetryOutcome &outcome) {
     const QString row = std::exchange(m_row, {});
     const auto sentInput = std::exchange(m_input, std::nullopt);
     m_messages.setRetrying({});
-    if (!text.isNull())
-        m_messages.setError(row, text);
+    if (!outcome.messageId.isEmpty())
+        m_messages.setCharge(outcome.messageId, outcome.free ? u"0 Pip"_s : u"—"_s);
+    if (outcome.unconfirmed)
+        m_messages.setUnconfirmed(row);
+    if (!outcome.text.isNull())
+        m_messages.setError(row, outcome.text);
     // What was typed on meanwhile stays, and says something new.
     else if (sentInput && m_inputs.current().text == *sentInput)
         Q_EMIT answered();
@@ -134,6 +153,7 @@ void ChatRetry::dropStale() {
 
 void ChatRetry::clearTarget() {
     m_inputs.setRetryMessage(std::nullopt);
+    onEdited();
     Q_EMIT inputChanged();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "conversation/RetryOutcome.h"
 #include "screens/chat/ComposerInputs.h"
 #include "screens/chat/MessageListModel.h"
 
@@ -25,8 +26,10 @@ public:
     bool restore(const QString &userMessageId);
     /// Tries the target again with what stands in the input box.
     bool send();
-    /// Sending says something new again; the text stays.
+    /// Sending says something new again; the text stays, and what waited to be sent with it does not go.
     void clearTarget();
+    /// What stands in the input box was changed: what waits to be sent with it waits no longer.
+    void onEdited();
     /// Clears a target that cannot be tried again.
     void dropStale();
 
@@ -44,16 +47,23 @@ Q_SIGNALS:
     void answered();
 
 private:
+    /// A message to try again as soon as the service has it.
+    struct Waiting {
+        QString messageId;
+        std::optional<QString> input; ///< what it is to be sent with, when that is the input
+    };
+
     const ConvMessageDTO *messageOf(const QString &id) const;
-    bool waitsForSave(const QString &messageId);
+    bool waitsForSave(const Waiting &waiting);
+    void stopWaiting();
     bool started(const QString &row, const std::optional<QString> &refusal);
-    void onEnded(const QString &messageId, const QString &text);
+    void onEnded(const RetryOutcome &outcome);
 
     ConversationSession &m_session;
     ChatWithTwinView &m_view;
     MessageListModel &m_messages;
     ComposerInputs &m_inputs;
-    QString m_whenSaved;            ///< the message to try again as soon as the service has it
+    std::optional<Waiting> m_waiting;
     QString m_row;                  ///< whose retry is under way
     std::optional<QString> m_input; ///< what it was sent with, when that is the input
 };

@@ -1,8 +1,8 @@
 import QtQuick
 import Lumenpair.Kit
 
-/// What went wrong with a message. It stays with it.
-Row {
+/// What went wrong with a message, and how to see what became of it. It stays with it.
+Column {
     id: root
 
     required property MessageItem row
@@ -10,21 +10,39 @@ Row {
 
     spacing: Theme.space4
 
-    LMPIcon {
-        id: icon
+    Row {
+        id: line
 
-        color: Theme.danger
-        name: "error"
-        size: 14
-        y: Math.round((words.lineHeight - height) / 2)
+        anchors.right: root.row.own ? root.right : undefined
+        spacing: Theme.space4
+
+        LMPIcon {
+            id: icon
+
+            color: Theme.danger
+            name: "error"
+            size: 14
+            y: Math.round((words.lineHeight - height) / 2)
+        }
+        LMPText {
+            id: words
+
+            Accessible.ignored: true
+            color: Theme.danger
+            kind: LMPText.Caption
+            text: root.row.errorText
+            width: words.balanced(root.widest - icon.width - line.spacing)
+        }
     }
-    LMPText {
-        id: words
+    LMPButton {
+        anchors.right: root.row.own ? root.right : undefined
+        enabled: root.row.chat.idle
+        iconName: "retry"
+        implicitHeight: Theme.target
+        kind: LMPButton.Quiet
+        text: "重新打开对话"
+        visible: root.row.reopenOffered
 
-        Accessible.ignored: true
-        color: Theme.danger
-        kind: LMPText.Caption
-        text: root.row.errorText
-        width: words.balanced(root.widest - icon.width - root.spacing)
+        onClicked: root.row.chat.reopen()
     }
 }

@@ -14,6 +14,7 @@ Item {
     required property string stateText
     required property string errorText
     required property bool retryOffered
+    required property bool reopenOffered
     required property string retryText
     required property bool retryBusy
     required property bool streaming

@@ -66,15 +66,17 @@ QVariant MessageListModel::data(const QModelIndex &index, int role) const {
     case StateRole:
         return QVariant::fromValue(stateOf(row, mark));
     case StateTextRole:
-        return row.isTwin && mark.stopped ? u"已停止"_s : row.stateText();
+        return stateTextOf(row, mark);
     case ErrorTextRole:
         return mark.error;
     case RetryOfferedRole:
-        return row.retryOffered;
+        return offersRetry(row, mark);
+    case ReopenOfferedRole:
+        return mark.unconfirmed;
     case RetryTextRole:
         if (busy)
             return ConversationTexts::retryRunning();
-        if (!row.retryOffered)
+        if (!offersRetry(row, mark))
             return QString();
         return row.isTwin ? ConversationTexts::retryOffer() : ConversationTexts::failedMessage();
     case RetryBusyRole:
@@ -102,12 +104,14 @@ QHash<int, QByteArray> MessageListModel::roleNames() const {
             {StateTextRole, "stateText"},   {ErrorTextRole, "errorText"}, {RetryOfferedRole, "retryOffered"},
             {RetryTextRole, "retryText"},   {RetryBusyRole, "retryBusy"}, {StreamingRole, "streaming"},
             {UsedCountRole, "usedCount"},   {UsedTextRole, "usedText"},   {FeedbackRole, "feedback"},
-            {ChargeTextRole, "chargeText"}, {GroupedRole, "grouped"}};
+            {ChargeTextRole, "chargeText"}, {GroupedRole, "grouped"},     {ReopenOfferedRole, "reopenOffered"}};
 }
 
 MessageListModel::State MessageListModel::stateOf(const MessageRow &row, const Mark &mark) {
     if (mark.stopped)
         return Stopped;
+    if (mark.unconfirmed && !row.isTwin)
+        return Unknown;
     switch (row.state) {
     case MessageRow::State::Pending:
         return Pending;
@@ -119,6 +123,17 @@ MessageListModel::State MessageListModel::stateOf(const MessageRow &row, const M
         break;
     }
     return Delivered;
+}
+
+QString MessageListModel::stateTextOf(const MessageRow &row, const Mark &mark) {
+    if (row.isTwin)
+        return mark.stopped ? u"已停止"_s : row.stateText();
+    return mark.unconfirmed ? ConversationTexts::unknownMessage() : row.stateText();
+}
+
+bool MessageListModel::offersRetry(const MessageRow &row, const Mark &mark) const {
+    // What nobody keeps, the service cannot answer again. A message of one's own can still be edited there.
+    return row.retryOffered && !mark.unconfirmed && !(row.isTwin && m_session.incognito());
 }
 
 // The window
@@ -389,6 +404,11 @@ void MessageListModel::setCharge(const QString &messageId, const QString &text) 
 void MessageListModel::setStopped(const QString &messageId) {
     m_marks[messageId].stopped = true;
     announce(messageId, {StateRole, StateTextRole});
+}
+
+void MessageListModel::setUnconfirmed(const QString &messageId) {
+    m_marks[messageId].unconfirmed = true;
+    announce(messageId, {StateRole, StateTextRole, RetryOfferedRole, RetryTextRole, ReopenOfferedRole});
 }
 
 void MessageListModel::setRetrying(const QString &messageId) {

@@ -42,6 +42,7 @@ public:
         StateTextRole,                    ///< stateText: QString, empty when there is nothing to say
         ErrorTextRole,                    ///< errorText: QString, what went wrong with this message
         RetryOfferedRole,                 ///< retryOffered: bool
+        ReopenOfferedRole,                ///< reopenOffered: bool, what became of another answer is seen by reopening
         RetryTextRole,                    ///< retryText: QString
         RetryBusyRole,                    ///< retryBusy: bool, another answer is under way
         StreamingRole,                    ///< streaming: bool, the reply grows
@@ -83,6 +84,9 @@ public:
     void setError(const QString &messageId, const QString &text);
     void setCharge(const QString &messageId, const QString &text);
     void setStopped(const QString &messageId);
+    /// Whether another answer came, and what it cost, is not known: none is offered until the conversation is read
+    /// anew.
+    void setUnconfirmed(const QString &messageId);
     /// The message that another answer is under way for, or empty.
     void setRetrying(const QString &messageId);
     /// The reply to a message, or the message itself while it has none: where the end of its turn is told.
@@ -99,9 +103,12 @@ private:
         QString charge;
         QDateTime at; ///< when the message came into being here; invalid when it was opened
         bool stopped = false;
+        bool unconfirmed = false;
     };
 
     static State stateOf(const MessageRow &row, const Mark &mark);
+    static QString stateTextOf(const MessageRow &row, const Mark &mark);
+    bool offersRetry(const MessageRow &row, const Mark &mark) const;
     void reset();
     /// Begins anew at `first`, or at the end, with what is known of the messages.
     void restart(qsizetype first = -1);

@@ -15,6 +15,7 @@ Row {
         implicitHeight: Theme.target
         kind: LMPButton.Quiet
         text: "重试"
+        visible: !root.row.chat.incognito
 
         onClicked: root.row.chat.retryMessage(root.row.messageId)
     }

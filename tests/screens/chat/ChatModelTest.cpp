@@ -95,6 +95,7 @@ TEST_F(ChatModelTest, StoppingKeepsWhatCameAndTheNextCanBeSentAtOnce) {
 
     ASSERT_TRUE(eventually([this] { return text(1) == u"一半"_s; }));
     chat->stop();
+    EXPECT_EQ(chat->inputHeldReason(), QString()) << "nothing holds it back any more";
     EXPECT_EQ(state(1), State::Stopped);
     EXPECT_EQ(text(1), u"一半"_s);
     EXPECT_EQ(state(0), State::Unknown);
@@ -247,13 +248,20 @@ TEST_F(ChatModelTest, AnotherAnswerToAReply) {
     ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
     EXPECT_FALSE(shown(1, "retryBusy").toBool());
     EXPECT_EQ(text(1, "errorText"), ConversationTexts::retryUnconfirmed());
+    EXPECT_FALSE(shown(1, "retryOffered").toBool()) << "it may have been answered, and charged";
+    EXPECT_TRUE(shown(1, "reopenOffered").toBool());
+    EXPECT_FALSE(chat->retryReply(u"r1"_s));
+    chat->reopen();
+    ASSERT_TRUE(eventually([this] { return !chat->loading(); }));
+    EXPECT_TRUE(shown(1, "retryOffered").toBool());
 
-    server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r2","text":"新"})"));
+    server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r2","text":"新","free":true})"));
     QSignalSpy saved(chat.get(), &ChatModel::saved);
     ASSERT_TRUE(chat->retryReply(u"r1"_s));
     EXPECT_EQ(text(1, "errorText"), QString());
     ASSERT_TRUE(eventually([&] { return !chat->retrying() && saved.size() > 0; }));
     EXPECT_EQ(text(2), u"新"_s);
+    EXPECT_EQ(text(2, "chargeText"), u"0 Pip"_s);
     EXPECT_EQ(chat->input(), u"等等"_s);
 
     // Right after a turn, while its save is under way.
@@ -269,7 +277,60 @@ TEST_F(ChatModelTest, AnotherAnswerToAReply) {
     EXPECT_FALSE(chat->retrying());
     server.on(sync, StubServer::reply(200, R"({"ok":true,"revision":4})"));
     saving->write(StubServer::message(200, R"({"ok":true,"revision":3})"));
+    EXPECT_EQ(chat->balanceText(), u"97 Pip"_s);
     EXPECT_TRUE(eventually([this] { return text(-1) == u"又新"_s; }));
+    EXPECT_EQ(text(-1, "chargeText"), u"—"_s) << "the service did not say that it was free";
+    EXPECT_EQ(chat->balanceText() + chat->lastChargeText(), u"——"_s) << "and what is left is not known any more";
+}
+
+TEST_F(ChatModelTest, WhatWaitsForASaveGoesAsItWasSentOrNotAtAll) {
+    server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r1","text":"新"})"));
+    server.on(stream, StubServer::reply(402, "{}"));
+    const auto retries = [this] {
+        return std::ranges::count(server.requests, "/api/app/conversation/retry", &StubServer::Request::path);
+    };
+    for (const bool clears : {true, false}) {
+        chat->begin(true);
+        chat->begin();
+        QTcpSocket *saving = nullptr;
+        server.on(sync, [&](const auto &, QTcpSocket &socket) { saving = &socket; });
+        chat->setInput(u"原话"_s);
+        ASSERT_TRUE(chat->send());
+        ASSERT_TRUE(eventually([&] { return saving && state(0) == State::Failed; }));
+        ASSERT_TRUE(chat->restoreMessage(text(0, "messageId")));
+        chat->setInput(u"改过"_s);
+        ASSERT_TRUE(chat->send());
+        EXPECT_TRUE(shown(0, "retryBusy").toBool());
+        if (clears)
+            chat->clearRetryTarget();
+        else
+            chat->setInput(u"改过，还没写完"_s);
+        EXPECT_FALSE(shown(0, "retryBusy").toBool());
+        saving->write(StubServer::message(200, R"({"ok":true,"revision":3})"));
+        EXPECT_TRUE(eventually([this] { return !chat->localOnly(); }));
+        settle();
+        EXPECT_EQ(retries(), 0) << "neither the words of before nor those that are not finished";
+        EXPECT_FALSE(chat->input().isEmpty());
+        server.on(sync, StubServer::reply(200, R"({"ok":true,"revision":4})"));
+        chat->setInput({});
+    }
+}
+
+TEST_F(ChatModelTest, WhatNobodyKeepsIsNotAskedForAgain) {
+    chat->begin(true);
+    turn(u"只在这里说"_s);
+    EXPECT_EQ(chat->title(), u"无痕对话"_s) << "titles are seen outside the window";
+    EXPECT_FALSE(shown(1, "retryOffered").toBool());
+    server.on(stream, StubServer::reply(402, "{}"));
+    turn(u"再说一句"_s);
+    ASSERT_EQ(state(-1), State::Failed);
+    ASSERT_TRUE(chat->restoreMessage(text(-1, "messageId")));
+    EXPECT_EQ(chat->input(), u"再说一句"_s);
+    EXPECT_EQ(chat->retryTarget(), QString());
+    answer({delta("好"), done});
+    ASSERT_TRUE(chat->send());
+    EXPECT_TRUE(eventually([this] { return chat->isIdle(); }));
+    EXPECT_EQ(text(-1), u"好"_s);
 }
 
 TEST_F(ChatModelTest, AFailedMessageIsTriedAgainEdited) {
@@ -286,12 +347,23 @@ TEST_F(ChatModelTest, AFailedMessageIsTriedAgainEdited) {
     EXPECT_EQ(text(0, "errorText"), QString());
 
     chat->setInput(u"改过"_s);
-    server.on("/api/app/conversation/retry", StubServer::reply(500, "{}"));
-    ASSERT_TRUE(chat->send());
-    ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
-    EXPECT_EQ(text(0, "errorText"), ConversationTexts::retryUnconfirmed());
-    EXPECT_EQ(chat->input(), u"改过"_s) << "a failed retry costs nothing that was typed";
-    EXPECT_EQ(chat->retryTarget(), u"m1"_s);
+    for (const int status : {402, 500}) {
+        SCOPED_TRACE(status);
+        server.on("/api/app/conversation/retry", StubServer::reply(status, "{}"));
+        ASSERT_TRUE(chat->send());
+        ASSERT_TRUE(eventually([this] { return !chat->retrying(); }));
+        EXPECT_EQ(text(0, "errorText"), ConversationTexts::retryUnconfirmed());
+        EXPECT_EQ(chat->input(), u"改过"_s) << "a failed retry costs nothing that was typed";
+        EXPECT_EQ(chat->retryTarget(), u"m1"_s);
+        EXPECT_EQ(state(0), status == 402 ? State::Failed : State::Unknown);
+        EXPECT_EQ(shown(0, "retryOffered").toBool(), status == 402);
+    }
+    EXPECT_FALSE(chat->send()) << "it may have been answered, and charged";
+    EXPECT_EQ(chat->inputHeldReason(), ConversationTexts::retryUnconfirmed());
+    chat->reopen();
+    ASSERT_TRUE(eventually([this] { return !chat->loading(); }));
+    EXPECT_EQ(state(0), State::Failed) << "as the service has it";
+    EXPECT_EQ(chat->input(), u"改过"_s);
 
     server.on("/api/app/conversation/retry", StubServer::reply(200, R"({"messageId":"r1","text":"新"})"));
     ASSERT_TRUE(chat->send());
