@@ -13,6 +13,12 @@ FocusScope {
     readonly property alias announced: announcer.words
     /// At the left of the title, as the shell may need.
     property alias leading: page.leading
+    /// The conversation that the text in the box is for.
+    property string writtenFor
+
+    /// A conversation of its own is wanted, with or without a trace. What is open is not left here: it may have to be
+    /// asked for first.
+    signal conversationWanted(incognito: bool)
 
     /// Puts the caret into the input box.
     function focusInput(): void {
@@ -34,17 +40,17 @@ FocusScope {
         const balance = "余额 " + root.chat.balanceText;
         return root.chat.lastChargeText === "—" ? balance : "上一轮 " + root.chat.lastChargeText + " · " + balance;
     }
-    /// Begins a conversation of the other kind. What nobody keeps is asked for before it goes.
     function switchIncognito(incognito: bool): void {
         options.close();
-        if (root.chat.losesIncognito())
-            leaving.open();
-        else
-            root.beginAnew(incognito);
+        root.conversationWanted(incognito);
     }
-    function beginAnew(incognito: bool): void {
-        root.chat.begin(incognito);
-        root.focusInput();
+    /// Puts what is typed for the open conversation into the box. A composition is not disturbed.
+    function showInput(): void {
+        if (root.writtenFor !== root.chat.conversationId) {
+            root.writtenFor = root.chat.conversationId;
+            composer.renew(root.chat.input);
+        } else if (composer.text !== root.chat.input && !composer.inputMethodComposing)
+            composer.text = root.chat.input;
     }
 
     LMPPage {
@@ -199,6 +205,7 @@ FocusScope {
                 }
                 onIdleKey: key => transcript.takeKey(key, Qt.NoModifier)
                 onEdited: root.chat.input = composer.text
+                onInputMethodComposingChanged: root.showInput()
                 onStopRequested: root.chat.stop()
                 onSubmitted: root.chat.send()
             }
@@ -215,9 +222,14 @@ FocusScope {
         target: root.chat.find
     }
     Connections {
+        function onConversationChanged() {
+            root.showInput();
+        }
         function onInputChanged() {
-            if (composer.text !== root.chat.input)
-                composer.text = root.chat.input;
+            root.showInput();
+        }
+        function onLeaving() {
+            composer.commit();
         }
         function onSent() {
             transcript.hold();
@@ -225,7 +237,7 @@ FocusScope {
 
         target: root.chat
     }
-    Component.onCompleted: composer.text = root.chat.input
+    Component.onCompleted: root.showInput()
 
     SheetLoader {
         id: options
@@ -255,14 +267,6 @@ FocusScope {
         chat: root.chat
         file: "FeedbackReasonsSheet.qml"
         wanted: root.chat.deeds.reasonsOpenFor !== ""
-    }
-    SheetLoader {
-        id: leaving
-
-        chat: root.chat
-        file: "LeaveIncognitoDialog.qml"
-
-        onLoaded: (leaving.item as LeaveIncognitoDialog).left.connect(() => root.beginAnew(false))
     }
     SheetLoader {
         id: replacing

@@ -38,6 +38,7 @@ Item {
         }
     }
     LazyPart {
+        enabled: !root.row.streaming
         urgent: false
         wanted: root.rested || root.attended
         opacity: !root.row.streaming && (root.attended || root.row.last || root.row.retryBusy) ? 1 : 0

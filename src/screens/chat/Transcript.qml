@@ -53,10 +53,10 @@ FocusScope {
         scroll.show(row, Theme.dp(48));
         arrived.restart();
     }
-    /// Whether `text` stands under the last message.
+    /// Whether `text` stands in sight, under the last message.
     function showsError(text: string): bool {
         const last = rows.itemAt(rows.count - 1) as TranscriptRow;
-        return last !== null && last.errorText === text;
+        return last !== null && last.seen && last.errorText === text;
     }
     /// Scrolls as the key says. @return whether it is a key that scrolls
     function takeKey(key: int, modifiers: int): bool {
@@ -107,8 +107,10 @@ FocusScope {
         root.focusedRow = root.rowAround(root.focusItem);
         // A click into a long text must not move it.
         const control = root.focusedRow ? root.focusItem as T.Control : null;
-        if (control && control.visualFocus)
+        if (control && control.visualFocus) {
             scroll.reveal(control);
+            scroll.letGo();
+        }
     }
     Keys.onPressed: event => event.accepted = root.takeKey(event.key, event.modifiers)
 
@@ -181,6 +183,15 @@ FocusScope {
             if (!root.messages.atEnd)
                 root.messages.fetchNewer();
         }
+    }
+    // Whoever marks a text, or goes through it with the keyboard, wants it to stay.
+    Connections {
+        function onCursorPositionChanged() {
+            scroll.letGo();
+        }
+
+        ignoreUnknownSignals: true
+        target: root.focusedRow ? root.focusItem as TextEdit : null
     }
     FindMarks {
         id: marks

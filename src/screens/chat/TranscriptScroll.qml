@@ -76,6 +76,13 @@ Item {
         else if (top < root.view.contentY && bottom - top <= root.view.height)
             root.moveBy(top - root.view.contentY);
     }
+    /// Somebody takes hold of what is in sight, which stays where it is.
+    function letGo() {
+        if (!root.following)
+            return;
+        root.following = false;
+        root.takeAnchor(root.view.contentY);
+    }
     /// After the view was moved by a person, however that was done.
     function moved(distance: real) {
         const fast = Math.abs(distance) > root.view.height / 2;

@@ -8,7 +8,7 @@ import "inputKeys.js" as InputKeys
 /// Enter sends what is there (`submitted`), Shift+Enter breaks the line; Esc stops, only while `busy`. What is submitted
 /// while `busy` is the owner's to hold back, and to say why in `hint`. While an input method composes, none of these does
 /// anything, and nothing here touches the text. `text` belongs to the owner, who clears it when the message was taken
-/// over: what was typed is never lost to a send that failed.
+/// over: what was typed is never lost to a send that failed. The keyboard stays in the text, whatever is clicked here.
 FocusScope {
     id: root
 
@@ -23,6 +23,7 @@ FocusScope {
     property alias tools: toolRow.data
     /// Something to send that is not only white space, and leave to send it.
     readonly property bool ready: root.canSend && root.enabled && field.filled
+    property bool renewing: false
 
     /// The text is another one, by whatever means.
     signal edited
@@ -38,6 +39,22 @@ FocusScope {
     /// Puts the caret into the text, whatever in here had the keyboard last.
     function focusText(): void {
         field.forceActiveFocus();
+    }
+
+    /// Begins anew with a text that has nothing to do with the one before, which no undo brings back into it.
+    function renew(text: string): void {
+        root.renewing = true;
+        // The editor forgets only what was done to another text.
+        if (field.text === text)
+            field.text = text + " ";
+        field.text = text;
+        root.renewing = false;
+    }
+
+    /// Ends a composition with what it has come to so far.
+    function commit(): void {
+        if (field.inputMethodComposing)
+            Qt.inputMethod.commit();
     }
 
     function submit(): void {
@@ -164,7 +181,8 @@ FocusScope {
                 }
                 onTextChanged: {
                     InputKeys.goOnAtEnd(field);
-                    root.edited();
+                    if (!root.renewing)
+                        root.edited();
                 }
             }
             boundsBehavior: Flickable.StopAtBounds
@@ -193,6 +211,8 @@ FocusScope {
 
             readonly property bool stops: root.busy
 
+            // A click leaves the keyboard where one types: what is typed next is no answer to a button.
+            focusPolicy: Qt.TabFocus
             enabled: action.stops || root.ready
             iconName: action.stops ? "stop" : "send"
             text: action.stops ? "停止" : "发送"
@@ -224,11 +244,25 @@ FocusScope {
                 }
             }
 
+            onActiveFocusChanged: {
+                // There is nothing to stop any more, and nothing to send yet.
+                if (!action.activeFocus && !action.enabled && root.enabled)
+                    field.forceActiveFocus();
+            }
             onClicked: {
-                if (action.stops)
-                    root.stopRequested();
-                else
+                if (!action.stops) {
                     root.submit();
+                    twice.restart();
+                    field.forceActiveFocus();
+                } else if (!twice.running)
+                    root.stopRequested();
+            }
+
+            // The button that sends is the one that stops, and the second click of two is meant for the first.
+            Timer {
+                id: twice
+
+                interval: Application.styleHints.mouseDoubleClickInterval
             }
         }
 

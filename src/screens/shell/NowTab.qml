@@ -20,5 +20,7 @@ TabPage {
             visible: root.frame.sidebarHidden
             onClicked: root.frame.sidebarRequested()
         }
+
+        onConversationWanted: incognito => root.scene.startConversation(incognito)
     }
 }

@@ -120,17 +120,49 @@ Item {
             test.beginTurn("换一个", "好");
         }
 
-        function test_incognitoIsNotLeftUnasked() {
+        function test_aConversationOfTheOtherKindIsAskedForNotBegun() {
+            const wanted = [];
+            test.page.conversationWanted.connect(incognito => wanted.push(incognito));
             test.page.switchIncognito(true);
-            verify(test.page.chat.incognito);
-            test.page.chat.input = "只在这里说";
-            test.page.switchIncognito(false);
-            verify(test.page.chat.incognito, "not even where nothing was sent yet");
-            keyClick(Qt.Key_Escape);
-            compare(test.page.chat.input, "只在这里说");
-            test.page.chat.input = "";
-            test.page.switchIncognito(false);
+            compare(wanted, [true]);
             verify(!test.page.chat.incognito);
+        }
+
+        function test_theKeyboardStaysInTheTextWhateverIsClicked() {
+            stage.answerByStream();
+            test.page.composer.text = "在吗";
+            const send = test.button(test.page, "发送");
+            mouseClick(send);
+            mouseClick(send);
+            verify(stage.chat.sending, "the second click of two stops nothing");
+            keyClick(Qt.Key_A);
+            keyClick(Qt.Key_Space);
+            compare(test.page.composer.text, "a ");
+            verify(stage.chat.sending);
+            tryVerify(() => stage.requests(test.stream) === 1);
+            // By keyboard it is stopped where the keyboard is, which then goes back.
+            const stop = test.button(test.page, "停止");
+            stop.forceActiveFocus(Qt.TabFocusReason);
+            test.page.composer.text = "";
+            wait(Application.styleHints.mouseDoubleClickInterval + 50);
+            keyClick(Qt.Key_Space);
+            verify(!stage.chat.sending);
+            keyClick(Qt.Key_B);
+            compare(test.page.composer.text, "b");
+        }
+
+        function test_noUndoBringsAnotherConversationsWordsBack() {
+            stage.chat.begin(true);
+            keyClick(Qt.Key_A);
+            keyClick(Qt.Key_Backspace);
+            stage.chat.begin(false);
+            test.page.focusInput();
+            keyClick(Qt.Key_Z, Qt.ControlModifier);
+            compare(test.page.composer.text, "");
+            keyClick(Qt.Key_B);
+            keyClick(Qt.Key_Backspace);
+            keyClick(Qt.Key_Z, Qt.ControlModifier);
+            compare(test.page.composer.text, "b");
         }
 
         function test_whoWritesGetsTheCaretWhateverHadTheKeyboard() {
@@ -149,6 +181,7 @@ Item {
             test.finishTurn();
             compare(test.page.composer.text, "第二句");
             compare(stage.requests(test.stream), 1);
+            verify(!test.reads(test.page, "回答或通话仍在进行。"), "nothing holds it back any more");
         }
 
         function test_anotherAnswer_data() {

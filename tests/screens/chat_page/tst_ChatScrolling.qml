@@ -67,6 +67,13 @@ Item {
                     letGo: () => keyClick(Qt.Key_Up)
                 },
                 {
+                    tag: "marking",
+                    letGo: () => {
+                        const words = test.all(test.transcript, item => item instanceof TextEdit).find(one => one.mapToItem(test.transcript, 0, 0).y > 20);
+                        mouseDrag(words, 2, 8, words.width - 4, 0);
+                    }
+                },
+                {
                     tag: "scroll bar",
                     letGo: () => mouseDrag(test.bar(), 5, test.bar().height - 30, 0, -60)
                 },
@@ -108,6 +115,20 @@ Item {
             test.beginTurn("再来", "好。\n\n");
             test.grow();
             compare(test.transcript.distanceToEnd, 0);
+        }
+
+        function test_whatWentWrongIsSeenWhereverOneReads() {
+            test.openLong(30);
+            test.beginTurn("接着说", "好。");
+            const text = "连接已结束，尚未确认本次结果与结算。已收到的内容保留，请先查看账单。";
+            for (let turn = 0; turn < 3; ++turn)
+                keyClick(Qt.Key_PageUp);
+            stage.endStream();
+            tryVerify(() => !stage.chat.sending);
+            tryCompare(test.page.composer, "hint", text);
+            keyClick(Qt.Key_End);
+            tryCompare(test.page.composer, "hint", "");
+            verify(test.reads(test.transcript, text));
         }
 
         function test_scrollingBackTakesHoldAgain() {
