@@ -53,8 +53,15 @@ FocusScope {
 
     /// Ends a composition with what it has come to so far.
     function commit(): void {
-        if (field.inputMethodComposing)
-            Qt.inputMethod.commit();
+        if (!field.inputMethodComposing)
+            return;
+        Qt.inputMethod.commit(); // qmllint disable type
+        // Not every input method does.
+        const left = field.preeditText;
+        if (left !== "") {
+            Qt.inputMethod.reset(); // qmllint disable type
+            field.insert(field.cursorPosition, left);
+        }
     }
 
     function submit(): void {

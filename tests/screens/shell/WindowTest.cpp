@@ -354,6 +354,28 @@ TEST_F(WindowTest, ALeftReplyIsToldAndTheSidebarSpeaks) {
     EXPECT_EQ(handle->valueInterface()->currentValue().toInt(), WindowLayout::widestSidebar);
 }
 
+TEST_F(WindowTest, WhatIsBeingComposedStaysWhereItWasBegun) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    ChatModel *chat = window.scene().chat();
+    ASSERT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s) && chat->isOpen(); }));
+    window.type(u"你好"_s);
+    window.key(Qt::Key_Return);
+    ASSERT_TRUE(eventually([&] { return chat->messages()->rowCount() == 2 && chat->isIdle(); }));
+    const QString talk = chat->conversationId();
+
+    window.type(u"写"_s);
+    window.compose(u"ni"_s);
+    window.key(Qt::Key_N, Qt::ControlModifier);
+    ASSERT_TRUE(eventually([&] { return chat->conversationId() != talk && chat->isOpen(); }));
+    EXPECT_EQ(chat->input(), QString());
+    EXPECT_EQ(window.find(u"LMPComposer"_s)->property("text").toString(), QString());
+    window.scene().openConversation(talk);
+    ASSERT_TRUE(eventually([&] { return chat->conversationId() == talk && chat->isOpen(); }));
+    EXPECT_EQ(window.find(u"LMPComposer"_s)->property("text").toString(), u"写ni"_s);
+}
+
 TEST_F(WindowTest, WhoLeavesBeforeThereIsAWindowSeesNone) {
     signInBefore();
     WindowApplication program(options(), SystemClock().monotonic());
