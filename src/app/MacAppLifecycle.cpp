@@ -22,8 +22,8 @@ bool MacAppLifecycle::mayCloseLastWindow() {
     return m_coordinator.resolved();
 }
 
-void MacAppLifecycle::endSession() {
-    m_coordinator.requestTermination();
+void MacAppLifecycle::saveForSession() {
+    m_coordinator.saveMeanwhile();
 }
 
 bool MacAppLifecycle::eventFilter(QObject *watched, QEvent *event) {

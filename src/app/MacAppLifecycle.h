@@ -5,8 +5,8 @@
 
 namespace lmp {
 
-/// Turns every way to end the program into one request to the quit coordinator: the menu, the last window, the end of
-/// the desktop session, a signal, and whatever else asks Qt to quit.
+/// Turns every way to end the program into one request to the quit coordinator: the menu, the last window, a signal,
+/// and whatever else asks Qt to quit, as the end of the desktop session does.
 ///
 /// One for the process, made after the QCoreApplication; UI thread. Whoever owns it exits on the coordinator's
 /// `terminationAllowed`, with QCoreApplication::exit.
@@ -21,9 +21,10 @@ public:
     /// The last window is about to close.
     /// @return true when it may. Otherwise it stays until the answer: a warning needs a window to be shown in.
     Q_INVOKABLE bool mayCloseLastWindow();
-    /// The desktop session ends (QGuiApplication::commitDataRequest). Saving has begun when this returns; a session
-    /// manager that does not wait for it ends us with a signal, which changes nothing.
-    void endSession();
+    /// The desktop session wants everything saved (QGuiApplication::commitDataRequest). It may go on all the same: that
+    /// is asked for a checkpoint too, and any program can call off a logout. Saving has begun when this returns; a real
+    /// end comes as a quit or a signal.
+    void saveForSession();
 
 protected:
     /// Holds back Qt's own quitting until the coordinator allows it.

@@ -98,6 +98,15 @@ void MacQuitCoordinator::allow() {
     setState(State::Resolved);
 }
 
+void MacQuitCoordinator::saveMeanwhile() {
+    if (m_state != State::Saving && !m_resolved)
+        detach(runMeanwhile(), "a save that ends nothing");
+}
+
+QCoro::Task<> MacQuitCoordinator::runMeanwhile() {
+    co_await m_save();
+}
+
 void MacQuitCoordinator::retryAndQuit() {
     if (m_state == State::Warning)
         begin();

@@ -47,6 +47,8 @@ public:
     /// The platform asks whether the program may end. While an answer is pending this only brings the warning, if it
     /// is up, to the front again.
     Q_INVOKABLE void requestTermination();
+    /// Saves and no more: nobody asks to end. What fails is asked about when somebody does.
+    void saveMeanwhile();
     /// The warning's first button: saves again and ends on success.
     Q_INVOKABLE void retryAndQuit();
     /// The warning's second button: the program stays open.
@@ -68,6 +70,7 @@ Q_SIGNALS:
 private:
     void begin();
     QCoro::Task<> runOperation();
+    QCoro::Task<> runMeanwhile();
     QCoro::Task<> runDeadline();
     void onSaved(bool saved);
     void allow();

@@ -180,10 +180,6 @@ TEST_F(MacQuitCoordinatorTest, EveryWayToQuitIsOneRequest) {
               [](auto &lifecycle) {
                   lifecycle.quit();
               }},
-             {"session",
-              [](auto &lifecycle) {
-                  lifecycle.endSession();
-              }},
              {"window",
               [](auto &lifecycle) {
                   EXPECT_FALSE(lifecycle.mayCloseLastWindow());
@@ -218,6 +214,32 @@ TEST_F(MacQuitCoordinatorTest, EveryWayToQuitIsOneRequest) {
         finish(true);
         EXPECT_TRUE(lifecycle.mayCloseLastWindow()) << "now it may";
     }
+}
+
+TEST_F(MacQuitCoordinatorTest, ASessionThatMayGoOnOnlyHasEverythingSaved) {
+    MacAppLifecycle lifecycle(quit);
+    for (const bool saved : {true, false}) {
+        lifecycle.saveForSession();
+        finish(saved);
+        EXPECT_EQ(quit.state(), State::Idle) << "a checkpoint, or a logout that somebody calls off";
+        EXPECT_FALSE(quit.started());
+    }
+    EXPECT_EQ(saves.size(), 2u);
+    EXPECT_EQ(raised + allowed, 0);
+    EXPECT_TRUE(lines.isEmpty());
+
+    // The end that follows is asked as any other, and a save that is under way is not begun twice.
+    lifecycle.saveForSession();
+    lifecycle.quit();
+    lifecycle.saveForSession();
+    EXPECT_EQ(saves.size(), 4u);
+    saves[2].resolve(true);
+    settle();
+    EXPECT_EQ(quit.state(), State::Saving) << "only its own save lets it end";
+    finish(true);
+    EXPECT_EQ(allowed, 1);
+    lifecycle.saveForSession();
+    EXPECT_EQ(saves.size(), 4u);
 }
 
 TEST(LocalInputRegistryTest, AllAreSavedWhateverOneOfThemDoes) {

@@ -41,7 +41,7 @@ WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanosec
     , m_macLifecycle(m_quitting) {
     m_engine.setIncubationController(&m_incubation);
     qGuiApp->installEventFilter(this);
-    connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::endSession);
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::saveForSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
     connect(&m_quitting, &MacQuitCoordinator::raiseRequested, this, [this] {
         // The person asked in the window in front, and the question may stand in another one.
