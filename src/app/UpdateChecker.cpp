@@ -17,15 +17,18 @@ namespace {
 constexpr qsizetype longestVersion = 64;
 constexpr qsizetype longestNotes = 2000;
 constexpr int mostNotesLines = 40;
+constexpr qsizetype longestHost = 253; // a name that can be looked up has no more
 
 QString unknown() {
     return u"暂时查不到更新"_s;
 }
 
-/// A page that may be offered: https, and nothing in it that makes one host look like another.
+/// A page that may be offered: https, nothing in it that makes one host look like another, and a host short enough to
+/// be read to its end, which is what counts.
 QUrl page(const QString &address) {
     const QUrl url(address, QUrl::StrictMode);
-    const bool safe = url.isValid() && url.scheme() == "https"_L1 && !url.host().isEmpty() && url.userInfo().isEmpty();
+    const bool safe = url.isValid() && url.scheme() == "https"_L1 && !url.host().isEmpty() &&
+                      url.userInfo().isEmpty() && url.host(QUrl::FullyEncoded).size() <= longestHost;
     return safe ? url : QUrl();
 }
 
@@ -114,9 +117,11 @@ std::optional<UpdateChecker::Alert> UpdateChecker::offer(const Manifest &manifes
         return reported(title, u"更新清单里的下载地址不是 https，所以这里不打开它。"_s);
     const QString notes = PlainLabel::lines(manifest.notes.value_or(QString()), longestNotes, mostNotesLines).trimmed();
     return Alert{.title = title,
-                 .text = notes.isEmpty() ? u"现在用的是 "_s + m_running.version : notes,
+                 .text = u"下载页面在 "_s + download.authority(QUrl::FullyEncoded) + u'\n' +
+                         (notes.isEmpty() ? u"现在用的是 "_s + m_running.version : notes),
                  .buttons = {u"打开下载页面"_s, u"以后再说"_s},
-                 .download = download};
+                 .download = download,
+                 .asked = m_userInitiated};
 }
 
 std::optional<UpdateChecker::Alert> UpdateChecker::reported(const QString &title, const QString &text) const {

@@ -20,7 +20,7 @@ namespace lmp {
 /// One for the process, so that several windows ask once; UI thread. Nothing is downloaded or installed here. What an
 /// automatic check cannot find out it keeps to itself; a check the person asked for ends with an alert, whatever the
 /// outcome. Nothing of the manifest is trusted: it is short, comes without a detour over http, and its address is
-/// offered only when it is https.
+/// offered only when it is https, with its host to be read.
 class UpdateChecker : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool checking READ isChecking NOTIFY checkingChanged)
@@ -28,6 +28,8 @@ class UpdateChecker : public QObject {
     Q_PROPERTY(QString alertTitle READ alertTitle NOTIFY alertChanged)
     Q_PROPERTY(QString alertText READ alertText NOTIFY alertChanged)
     Q_PROPERTY(QList<QString> alertButtons READ alertButtons NOTIFY alertChanged)
+    /// The person waits for this alert. Otherwise it comes while they are at something else.
+    Q_PROPERTY(bool alertAsked READ isAlertAsked NOTIFY alertChanged)
 public:
     struct Manifest {
         QString version;
@@ -46,6 +48,7 @@ public:
         QString text; ///< plain text; parts of it come from outside
         QStringList buttons;
         QUrl download = {}; ///< what the first button opens; empty when it only closes
+        bool asked = true;  ///< the person waits for it
         bool operator==(const Alert &) const = default;
     };
 
@@ -68,6 +71,7 @@ public:
     bool isAlertOpen() const { return m_alert.has_value(); }
     QString alertTitle() const { return m_alert ? m_alert->title : QString(); }
     QString alertText() const { return m_alert ? m_alert->text : QString(); }
+    bool isAlertAsked() const { return m_alert && m_alert->asked; }
     QStringList alertButtons() const { return m_alert ? m_alert->buttons : QStringList(); }
     /// The person's answer; the alert closes.
     Q_INVOKABLE void choose(int button);

@@ -103,13 +103,17 @@ TEST_F(UpdateCheckerTest, NoAnswer) {
 TEST_F(UpdateCheckerTest, ANewerBuildIsOfferedAndOpened) {
     serve(200, R"({"version":"0.1\n","build":8,"url":"https://a.b/dl?x=1","notes":" 修了些东西 "})");
     const auto checker = make();
-    const Alert offer{
-        u"有新版本 0.1"_s, u"修了些东西"_s, {u"打开下载页面"_s, u"以后再说"_s}, QUrl(u"https://a.b/dl?x=1"_s)};
+    const Alert offer{u"有新版本 0.1"_s,
+                      u"下载页面在 a.b\n修了些东西"_s,
+                      {u"打开下载页面"_s, u"以后再说"_s},
+                      QUrl(u"https://a.b/dl?x=1"_s),
+                      false};
     EXPECT_EQ(ask(*checker, false), offer) << "the build alone decides";
     checker->choose(1);
     EXPECT_FALSE(checker->alert());
     EXPECT_TRUE(opener.opened.isEmpty());
     ask(*checker, true);
+    EXPECT_TRUE(checker->isAlertAsked());
     checker->choose(0);
     EXPECT_EQ(opener.opened, QList{QUrl(u"https://a.b/dl?x=1"_s)});
     EXPECT_FALSE(checker->alert());
@@ -126,9 +130,22 @@ TEST_F(UpdateCheckerTest, ANewerBuildIsOfferedAndOpened) {
     EXPECT_EQ(opener.opened.size(), 2);
 }
 
+TEST_F(UpdateCheckerTest, WhereThePageIsIsShownAsItIs) {
+    for (const auto &[url, host] : std::initializer_list<std::pair<QByteArray, QString>>{
+             {"https://a.b:8443/dl", u"a.b:8443"_s},
+             {"https://\xd0\xb0pple.com/dl", u"xn--pple-43d.com"_s},
+         }) {
+        serve(200, R"({"version":"2","build":8,"url":")" + url + R"("})");
+        EXPECT_EQ(ask(*make(), true)->text, u"下载页面在 "_s + host + u"\n现在用的是 1.2.3"_s);
+    }
+}
+
 TEST_F(UpdateCheckerTest, AnAddressThatIsNotSafeIsNeverOffered) {
-    for (const QByteArray &url : {"http://a.b/", "javascript:alert(1)", "file:///bin/sh", "https://", "a.b", "",
-                                  "https://good.example@evil.example/", "https://a b/", "HTTP://a.b"}) {
+    const QByteArray endless = "https://good.example." + QByteArray("a.").repeated(120) + "evil.example/";
+    for (const QByteArray &url :
+         {endless, QByteArray("http://a.b/"), QByteArray("javascript:alert(1)"), QByteArray("file:///bin/sh"),
+          QByteArray("https://"), QByteArray("a.b"), QByteArray(), QByteArray("https://good.example@evil.example/"),
+          QByteArray("https://a b/"), QByteArray("HTTP://a.b")}) {
         SCOPED_TRACE(url.constData());
         serve(200, R"({"version":"2","build":8,"url":")" + url + R"("})");
         const auto checker = make();

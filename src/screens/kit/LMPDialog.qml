@@ -3,6 +3,9 @@ import QtQuick
 /// A question with its answers. The first button is the primary one; `dangerIndex` is drawn as what cannot be taken
 /// back and never has the keyboard to begin with. Esc gives the answer `escapeIndex`, or, where there is none, only
 /// closes and reports `dismissed`.
+///
+/// One that is `unasked` comes while somebody is at something else: what is pressed in its first half second was meant
+/// for that, and the keyboard comes to the answer that changes nothing.
 LMPModal {
     id: root
 
@@ -12,18 +15,28 @@ LMPModal {
     property int escapeIndex: -1
     property string text
     property string title
+    property bool unasked: false
 
     signal chosen(int index)
     signal dismissed
 
     function choose(index: int): void {
+        if (unread.running)
+            return;
         root.close();
         root.chosen(index);
     }
 
+    /// The answer that has the keyboard to begin with.
+    function first(): int {
+        if (root.unasked && root.escapeIndex >= 0)
+            return root.escapeIndex;
+        return root.dangerIndex === 0 && root.buttons.length > 1 ? 1 : 0;
+    }
+
     function prepare(index: int, button: LMPButton): void {
         button.kind = index === root.dangerIndex ? LMPButton.Danger : index === 0 ? LMPButton.Primary : LMPButton.Secondary;
-        button.focus = index === (root.dangerIndex === 0 && root.buttons.length > 1 ? 1 : 0);
+        button.focus = index === root.first();
         button.clicked.connect(() => root.choose(index));
     }
 
@@ -33,6 +46,13 @@ LMPModal {
     implicitHeight: scroll.contentHeight + answers.height + Theme.space20
     scroller: scroll
     width: Math.min(Theme.dp(440), root.windowWidth - 2 * Theme.space16)
+
+    Timer {
+        id: unread
+
+        interval: 500
+        running: root.unasked && root.visible
+    }
 
     LMPScrollView {
         id: scroll
@@ -99,6 +119,8 @@ LMPModal {
             root.choose(root.escapeIndex);
             return;
         }
+        if (unread.running)
+            return;
         root.close();
         root.dismissed();
     }

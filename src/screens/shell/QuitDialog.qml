@@ -2,7 +2,8 @@ import QtQuick
 import Lumenpair.Kit
 import Lumenpair.Shell
 
-/// The program would end, and what was typed is not saved.
+/// The program would end, and what was typed is not saved. That shows only when saving has failed, and the wish may have
+/// been a signal's: whoever is typing meanwhile did not ask.
 LMPDialog {
     id: root
 
@@ -13,6 +14,7 @@ LMPDialog {
     escapeIndex: 1
     text: root.quitting.warningText
     title: root.quitting.warningMessage
+    unasked: true
 
     Component.onCompleted: root.open()
     onChosen: index => index === 0 ? root.quitting.retryAndQuit() : root.quitting.returnToApplication()

@@ -13,6 +13,7 @@ LMPDialog {
     escapeIndex: root.buttons.length - 1
     text: root.updates.alertText
     title: root.updates.alertTitle
+    unasked: !root.updates.alertAsked
 
     Component.onCompleted: root.open()
     onChosen: index => root.updates.choose(index)

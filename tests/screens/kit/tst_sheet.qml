@@ -65,6 +65,22 @@ TestCase {
         title: "现在退出？"
     }
 
+    LMPDialog {
+        id: uninvited
+
+        buttons: ["打开", "以后再说"]
+        escapeIndex: 1
+        title: "有新的"
+        unasked: true
+    }
+
+    SignalSpy {
+        id: answered
+
+        signalName: "chosen"
+        target: uninvited
+    }
+
     SignalSpy {
         id: rejected
 
@@ -101,6 +117,7 @@ TestCase {
 
     function cleanup() {
         dialog.close();
+        uninvited.close();
         sheet.close();
         tryCompare(sheet, "visible", false);
     }
@@ -204,6 +221,22 @@ TestCase {
         keyClick(Qt.Key_PageUp);
         verify(scroll.contentY < bottom, "the page keys scroll from outside");
         filler.visible = false;
+    }
+
+    function test_anUninvitedDialogTakesNoKeysMeantForOthers() {
+        answered.clear();
+        uninvited.open();
+        verify(uninvited.visible);
+        for (const key of [Qt.Key_Return, Qt.Key_Space, Qt.Key_Escape])
+            keyClick(key);
+        compare(answered.count, 0);
+        verify(uninvited.visible);
+        tryVerify(() => {
+            keyClick(Qt.Key_Return);
+            return answered.count > 0;
+        });
+        compare(answered.signalArguments[0][0], 1, "and then the harmless one");
+        tryCompare(uninvited, "visible", false);
     }
 
     function test_dialogAnswers() {

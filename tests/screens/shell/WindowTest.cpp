@@ -1,5 +1,4 @@
-#include "WindowDriver.h"
-#include "support/SandboxFixture.h"
+#include "WindowFixture.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -13,37 +12,7 @@ using namespace Qt::StringLiterals;
 using Stage = WindowScene::Stage;
 using Tab = WindowNavigation::Tab;
 
-/// The program with its window against a sandbox of its own, with nothing of the person's within reach.
-class WindowTest : public SandboxFixture {
-protected:
-    void SetUp() override {
-        SandboxFixture::SetUp();
-        qputenv("XDG_DATA_HOME", m_home.filePath(u"data"_s).toUtf8());
-        qputenv("HOME", m_home.path().toUtf8());
-        qputenv("XDG_RUNTIME_DIR", m_home.path().toUtf8());
-    }
-    void TearDown() override {
-        qunsetenv("LMP_TOKEN");
-        SandboxFixture::TearDown();
-    }
-    WindowOptions options(const QString &link = {}) const {
-        return {.site = m_site.toString(), .profile = {}, .link = link};
-    }
-    /// Somebody has said something that nobody keeps.
-    static bool typesIncognito(WindowDriver &window) {
-        if (!window.enterShell())
-            return false;
-        window.scene().startConversation(true);
-        if (!eventually([&] { return window.find(u"LMPComposer"_s) != nullptr; }))
-            return false;
-        window.type(u"只在这里说"_s);
-        return true;
-    }
-    /// The next start finds somebody signed in.
-    void signInBefore() { qputenv("LMP_TOKEN", signIn(u"13900000007"_s).toUtf8()); }
-
-    QTemporaryDir m_home;
-};
+class WindowTest : public WindowFixture {};
 
 TEST_F(WindowTest, FromTheFirstStartToTheFirstReply) {
     WindowDriver window(options());
@@ -258,6 +227,7 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
     // Keys of the window do nothing behind the question.
     window.key(Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(window.scene().navigation()->tab(), Tab::Now);
+    letQuestionListen();
     ASSERT_TRUE(window.click(u"返回应用"_s));
     ASSERT_TRUE(window.hides(u"未执行输入尚未保存"_s));
     EXPECT_EQ(window.program().quitting().state(), MacQuitCoordinator::State::Idle);
@@ -265,13 +235,13 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
 
     window.key(Qt::Key_Q, Qt::ControlModifier);
     ASSERT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    letQuestionListen();
     ASSERT_TRUE(window.click(u"重试保存并退出"_s));
     EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Warning; }));
     full = false;
-    settle();
-    ASSERT_TRUE(window.click(u"重试保存并退出"_s));
+    EXPECT_TRUE(
+        eventually([&] { return window.click(u"重试保存并退出"_s) && window.program().quitting().resolved(); }));
     EXPECT_TRUE(eventually([&] { return !window.window().isVisible(); }));
-    EXPECT_TRUE(window.program().quitting().resolved());
 }
 
 TEST_F(WindowTest, WhatNobodyKeepsIsNotThrownAwayUnasked) {
@@ -428,6 +398,7 @@ TEST_F(WindowTest, AQuestionDoesNotGoWithItsWindow) {
     window.window().close();
     ASSERT_TRUE(eventually([&] { return &window.window() == first; }));
     EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
+    letQuestionListen();
     ASSERT_TRUE(window.click(u"返回应用"_s));
     EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Idle; }));
 }

@@ -1,0 +1,44 @@
+#include "WindowFixture.h"
+
+namespace lmp {
+
+using namespace Qt::StringLiterals;
+
+/// What comes to a window while somebody is at something else.
+class WindowIntrusionTest : public WindowFixture {};
+
+TEST_F(WindowIntrusionTest, AnOfferTakesNoKeyThatWasMeantForTheMessage) {
+    signInBefore();
+    fault(R"({"route":"/downloads/desktop/mac/latest.json","times":1,"delayMs":1500,
+              "body":{"version":"9.9","build":999999999,"url":"https://downloads.example/dl"}})");
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    window.type(u"正在打字"_s);
+    UpdateChecker *updates = window.scene().updates();
+    ASSERT_TRUE(window.shows(u"有新版本 9.9"_s));
+    EXPECT_TRUE(window.shows(u"下载页面在 downloads.example"_s));
+    const auto hasKeyboard = [&](const QString &button) {
+        return eventually([&] {
+            const QQuickItem *item = window.find(u"LMPButton"_s, button);
+            return item && item->hasActiveFocus();
+        });
+    };
+    ASSERT_TRUE(hasKeyboard(u"以后再说"_s));
+    window.key(Qt::Key_Return);
+    EXPECT_TRUE(updates->isAlertOpen()) << "it could not have been read yet";
+    letQuestionListen();
+    window.key(Qt::Key_Return);
+    EXPECT_FALSE(updates->isAlertOpen());
+    EXPECT_EQ(window.scene().chat()->input(), u"正在打字"_s);
+
+    // Whoever asks is answered at once.
+    ASSERT_TRUE(window.hides(u"有新版本"_s));
+    fault(R"({"route":"/downloads/desktop/mac/latest.json","times":1,"status":404})");
+    updates->check(true);
+    ASSERT_TRUE(window.shows(u"更新通道尚未开通"_s));
+    ASSERT_TRUE(hasKeyboard(u"好"_s));
+    window.key(Qt::Key_Return);
+    EXPECT_FALSE(updates->isAlertOpen());
+}
+
+} // namespace lmp
