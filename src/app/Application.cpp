@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "core/Detach.h"
 #include "core/FilesSettled.h"
 #include "core/RequestURL.h"
 #include "dev/DevProcessRegistry.h"
@@ -18,6 +19,11 @@ namespace {
 
 /// Holds a digest of the token and the id of the user it was last verified for.
 const QString userKey = u"lmp.session.user.v1"_s;
+
+QCoro::Task<> stopWhenFilesSettle(std::stop_source settled) {
+    co_await filesSettled();
+    settled.request_stop();
+}
 
 } // namespace
 
@@ -86,14 +92,22 @@ void Application::makeStores() {
         m_auth->restore();
 }
 
-QCoro::Task<> Application::close() {
+QCoro::Task<bool> Application::close(std::optional<std::chrono::milliseconds> filesLimit) {
     const QPointer self(this);
     if (m_telemetry)
         co_await m_telemetry->flushForExit(1s);
     if (self && m_auth)
         co_await m_auth->keychainSettled(2s);
     // Behind what is being written, so that whoever waits for it hears of it while there is a loop to be told by.
-    co_await filesSettled();
+    if (filesLimit)
+        co_return self &&co_await filesSettledWithin(*filesLimit);
+    co_return co_await filesSettled();
+}
+
+QCoro::Task<bool> Application::filesSettledWithin(std::chrono::milliseconds limit) {
+    const std::stop_source settled;
+    detach(stopWhenFilesSettle(settled), "waiting for the files");
+    co_return !co_await m_clock.sleep(limit, settled.get_token());
 }
 
 void Application::endChildren() {

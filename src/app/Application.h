@@ -49,8 +49,10 @@ public:
 
     /// Finds the service (starting the sandbox where that is it), makes the stores and begins to restore the session.
     QCoro::Task<std::expected<void, QString>> open();
-    /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s, and what is being written.
-    QCoro::Task<> close();
+    /// Lets what is still under way end: telemetry for 1 s at most, the keychain for 2 s, and what is being written for
+    /// `filesLimit`, or for as long as it takes.
+    /// @return false when something is still being written: this must not be destroyed, which would wait for it
+    QCoro::Task<bool> close(std::optional<std::chrono::milliseconds> filesLimit = {});
     /// The last thing in main: ends what coding agents have started, and lets nothing more start. Blocks for 2.5 s at
     /// most, and not at all where nothing runs.
     static void endChildren();
@@ -93,6 +95,7 @@ public:
 
 private:
     QCoro::Task<std::expected<QString, QString>> findService();
+    QCoro::Task<bool> filesSettledWithin(std::chrono::milliseconds limit);
     void makeStores();
     /// Remembers whose token this is, so that local records are found while the service cannot be asked.
     void rememberUser();

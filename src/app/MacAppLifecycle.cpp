@@ -8,7 +8,8 @@ namespace lmp {
 MacAppLifecycle::MacAppLifecycle(MacQuitCoordinator &coordinator, QObject *parent)
     : QObject(parent)
     , m_coordinator(coordinator) {
-    connect(&m_signals, &SignalWatcher::caught, this, &MacAppLifecycle::quit);
+    connect(&*m_signals, &SignalWatcher::caught, this, &MacAppLifecycle::quit);
+    connect(&m_coordinator, &MacQuitCoordinator::terminationAllowed, this, [this] { m_signals.reset(); });
     QCoreApplication::instance()->installEventFilter(this);
 }
 

@@ -3,12 +3,15 @@
 #include "app/MacQuitCoordinator.h"
 #include "platform/SignalWatcher.h"
 
+#include <optional>
+
 namespace lmp {
 
 /// Turns every way to end the program into one request to the quit coordinator: the menu, the last window, a signal,
 /// and whatever else asks Qt to quit, as the end of the desktop session does.
 ///
-/// One for the process, made after the QCoreApplication; UI thread. Whoever owns it exits on the coordinator's
+/// After the answer a signal is the system's again: whoever sends another one does not want to wait for what still
+/// hangs. One for the process, made after the QCoreApplication; UI thread. Whoever owns it exits on the coordinator's
 /// `terminationAllowed`, with QCoreApplication::exit.
 class MacAppLifecycle : public QObject {
     Q_OBJECT
@@ -32,7 +35,7 @@ protected:
 
 private:
     MacQuitCoordinator &m_coordinator;
-    SignalWatcher m_signals;
+    std::optional<SignalWatcher> m_signals{std::in_place}; ///< until the answer
 };
 
 } // namespace lmp

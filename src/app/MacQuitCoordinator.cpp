@@ -75,6 +75,7 @@ QCoro::Task<> MacQuitCoordinator::runDeadline() {
         co_return;
     qCWarning(logTermination)
         << "Local shutdown deadline reached; process exit and remote cancellation are unconfirmed.";
+    m_late = true;
     allow();
 }
 

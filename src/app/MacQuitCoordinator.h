@@ -43,6 +43,8 @@ public:
     bool started() const { return m_started; }
     /// Termination is allowed.
     bool resolved() const { return m_resolved; }
+    /// It was the deadline that allowed it: what was to be saved may never end.
+    bool late() const { return m_late; }
 
     /// The platform asks whether the program may end. While an answer is pending this only brings the warning, if it
     /// is up, to the front again.
@@ -81,6 +83,7 @@ private:
     State m_state = State::Idle;
     bool m_started = false;
     bool m_resolved = false;
+    bool m_late = false;
     quint64 m_operation = 0;     ///< number of the save that counts
     std::stop_source m_deadline; ///< of that save
 };

@@ -86,6 +86,7 @@ TEST_F(MacQuitCoordinatorTest, EndsWhenEverythingIsSaved) {
     finish(true);
     EXPECT_EQ(allowed, 1);
     EXPECT_TRUE(quit.resolved());
+    EXPECT_FALSE(quit.late());
     EXPECT_EQ(clock.sleepers(), 0) << "the deadline goes with the save";
     clock.advance(10s);
     quit.requestTermination();
@@ -110,6 +111,7 @@ TEST_F(MacQuitCoordinatorTest, TheDeadlineEndsWhatHangs) {
         EXPECT_EQ(allowed, 1);
         finish(saved);
         EXPECT_EQ(allowed, 1) << "only the first answer counts";
+        EXPECT_TRUE(hung.late());
         EXPECT_EQ(hung.state(), State::Resolved);
         EXPECT_EQ(lines, QStringList{late});
     }
@@ -213,6 +215,9 @@ TEST_F(MacQuitCoordinatorTest, EveryWayToQuitIsOneRequest) {
         EXPECT_EQ(saves.size(), 1u);
         finish(true);
         EXPECT_TRUE(lifecycle.mayCloseLastWindow()) << "now it may";
+        struct sigaction action = {};
+        ::sigaction(SIGTERM, nullptr, &action);
+        EXPECT_EQ(action.sa_handler, SIG_DFL) << "and a second signal ends what hangs after that";
     }
 }
 

@@ -27,6 +27,8 @@ namespace {
 
 /// How long a window waits for what it is to show.
 constexpr auto blink = 100ms;
+/// How long the files are still waited for when saving has taken too long.
+constexpr std::chrono::milliseconds restForFiles = 1s;
 
 } // namespace
 
@@ -259,9 +261,12 @@ QCoro::Task<> WindowApplication::leave() {
     }
     if (!m_windows.empty())
         m_firstPane.keep(m_windows.back().scene->stage() == WindowScene::Stage::Shell);
-    co_await m_application.close();
+    // What hung for longer than a quit waits may hang for ever, and nobody sees any more that it does.
+    const auto limit = m_quitting.late() ? std::optional(restForFiles) : std::nullopt;
+    const bool settled = co_await m_application.close(limit);
     if (!self)
         co_return;
+    m_gaveUp = !settled;
     Q_EMIT left();
     QCoreApplication::exit(0);
 }

@@ -35,6 +35,9 @@ public:
     /// Follows what a second start hands over: its link, and to the front.
     void takeOver(const SingleInstance::Handover &handover);
 
+    /// Once it has `left`: a file could not be written in time and may never be. The process has to end without taking
+    /// anything down, which would wait for it.
+    bool gaveUp() const { return m_gaveUp; }
     MacQuitCoordinator &quitting() { return m_quitting; }
     Application &application() { return m_application; }
     AppearanceModel &appearance() { return m_appearance; }
@@ -98,6 +101,7 @@ private:
     std::unique_ptr<SharedModels> m_shared; ///< once it is open
     bool m_opening = false;
     bool m_leaving = false;
+    bool m_gaveUp = false;
     bool m_drawn = false;        ///< something was to be seen
     QString m_openError;         ///< why the service was not found; for windows that open after that
     bool m_expectsShell = false; ///< what m_firstPane has guessed

@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -57,5 +58,7 @@ int main(int argc, char **argv) {
     window.start();
     const int status = QGuiApplication::exec();
     lmp::Application::endChildren();
+    if (window.gaveUp())
+        std::_Exit(status);
     return status;
 }
