@@ -10,8 +10,8 @@ namespace lmp {
 ///     lumenpair://object/KIND/ID                        lumenpair://object/approval/MISSION/STEP
 ///     lumenpair://crisis
 ///
-/// Free of state; any thread. A link only ever names a place to show: it starts nothing and changes nothing. What is
-/// not exactly one of these forms is unavailable.
+/// Free of state; any thread. A link only ever names a place to show: it starts nothing and changes nothing, and where
+/// going there would stop something, the window asks. What is not exactly one of these forms is unavailable.
 class DeepLink {
 public:
     static constexpr qsizetype longest = 2048;

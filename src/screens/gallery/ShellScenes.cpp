@@ -97,6 +97,16 @@ void leaving(GalleryStage &stage, const std::function<void(WindowScene &)> &leav
     stage.until(u"the question"_s, [&stage] { return stage.scene().questions()->leaveWarning(); });
 }
 
+/// A link to another conversation, while a reply is on its way.
+void linked(GalleryStage &stage) {
+    Fixtures::serve(stage.service(), 5);
+    stage.service().stream(u"/api/relay/chat/stream"_s, Fixtures::reply({u"那要从头说起。"_s}, false), false);
+    Fixtures::ask(stage, u"讲个长一点的故事。"_s);
+    stage.until(u"the reply"_s, [&stage] { return stage.scene().chat()->sending(); });
+    stage.then([&stage] { stage.scene().navigation()->openLink(u"lumenpair://conversation/c2"_s); });
+    stage.until(u"the question"_s, [&stage] { return stage.scene().questions()->leaveWarning(); });
+}
+
 /// What is told over the whole window: that another service was asked for, in many words, by somebody unkind.
 void told(GalleryStage &stage) {
     with(8, [](WindowScene &scene) { scene.setNotice(SingleInstance::otherSiteText()); })(stage);
@@ -212,6 +222,7 @@ QList<GalleryScene> ShellScenes::questions() {
              [](GalleryStage &stage) {
                  leaving(stage, [](WindowScene &scene) { scene.commands()->run(AppCommands::Command::Quit); });
              }},
+            {u"link-stops-reply"_s, linked},
             {u"window-notice"_s, told},
             {u"switcher"_s,
              [](GalleryStage &stage) {

@@ -7,7 +7,7 @@
 
 namespace lmp {
 
-/// What a window asks before something that was written in it is left behind.
+/// What a window asks before something that was written in it, or is being written, is left behind.
 ///
 /// One for each window, owned by its scene; UI thread.
 class WindowQuestions : public QObject {
@@ -18,12 +18,13 @@ class WindowQuestions : public QObject {
     Q_PROPERTY(bool hostsProgram READ hostsProgram NOTIFY changed)
     /// The window would close, and something typed in it is not saved.
     Q_PROPERTY(bool closeWarning READ closeWarning NOTIFY changed)
-    /// What was asked for would put away a conversation that nobody keeps, and what that is.
+    /// What was asked for would put away a conversation that nobody keeps, or stop a reply, and what that is.
     Q_PROPERTY(bool leaveWarning READ leaveWarning NOTIFY changed)
     Q_PROPERTY(lmp::WindowQuestions::Leaving leaving READ leaving NOTIFY changed)
 public:
-    /// What leaves a conversation behind: another one, closing the window, ending the program.
-    enum class Leaving { Conversation, Window, Program };
+    /// What leaves a conversation behind that nobody keeps: another one, closing the window, ending the program. And a
+    /// link, which leaves a reply that is on its way.
+    enum class Leaving { Conversation, Window, Program, Reply };
     Q_ENUM(Leaving)
 
     using QObject::QObject;

@@ -18,7 +18,7 @@ WindowScene::WindowScene(AppearanceModel &appearance, Settings &settings, MacQui
     , m_quitting(quitting)
     , m_layout(settings)
     , m_switcher([this] { return destinations(); }) {
-    connect(&m_navigation, &WindowNavigation::conversationRequested, this, &WindowScene::openConversation);
+    connect(&m_navigation, &WindowNavigation::conversationRequested, this, &WindowScene::followToConversation);
     connect(&m_commands, &AppCommands::triggered, this, &WindowScene::onCommand);
     connect(&m_switcher, &QuickSwitcherModel::chosen, this, &WindowScene::goTo);
     // The list had gone ahead.
@@ -111,6 +111,15 @@ void WindowScene::openConversation(const QString &id) {
         Q_EMIT composerRequested();
     } else
         replaceConversation([this, id] { m_chat->load(id); });
+}
+
+void WindowScene::followToConversation(const QString &id) {
+    const bool stops = m_chat->sending() && id != m_chat->conversationId();
+    // That question says what else is lost.
+    if (stops && !losesIncognito())
+        m_questions.askToLeave(WindowQuestions::Leaving::Reply, [this, id] { openConversation(id); });
+    else
+        openConversation(id);
 }
 
 void WindowScene::replaceConversation(std::function<void()> how) {

@@ -126,6 +126,8 @@ private:
     QCoro::Task<> save();
     /// Goes to another conversation, after asking where the one that is open would be lost.
     void replaceConversation(std::function<void()> how);
+    /// Goes where a link leads, after asking where a reply would be stopped by it: anybody can make a link.
+    void followToConversation(const QString &id);
     void stepConversation(int step);
     void openMessage(const QString &conversationId, const QString &messageId, const QString &query);
     void indexWhenIdle();

@@ -41,4 +41,48 @@ TEST_F(WindowIntrusionTest, AnOfferTakesNoKeyThatWasMeantForTheMessage) {
     EXPECT_FALSE(updates->isAlertOpen());
 }
 
+TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    ChatModel *chat = window.scene().chat();
+    const auto answering = [&] {
+        fault(R"({"route":"/relay/chat/stream","times":1,"stallAfterEvents":1})");
+        window.type(u"讲一个很长的故事"_s);
+        window.key(Qt::Key_Return);
+        return eventually([&] { return chat->sending(); });
+    };
+    const auto follow = [&](const QString &id) {
+        window.program().takeOver({.arguments = {u"lumenpair://conversation/"_s + id}, .activationToken = {}});
+    };
+    ASSERT_TRUE(answering());
+    const QString story = chat->conversationId();
+    follow(story);
+    EXPECT_FALSE(window.scene().questions()->leaveWarning()) << "there already";
+    follow(u"c_nobody_has"_s);
+    ASSERT_TRUE(window.shows(u"停下正在写的回答？"_s));
+    EXPECT_TRUE(chat->sending());
+    letQuestionListen();
+    ASSERT_TRUE(window.click(u"留在这里"_s));
+    ASSERT_TRUE(window.hides(u"停下正在写的回答？"_s));
+    EXPECT_TRUE(chat->sending());
+    EXPECT_EQ(chat->conversationId(), story);
+
+    follow(u"c_other"_s);
+    ASSERT_TRUE(window.shows(u"停下正在写的回答？"_s));
+    letQuestionListen();
+    ASSERT_TRUE(window.click(u"停下并打开"_s));
+    EXPECT_TRUE(eventually([&] { return chat->conversationId() == u"c_other"_s; }));
+    EXPECT_FALSE(chat->sending());
+    EXPECT_TRUE(window.shows(u"刚才那段对话的回答已停止"_s));
+
+    // A click is one's own word.
+    window.scene().openConversation(story);
+    ASSERT_TRUE(eventually([&] { return chat->conversationId() == story && chat->isOpen() && chat->isIdle(); }));
+    ASSERT_TRUE(answering());
+    window.scene().openConversation(u"c_other"_s);
+    EXPECT_FALSE(chat->sending());
+    EXPECT_FALSE(window.scene().questions()->leaveWarning());
+}
+
 } // namespace lmp
