@@ -1,5 +1,7 @@
 #include "core/CapabilityStore.h"
 
+#include "core/Detach.h"
+
 #include <QPointer>
 
 namespace lmp {
@@ -17,10 +19,24 @@ CapabilityStore::~CapabilityStore() {
 QCoro::Task<> CapabilityStore::refresh() {
     const QPointer self(this);
     const auto refresh = ++m_refreshes;
+    setAsking(true);
     const auto answer = co_await m_api.request<CapabilitiesResponse>(u"/app/capabilities?platform=macos"_s, "GET",
                                                                      false, m_stop.get_token());
-    if (self && m_refreshes == refresh && answer)
+    if (!self || m_refreshes != refresh)
+        co_return;
+    if (answer)
         apply(*answer);
+    setAsking(false);
+}
+
+void CapabilityStore::ask() {
+    if (!m_asking)
+        detach(refresh(), "asking for the capabilities");
+}
+
+void CapabilityStore::setAsking(bool asking) {
+    if (std::exchange(m_asking, asking) != asking)
+        Q_EMIT askingChanged();
 }
 
 void CapabilityStore::apply(const CapabilitiesResponse &response) {

@@ -15,12 +15,17 @@ namespace lmp {
 /// note. Nothing is kept over a restart.
 class CapabilityStore : public QObject {
     Q_OBJECT
+    /// The service is being asked.
+    Q_PROPERTY(bool asking READ asking NOTIFY askingChanged)
 public:
     explicit CapabilityStore(APIClient api, QObject *parent = nullptr);
     ~CapabilityStore() override;
 
     /// Asks the service, once. Of several under way only the one begun last counts.
     QCoro::Task<> refresh();
+    /// Has the service asked by a screen that is about to show the table; one that is being asked already serves.
+    Q_INVOKABLE void ask();
+    bool asking() const { return m_asking; }
     /// Takes the table over, unless it has the version that is here already.
     void apply(const CapabilitiesResponse &response);
 
@@ -33,12 +38,16 @@ public:
 Q_SIGNALS:
     /// Another table is here.
     void changed();
+    void askingChanged();
 
 private:
+    void setAsking(bool asking);
+
     APIClient m_api;
     QHash<QString, FeatureCapability> m_byId;
     qint64 m_version = 0;
     quint64 m_refreshes = 0; ///< counts what was begun
+    bool m_asking = false;
     std::stop_source m_stop;
 };
 

@@ -75,4 +75,19 @@ TEST_F(CapabilityStoreTest, ALateAnswerDoesNotReplaceALaterOne) {
     EXPECT_EQ(store.version(), 7);
 }
 
+TEST_F(CapabilityStoreTest, ScreensThatAskAtTheSameTimeAskOnce) {
+    QPointer<QTcpSocket> held;
+    server.on("/api/app/capabilities", [&](const auto &, QTcpSocket &socket) { held = &socket; });
+    store.ask();
+    store.ask();
+    EXPECT_TRUE(store.asking());
+    ASSERT_TRUE(eventually([&] { return held; }));
+    held->write(StubServer::message(503, {}));
+    EXPECT_TRUE(eventually([&] { return !store.asking(); }));
+    EXPECT_EQ(server.requests.size(), 1u);
+    server.on("/api/app/capabilities", StubServer::reply(200, table(7, {})));
+    store.ask();
+    EXPECT_TRUE(eventually([&] { return store.version() == 7; })) << "a failure is not the last word";
+}
+
 } // namespace lmp

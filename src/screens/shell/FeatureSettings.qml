@@ -2,13 +2,21 @@ import QtQuick
 import Lumenpair.Kit
 import Lumenpair.Shell
 
-/// How well each feature works here, as the service says.
+/// How well each feature works here, as the service says whenever somebody looks.
 SettingsPart {
     id: root
 
     required property CapabilityStore capabilities
 
+    function follow(): void {
+        if (root.visible)
+            root.capabilities.ask();
+    }
+
     title: "功能"
+
+    Component.onCompleted: root.follow()
+    onVisibleChanged: root.follow()
 
     LMPCard {
         accessibleName: root.title
@@ -35,6 +43,14 @@ SettingsPart {
             text: "还没有从服务读到功能清单。"
             visible: features.count === 0
             width: parent.width
+        }
+
+        LMPButton {
+            busy: root.capabilities.asking
+            iconName: "retry"
+            text: "再读一次"
+            visible: features.count === 0
+            onClicked: root.capabilities.ask()
         }
     }
 

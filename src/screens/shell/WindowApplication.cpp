@@ -173,8 +173,14 @@ void WindowApplication::onFirstFrame() {
 void WindowApplication::askForNews() {
     if (!m_shared)
         return;
-    detach(m_application.capabilities().refresh(), "asking for the capabilities");
+    m_application.capabilities().ask();
     m_shared->updates.check(false);
+}
+
+void WindowApplication::askForWhoCameIn() {
+    // At the start the service may have been out of reach, or have answered somebody it did not know.
+    if (m_application.auth().phase() == AuthStore::Phase::signedIn)
+        detach(m_application.capabilities().refresh(), "asking for the capabilities");
 }
 
 QCoro::Task<> WindowApplication::open() {
@@ -188,6 +194,7 @@ QCoro::Task<> WindowApplication::open() {
     if (opened) {
         m_shared = std::make_unique<SharedModels>(m_application);
         connect(&m_shared->updates, &UpdateChecker::alertChanged, this, &WindowApplication::ask);
+        connect(&m_application.auth(), &AuthStore::phaseChanged, this, &WindowApplication::askForWhoCameIn);
         if (m_drawn || m_expectsShell)
             askForNews();
     }

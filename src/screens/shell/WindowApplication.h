@@ -70,6 +70,7 @@ private:
     /// What there is to use, and whether there is a newer program. The shell shows it; to sign in takes neither, and
     /// nobody waits for them.
     void askForNews();
+    void askForWhoCameIn();
     /// Ends the program as the person asked, once they have let go of every conversation that nobody keeps. A signal
     /// and the end of the session do not wait for an answer, and come in another way.
     void quit(QSet<WindowScene *> asked = {});
