@@ -18,6 +18,17 @@ T.Popup {
     property bool held: false
     /// Gets the keys that nothing else took, so that long words can be read with the keyboard on a button.
     property Item scroller: null
+    /// Tells of screens that take the keyboard, also while the window is not in front, where the popup hears of nothing.
+    /// A property, since the engine makes the content item for a child at once. A kind that puts one of its own in its
+    /// place would then leave a creation that never ends; what is wrong with a binding is told when none is under way.
+    readonly property Connections taking: Connections {
+        function onActiveFocusItemChanged(): void {
+            Qt.callLater(root.keepKeyboard); // qmllint disable type
+        }
+
+        enabled: root.held
+        target: root.parent ? root.parent.Window.window : null
+    }
     readonly property real windowHeight: root.parent ? root.parent.height : 0
     readonly property real windowWidth: root.parent ? root.parent.width : 0
 
@@ -94,16 +105,6 @@ T.Popup {
             property: "opacity"
             to: 0
         }
-    }
-
-    // Not only what the popup itself hears of: a screen may take the keyboard while the window is not in front.
-    Connections {
-        function onActiveFocusItemChanged(): void {
-            Qt.callLater(root.keepKeyboard); // qmllint disable type
-        }
-
-        enabled: root.held
-        target: root.parent ? root.parent.Window.window : null
     }
 
     onAboutToHide: root.held = false
