@@ -49,8 +49,13 @@ T.AbstractButton {
         return Theme.veil(Theme.text, down ? 0.12 : hovered ? 0.06 : 0);
     }
 
+    /// A button that is hidden keeps the keyboard; nobody means it then.
+    function acts(): bool {
+        return root.visible && root.enabled && !root.busy;
+    }
+
     function press(event: KeyEvent): void {
-        if (!event.isAutoRepeat && !root.busy)
+        if (!event.isAutoRepeat && root.acts())
             root.clicked();
         event.accepted = true;
     }
@@ -59,12 +64,12 @@ T.AbstractButton {
     Accessible.name: root.text
     Accessible.role: root.kind === LMPButton.Link ? Accessible.Link : Accessible.Button
     Accessible.onPressAction: {
-        if (!root.busy)
+        if (root.acts())
             root.clicked();
     }
     Keys.onEnterPressed: event => root.press(event)
     Keys.onReturnPressed: event => root.press(event)
-    Keys.onSpacePressed: event => event.accepted = root.busy
+    Keys.onSpacePressed: event => event.accepted = !root.acts()
     focusPolicy: Qt.StrongFocus
     horizontalPadding: root.kind === LMPButton.Link ? Theme.space4 : Theme.space12
     hoverEnabled: true

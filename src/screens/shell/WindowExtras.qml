@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import Lumenpair.Chat
+import Lumenpair.Kit
 import Lumenpair.Shell
 
 /// What every window has besides its screen: keys, menus, the quick switcher and the questions that are asked anywhere.
@@ -49,6 +50,9 @@ T.Control {
         }
 
         onObjectAdded: (index, object) => root.tie(object as WindowKey)
+    }
+
+    LMPFocusKeeper {
     }
 
     Loader {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtTest
+import Lumenpair.Kit
 
 /// A test of one screen in a window of the least size: finds what a person sees and uses by its words, and uses it.
 TestCase {
@@ -74,4 +75,8 @@ TestCase {
     visible: true
     when: windowShown
     width: 920
+
+    // As every window has one.
+    LMPFocusKeeper {
+    }
 }

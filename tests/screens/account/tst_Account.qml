@@ -142,6 +142,22 @@ ScreenTest {
         compare(Bench.session.phase, SessionModel.SignedOut);
     }
 
+    function test_firstStepsEndAtTheFirst() {
+        const view = createTemporaryObject(onboarding, test);
+        view.step = 1;
+        const back = test.control("上一步");
+        test.use(back);
+        tryVerify(() => !test.hasKeyboard(back), 5000, "the keyboard leaves what is hidden");
+        verify(test.hasKeyboard(test.control("下一步")));
+        compare(view.step, 0);
+        // Whatever reaches it before.
+        back.forceActiveFocus();
+        keyClick(Qt.Key_Return);
+        back.forceActiveFocus();
+        keyClick(Qt.Key_Space);
+        verify(view.step >= 0);
+    }
+
     name: "Account"
 
     SignalSpy {

@@ -55,6 +55,10 @@ ScreenTest {
         test.say("bye");
         test.awaitText("试聊的轮数用完了。注册之后可以接着聊。");
         test.awaitText("再见。");
+        // The box is gone, and takes no more words.
+        tryVerify(() => test.hasKeyboard(test.control("注册")));
+        keyClick("x");
+        compare(test.guest.input, "");
         test.press("注册");
         tryVerify(() => test.hasKeyboard(test.field("手机号")));
         Bench.signIn('{"id":"u1"}');

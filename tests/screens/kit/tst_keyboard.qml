@@ -107,6 +107,25 @@ TestCase {
         }
     }
 
+    Row {
+        id: group
+
+        anchors.bottom: parent.bottom
+
+        LMPButton {
+            text: "前"
+        }
+
+        LMPTextField {
+            id: going
+
+            label: "会走"
+        }
+
+        LMPFocusKeeper {
+        }
+    }
+
     SignalSpy {
         id: activated
 
@@ -205,6 +224,31 @@ TestCase {
             tryCompare(button, "activeFocus", true);
             compare(button.visualFocus, reason === Qt.TabFocusReason);
         }
+    }
+
+    function test_whatIsHiddenGivesTheKeyboardAway() {
+        const ofGroup = () => {
+            let at = root.Window.window.activeFocusItem;
+            while (at && at !== group)
+                at = at.parent;
+            return at === group;
+        };
+        going.forceActiveFocus();
+        keyClick("a");
+        going.visible = false;
+        tryVerify(() => !going.activeFocus);
+        verify(ofGroup(), "to what stands beside it");
+        keyClick("b");
+        compare(going.text, "a");
+        going.visible = true;
+
+        // Who hides it and gives the keyboard somewhere has the last word.
+        going.forceActiveFocus();
+        going.visible = false;
+        area.forceActiveFocus();
+        wait(0);
+        verify(area.activeFocus);
+        going.visible = true;
     }
 
     function test_radios() {
