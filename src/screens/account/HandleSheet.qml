@@ -9,18 +9,24 @@ LMPSheet {
     required property HandleModel handle
     readonly property bool saved: root.handle.savedText !== ""
 
-    hasTypedInput: root.handle.input !== "" && !root.saved
+    hasTypedInput: root.handle.input !== "" && !root.saved && !root.handle.saving
     primaryBusy: root.handle.saving
     primaryEnabled: root.handle.canSave || root.handle.saving
     primaryText: root.saved ? "" : "保存"
     secondaryText: root.saved ? "好" : "取消"
     title: "主页名"
     onAboutToShow: {
+        if (root.handle.saving)
+            return;
         root.handle.restart();
         root.handle.load();
     }
     onAccepted: root.handle.save()
-    onClosed: root.handle.restart()
+    onClosed: {
+        // What was sent is as good as saved: its answer is still to be heard.
+        if (!root.handle.saving)
+            root.handle.restart();
+    }
     onOpened: form.focusFirst()
     onSavedChanged: {
         // The button that saved is gone.

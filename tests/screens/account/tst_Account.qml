@@ -142,6 +142,31 @@ ScreenTest {
         compare(Bench.session.phase, SessionModel.SignedOut);
     }
 
+    function test_aHandleThatIsBeingSavedIsHeardOfThoughTheSheetIsClosed() {
+        Bench.restart();
+        Bench.signIn('{"id":"u1"}');
+        createTemporaryObject(section, test);
+        test.awaitText("还没有");
+        test.press("取一个");
+        tryVerify(() => test.hasKeyboard(test.field("主页名")));
+        test.type("主页名", "lin");
+        test.check(200, '{"available":true}');
+        test.awaitText("可以用");
+        Bench.hold("/api/app/handle");
+        test.press("保存");
+        tryVerify(() => Bench.session.handle.saving);
+        keyClick(Qt.Key_Escape);
+        // Nothing is lost, so nothing is asked.
+        tryVerify(() => test.field("主页名") === null);
+        verify(!test.shows("放弃已填写的内容？"));
+        Bench.release(200, '{"handle":"lin"}');
+        test.awaitText("lin");
+        compare(Bench.session.userHandle, "lin");
+        test.press("换一个");
+        tryVerify(() => test.hasKeyboard(test.field("主页名")));
+        compare(Bench.session.handle.input, "", "the next time begins anew");
+    }
+
     function test_firstStepsEndAtTheFirst() {
         const view = createTemporaryObject(onboarding, test);
         view.step = 1;
