@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoroTask>
+
 #include <QUrl>
 
 namespace lmp {
@@ -16,6 +18,8 @@ public:
 
     /// @return false when no program took it; the link is then shown to the person instead.
     virtual bool open(const QUrl &url) = 0;
+    /// The same, with as much patience as it takes to hear whether a program took it. Outlived by this.
+    virtual QCoro::Task<bool> openAndHear(QUrl url) { co_return open(url); }
 };
 
 } // namespace lmp

@@ -12,6 +12,8 @@ class SystemOpener : public ExternalOpener {
 public:
     /// @return false for a link that is refused, without a desktop to show it, and when the opener did not start
     bool open(const QUrl &url) override;
+    /// @return false also when the opener soon says that it found no program for the link
+    QCoro::Task<bool> openAndHear(QUrl url) override;
 
     /// Whether `url` is one that may be handed on.
     static bool mayOpen(const QUrl &url);

@@ -43,19 +43,44 @@ TEST(SystemOpenerTest, HandsOnFewLinks) {
 }
 
 #ifdef Q_OS_LINUX
-TEST(SystemOpenerTest, GivesTheLinkAsOneArgument) {
+/// A desktop with an opener of the test's.
+class DesktopTest : public ::testing::Test {
+protected:
+    DesktopTest() {
+        qputenv("PATH", QFile::encodeName(folder.path()) + ':' + path);
+        qputenv("DISPLAY", ":99");
+    }
+    ~DesktopTest() override {
+        qputenv("PATH", path);
+        display.isEmpty() ? qunsetenv("DISPLAY") : qputenv("DISPLAY", display);
+    }
+    void install(const QByteArray &script) {
+        QFile file(folder.filePath(u"xdg-open"_s));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\n" + script);
+        file.close();
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
     QTemporaryDir folder;
-    QFile script(folder.filePath(u"xdg-open"_s));
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\nprintf '%s|' \"$#\" \"$@\" > \"$0.part\"\nmv \"$0.part\" \"$0.out\"\n");
-    script.close();
-    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const QByteArray path = qgetenv("PATH");
     const QByteArray display = qgetenv("DISPLAY");
-    qputenv("PATH", QFile::encodeName(folder.path()) + ':' + path);
-    qputenv("DISPLAY", ":99");
-    QFile out(folder.filePath(u"xdg-open.out"_s));
     SystemOpener opener;
+};
+
+TEST_F(DesktopTest, HearsWhatBecameOfALink) {
+    const QUrl number(u"tel:120"_s);
+    install("exit 4\n");
+    EXPECT_TRUE(opener.open(number)) << "as far as can be told at once";
+    EXPECT_FALSE(await(opener.openAndHear(number))) << "no program for it";
+    install("exit 0\n");
+    EXPECT_TRUE(await(opener.openAndHear(number)));
+    EXPECT_FALSE(await(opener.openAndHear(QUrl(u"tel:*#06#"_s))));
+}
+
+TEST_F(DesktopTest, GivesTheLinkAsOneArgument) {
+    install("printf '%s|' \"$#\" \"$@\" > \"$0.part\"\nmv \"$0.part\" \"$0.out\"\n");
+    QFile out(folder.filePath(u"xdg-open.out"_s));
     EXPECT_FALSE(opener.open(QUrl(u"file:///etc/passwd"_s)));
     EXPECT_TRUE(opener.open(QUrl(u"https://host/$(touch x);'a b'?q=\"&r=*"_s)));
     EXPECT_TRUE(eventually([&] { return out.exists(); }));
@@ -66,8 +91,6 @@ TEST(SystemOpenerTest, GivesTheLinkAsOneArgument) {
     qputenv("DISPLAY", ":99");
     qputenv("PATH", "/nowhere");
     EXPECT_FALSE(opener.open(QUrl(u"https://host/"_s))) << "no opener";
-    qputenv("PATH", path);
-    display.isEmpty() ? qunsetenv("DISPLAY") : qputenv("DISPLAY", display);
     if (!wayland.isEmpty())
         qputenv("WAYLAND_DISPLAY", wayland);
     ASSERT_TRUE(out.open(QIODevice::ReadOnly));
