@@ -19,7 +19,6 @@ CrisisResourcesService::Resp shown(CrisisResourcesService::Resp resp) {
     resp.items.resize(std::min(resp.items.size(), mostItems));
     for (auto &item : resp.items) {
         item.name = PlainLabel::line(item.name);
-        item.phone = PlainLabel::line(item.phone);
         if (item.note)
             item.note = PlainLabel::lines(*item.note);
     }

@@ -12,7 +12,7 @@ class CrisisResourcesService {
 public:
     struct Item {
         QString name;
-        QString phone;
+        QString phone; ///< as it came: what is to be read of it may be another number
         std::optional<QString> note;
         bool operator==(const Item &) const = default;
     };

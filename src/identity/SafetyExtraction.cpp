@@ -34,7 +34,7 @@ std::optional<QList<CrisisResource>> resources(const boost::json::value &safety)
     for (const auto &entry : *array) {
         const auto resource = Json::fromValue<CrisisResource>(entry);
         if (resource && found.size() < mostResources)
-            found.push_back({PlainLabel::line(resource->label), PlainLabel::line(resource->phone)});
+            found.push_back({PlainLabel::line(resource->label), resource->phone});
     }
     return found;
 }
@@ -72,7 +72,7 @@ std::optional<CrisisSignal> SafetyExtraction::signal(const SafetyEnvelope &envel
     return CrisisSignal{
         .guidance = PlainLabel::content(envelope.guidance.value_or(QString())),
         .resources = envelope.resources.value_or(QList<CrisisResource>()),
-        .region = envelope.region,
+        .region = envelope.region.transform([](const QString &region) { return PlainLabel::line(region); }),
         .layer = envelope.layer,
         .assumedRegion = envelope.assumedRegion.value_or(false),
         .resourcesVerified = envelope.resourcesVerified.value_or(false),

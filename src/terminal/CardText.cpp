@@ -13,7 +13,7 @@ QString CardText::crisis(const CrisisSignal &signal) {
     if (!signal.hasVerifiedNumbers())
         return text + u"\n┃ "_s + CrisisTexts::cardWithoutNumbers();
     for (const CrisisResource &resource : signal.resources)
-        text += u"\n┃ "_s + resource.label + u"  "_s + resource.phone;
+        text += u"\n┃ "_s + resource.label + u"  "_s + PlainLabel::line(resource.phone);
     return text;
 }
 

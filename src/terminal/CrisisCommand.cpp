@@ -1,5 +1,6 @@
 #include "terminal/CrisisCommand.h"
 
+#include "core/PlainLabel.h"
 #include "identity/CrisisRegion.h"
 #include "identity/CrisisResourcesService.h"
 #include "identity/CrisisTexts.h"
@@ -39,7 +40,8 @@ void showNumbers(Console &console, const CrisisResourcesService::Resp &answer) {
     if (!known)
         console.reply(CrisisTexts::pageWithoutNumbers() + u'\n');
     for (const auto &item : known ? answer.items : QList<CrisisResourcesService::Item>())
-        console.reply(item.name + u"  "_s + item.phone + (item.note ? u"  "_s + *item.note : QString()) + u'\n');
+        console.reply(item.name + u"  "_s + PlainLabel::line(item.phone) +
+                      (item.note ? u"  "_s + *item.note : QString()) + u'\n');
 }
 
 } // namespace

@@ -26,6 +26,11 @@ TEST(SafetyExtractionTest, AWrongFieldCostsThatFieldAlone) {
         "region":null,"layer":[],"assumedRegion":"yes","resourcesVerified":1}})"));
     EXPECT_EQ(spoilt, (CrisisSignal{{}, {{u"b"_s, u"3"_s}}, {}, {}, false, false}));
 
+    // Whether a number may be dialled is decided on what came; the rest is only ever read.
+    const auto turned = SafetyExtraction::crisis(boost::json::parse(
+        R"({"safety":{"crisis":true,"region":"C\u202eN","resources":[{"label":"a\nb","phone":"1\u202e2\n0"}]}})"));
+    EXPECT_EQ(turned, (CrisisSignal{{}, {{u"a b"_s, u"1\u202e2\n0"_s}}, u"CN"_s, {}, false, false}));
+
     EXPECT_EQ(SafetyExtraction::crisis(boost::json::parse(R"({"safety":{"crisis":true,"resources":{"a":1}}})")),
               CrisisSignal{});
 }

@@ -7,9 +7,10 @@ Item {
 
     required property string label
     required property string note
+    required property string number
     required property string phone
 
-    signal dialled(string phone)
+    signal dialled(string number)
 
     implicitHeight: Math.max(words.implicitHeight, call.height)
 
@@ -48,6 +49,6 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         iconName: "phone"
         text: "拨打"
-        onClicked: root.dialled(root.phone)
+        onClicked: root.dialled(root.number)
     }
 }

@@ -52,6 +52,8 @@ FocusScope {
     }
 
     LMPScrollView {
+        id: scroll
+
         anchors.bottom: parent.bottom
         anchors.top: bar.bottom
         bottomPadding: Theme.space32
@@ -139,15 +141,21 @@ FocusScope {
                     width: parent ? parent.width : 0
                 }
 
-                onItemAdded: (index, item) => (item as CrisisNumberRow).dialled.connect(phone => root.resources.dial(phone))
+                onItemAdded: (index, item) => (item as CrisisNumberRow).dialled.connect(number => root.resources.dial(number))
             }
 
             LMPText {
+                id: undialled
+
                 Accessible.role: Accessible.AlertMessage
                 color: Theme.care
                 text: root.resources.dialMessage
                 visible: root.resources.dialMessage !== ""
                 width: parent.width
+                onTextChanged: {
+                    if (undialled.text !== "")
+                        Qt.callLater(scroll.show, undialled); // qmllint disable type
+                }
             }
         }
 

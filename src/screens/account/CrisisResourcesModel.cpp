@@ -1,6 +1,7 @@
 #include "screens/account/CrisisResourcesModel.h"
 
 #include "core/Detach.h"
+#include "core/PlainLabel.h"
 #include "identity/CrisisRegion.h"
 #include "identity/CrisisTexts.h"
 #include "screens/account/Dialler.h"
@@ -73,7 +74,7 @@ QCoro::Task<> CrisisResourcesModel::loadNow() {
         std::vector<CrisisNumber> numbers;
         if (m_answer->hasVerifiedNumbers()) {
             for (const auto &item : m_answer->items)
-                numbers.push_back({item.name, item.phone, item.note.value_or(QString())});
+                numbers.push_back({item.name, PlainLabel::line(item.phone), item.note.value_or(QString()), item.phone});
         }
         m_numbers.setRecords(std::move(numbers));
     } else {
@@ -89,8 +90,20 @@ void CrisisResourcesModel::chooseRegion(int index) {
     load();
 }
 
-void CrisisResourcesModel::dial(const QString &phone) {
-    m_dialMessage = Dialler::dial(m_opener, phone);
+void CrisisResourcesModel::dial(const QString &number) {
+    detach(dialNow(number), "CrisisResourcesModel::dial");
+}
+
+QCoro::Task<> CrisisResourcesModel::dialNow(QString number) {
+    const QPointer self(this);
+    const auto dialled = ++m_dialled;
+    // What was said of the call before: said anew, it is noticed.
+    if (!std::exchange(m_dialMessage, {}).isEmpty())
+        Q_EMIT changed();
+    QString message = co_await Dialler::dial(m_opener, number);
+    if (!self || dialled != m_dialled)
+        co_return;
+    m_dialMessage = std::move(message);
     Q_EMIT changed();
 }
 
@@ -102,6 +115,7 @@ void CrisisResourcesModel::close() {
 
 void CrisisResourcesModel::drop() {
     ++m_generation;
+    ++m_dialled;
     m_loading = false;
     m_answer.reset();
     m_error.clear();

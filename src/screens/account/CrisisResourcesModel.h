@@ -62,7 +62,8 @@ public:
     /// Asks for the chosen region; also again after a failure.
     Q_INVOKABLE void load();
     Q_INVOKABLE void chooseRegion(int index);
-    Q_INVOKABLE void dial(const QString &phone);
+    /// @param number as it came
+    Q_INVOKABLE void dial(const QString &number);
     /// Forgets what was looked at.
     Q_INVOKABLE void close();
 
@@ -71,11 +72,13 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> loadNow();
+    QCoro::Task<> dialNow(QString number);
     void drop();
 
     CrisisResourcesService m_service;
     ExternalOpener &m_opener;
     quint64 m_generation = 0;
+    quint64 m_dialled = 0; ///< calls, and ends of what was said of them
     int m_region = 0;
     bool m_loading = false;
     std::optional<CrisisResourcesService::Resp> m_answer;

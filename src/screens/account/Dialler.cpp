@@ -1,5 +1,6 @@
 #include "screens/account/Dialler.h"
 
+#include "core/PlainLabel.h"
 #include "identity/CrisisTexts.h"
 #include "platform/ExternalOpener.h"
 
@@ -22,12 +23,12 @@ bool Dialler::mayDial(const QString &phone) {
            std::ranges::all_of(phone, [](QChar c) { return isDigit(c) || u"+- "_s.contains(c); });
 }
 
-QString Dialler::dial(ExternalOpener &opener, const QString &phone) {
+QCoro::Task<QString> Dialler::dial(ExternalOpener &opener, QString phone) {
     if (!mayDial(phone))
-        return u"这一条里有不能拨的字符，所以没有拨：%1。请核对之后用手机拨。"_s.arg(phone);
-    if (!opener.open(CrisisTexts::dialURL(phone)))
-        return u"这台电脑没能拨出去，请用手机拨：%1。"_s.arg(phone);
-    return {};
+        co_return u"这一条里有不能拨的字符，所以没有拨：%1。请核对之后用手机拨。"_s.arg(PlainLabel::line(phone));
+    if (!co_await opener.openAndHear(CrisisTexts::dialURL(phone)))
+        co_return u"这台电脑没能拨出去，请用手机拨：%1。"_s.arg(phone);
+    co_return QString();
 }
 
 } // namespace lmp

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoroTask>
+
 #include <QString>
 
 namespace lmp {
@@ -14,7 +16,7 @@ class Dialler {
 public:
     static bool mayDial(const QString &phone);
     /// @return empty when the telephone took it, else a sentence for the person, with the number to be dialled by hand
-    static QString dial(ExternalOpener &opener, const QString &phone);
+    static QCoro::Task<QString> dial(ExternalOpener &opener, QString phone);
 };
 
 } // namespace lmp

@@ -1,8 +1,12 @@
 #include "screens/account/SafetyModel.h"
 
+#include "core/Detach.h"
+#include "core/PlainLabel.h"
 #include "identity/CrisisRegion.h"
 #include "identity/CrisisTexts.h"
 #include "screens/account/Dialler.h"
+
+#include <QPointer>
 
 namespace lmp {
 
@@ -50,17 +54,30 @@ void SafetyModel::onCrisis() {
     std::vector<CrisisNumber> numbers;
     if (crisis && crisis->hasVerifiedNumbers()) {
         for (const CrisisResource &resource : crisis->resources)
-            numbers.push_back({resource.label, resource.phone, {}});
+            numbers.push_back({resource.label, PlainLabel::line(resource.phone), {}, resource.phone});
     }
     m_numbers.setRecords(std::move(numbers));
     m_message.clear();
+    ++m_dialled;
     Q_EMIT changed();
     if (crisisOpen())
         Q_EMIT crisisShown();
 }
 
-void SafetyModel::dial(const QString &phone) {
-    m_message = Dialler::dial(m_opener, phone);
+void SafetyModel::dial(const QString &number) {
+    detach(dialNow(number), "SafetyModel::dial");
+}
+
+QCoro::Task<> SafetyModel::dialNow(QString number) {
+    const QPointer self(this);
+    const auto dialled = ++m_dialled;
+    // What was said of the call before: said anew, it is noticed.
+    if (!std::exchange(m_message, {}).isEmpty())
+        Q_EMIT changed();
+    QString message = co_await Dialler::dial(m_opener, number);
+    if (!self || dialled != m_dialled)
+        co_return;
+    m_message = std::move(message);
     Q_EMIT changed();
 }
 

@@ -4,6 +4,8 @@
 #include "screens/account/CrisisNumber.h"
 #include "screens/kit/RecordListModel.h"
 
+#include <QCoroTask>
+
 #include <QtQml/qqmlregistration.h>
 
 namespace lmp {
@@ -47,7 +49,8 @@ public:
     static QString continuousUseTitle();
     QString continuousUseText() const;
 
-    Q_INVOKABLE void dial(const QString &phone);
+    /// @param number as it came
+    Q_INVOKABLE void dial(const QString &number);
     Q_INVOKABLE void closeCrisis();
     Q_INVOKABLE void closeContinuousUse();
 
@@ -58,11 +61,13 @@ Q_SIGNALS:
 
 private:
     void onCrisis();
+    QCoro::Task<> dialNow(QString number);
 
     SafetyGateStore &m_store;
     ExternalOpener &m_opener;
     RecordListModel<CrisisNumber> m_numbers;
     QString m_message;
+    quint64 m_dialled = 0; ///< calls, and ends of what was said of them
 };
 
 } // namespace lmp

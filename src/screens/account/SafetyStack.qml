@@ -68,15 +68,21 @@ FocusScope {
                     width: parent ? parent.width : 0
                 }
 
-                onItemAdded: (index, item) => (item as CrisisNumberRow).dialled.connect(phone => root.safety.dial(phone))
+                onItemAdded: (index, item) => (item as CrisisNumberRow).dialled.connect(number => root.safety.dial(number))
             }
 
             LMPText {
+                id: undialled
+
                 Accessible.role: Accessible.AlertMessage
                 color: Theme.care
                 text: root.safety.crisisMessage
                 visible: root.safety.crisisMessage !== ""
                 width: parent.width
+                onTextChanged: {
+                    if (undialled.text !== "")
+                        Qt.callLater(scroll.show, undialled); // qmllint disable type
+                }
             }
         }
 

@@ -78,6 +78,44 @@ ScreenTest {
         verify(test.shows("歇一歇。"), "each card goes by itself");
     }
 
+    function test_aNumberIsDialledAsItCameOrNotAtAll() {
+        const spoilt = ["1\\u202e20", "110\\n120", "12\\u00000", "\\u200b120"];
+        const numbers = key => spoilt.map(phone => `{"${key}":"热线","phone":"${phone}"}`).join();
+        Bench.safetyArrives(`{"safety":{"crisis":true,"resourcesVerified":true,"guidance":"嗯。","resources":[${numbers("label")}]}}`);
+        test.opened();
+        const refuse = message => {
+            const calls = () => test.all(item => item.text === "拨打" && item.clicked !== undefined);
+            tryVerify(() => calls().length === spoilt.length);
+            for (const call of calls()) {
+                test.use(call);
+                verify(message().startsWith("这一条里有不能拨的字符，所以没有拨："), message());
+            }
+            compare(Bench.opened, []);
+        };
+        refuse(() => Bench.safety.crisisMessage);
+        test.press("关掉这张卡片");
+        tryVerify(() => !test.cards.cardsOpen);
+
+        Bench.answer("/api/app/crisis-resources", 200,
+                     `{"region":"CN","verified":true,"guidance":"","items":[${numbers("name")}]}`);
+        test.cards.openCrisisPage();
+        tryVerify(() => Bench.resources.loaded);
+        tryVerify(() => test.control("拨打") !== null);
+        refuse(() => Bench.resources.dialMessage);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !test.cards.pageOpen);
+    }
+
+    function all(match: var): var {
+        const found = [];
+        test.inWindow(item => {
+            if (match(item))
+                found.push(item);
+            return false;
+        });
+        return found;
+    }
+
     function test_onlyPlainNumbersAreDialled() {
         Bench.safetyArrives(test.crisis);
         test.opened();
