@@ -12,15 +12,18 @@ Item {
     required property CrisisResourcesModel resources
     required property SafetyModel safety
     readonly property bool cardsOpen: cards.visible
-    readonly property bool pageOpen: page.visible
+    readonly property bool crisisOpen: root.safety.crisisOpen
+    /// From when it is asked to open until it is asked to close; whoever asks again meanwhile is heard.
+    readonly property bool pageOpen: page.held
 
     /// Shows the crisis page over everything; closing it leaves the window as it was.
     function openCrisisPage(): void {
         page.open();
     }
 
+    /// What comes while the last card is on its way out opens them again.
     function follow(): void {
-        if (root.safety.anyOpen === cards.visible)
+        if (root.safety.anyOpen === cards.held)
             return;
         if (root.safety.anyOpen)
             cards.open();
@@ -31,13 +34,19 @@ Item {
 
     /// The crisis page is in front of the cards; whoever opens last would have the keyboard.
     function focusFront(): void {
-        if (page.visible)
+        if (page.held)
             page.forceActiveFocus();
-        else if (cards.visible)
+        else if (cards.held)
             (cards.contentItem as SafetyStack).focusCard();
     }
 
     Component.onCompleted: root.follow()
+
+    /// The card below is read out like one that comes, and the keyboard comes to none of its buttons either.
+    onCrisisOpenChanged: {
+        if (!root.crisisOpen && root.safety.anyOpen && cards.opened)
+            root.focusFront();
+    }
 
     Connections {
         function onChanged() {
@@ -72,7 +81,7 @@ Item {
 
         // A sheet that opens meanwhile may not take the keyboard from under the card.
         onActiveFocusChanged: {
-            if (!cards.activeFocus && cards.opened && !page.visible)
+            if (!cards.activeFocus && cards.opened && !page.held)
                 Qt.callLater(cards.forceActiveFocus);
         }
         onEscaped: {

@@ -110,7 +110,9 @@ T.Popup {
     onAboutToHide: root.held = false
     onAboutToShow: {
         root.held = true;
-        root.remember(root.parent ? root.parent.Window.activeFocusItem : null);
+        // One that is opened again on its way out knows already, unless somebody has taken the keyboard since.
+        if (!root.visible || root.outrun())
+            root.remember(root.parent ? root.parent.Window.activeFocusItem : null);
     }
     onClosed: {
         if (root.before && !root.outrun())

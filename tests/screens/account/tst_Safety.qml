@@ -76,6 +76,26 @@ ScreenTest {
             return !Bench.safety.crisisOpen;
         }, 5000, "the card is in front of the sheet");
         verify(test.shows("歇一歇。"), "each card goes by itself");
+        // It is read out as if it came now, and again nobody waves it away by what they were doing.
+        tryVerify(() => test.Window.window.activeFocusItem.Accessible.name === "歇一会儿。歇一歇。");
+        keyClick(Qt.Key_Return);
+        verify(Bench.safety.continuousUseOpen);
+    }
+
+    function test_aCardThatComesWhileTheLastOneGoesIsShown() {
+        Theme.reducedMotion = false;
+        Bench.safetyArrives(test.reminder);
+        test.opened();
+        tryVerify(() => test.control("知道了") !== null);
+        test.use(test.control("知道了"));
+        verify(!Bench.safety.anyOpen && test.cards.cardsOpen, "on its way out");
+        Bench.safetyArrives(test.crisis);
+        test.awaitText("你不用一个人扛着。");
+        wait(2 * Theme.motion);
+        verify(test.cards.cardsOpen);
+        test.opened();
+        test.press("关掉这张卡片");
+        tryVerify(() => test.hasKeyboard(test.field));
     }
 
     function test_aNumberIsDialledAsItCameOrNotAtAll() {
@@ -169,7 +189,7 @@ ScreenTest {
         keyClick(Qt.Key_Escape);
         tryVerify(() => !test.cards.pageOpen);
         test.awaitText("你不用一个人扛着。");
-        compare(Bench.resources.regionIndex, 0, "nothing is kept of the visit");
+        tryVerify(() => Bench.resources.regionIndex === 0, 5000, "nothing is kept of the visit");
         verify(!Bench.sentToken("/api/app/crisis-resources"));
         compare(Bench.count("/api"), Bench.count("/api/app/crisis-resources"));
     }
