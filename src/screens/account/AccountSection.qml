@@ -10,14 +10,6 @@ Column {
 
     spacing: Theme.space12
 
-    LMPBanner {
-        closable: true
-        text: root.session.notice
-        tone: LMPBanner.Warning
-        visible: root.session.notice !== ""
-        onClosed: root.session.closeNotice()
-    }
-
     LMPCard {
         accessibleName: "账号"
         spacing: Theme.space12

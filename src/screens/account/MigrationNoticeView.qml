@@ -13,6 +13,11 @@ CenteredPane {
 
     maximumWidth: 480
 
+    NewAccountNotice {
+        session: root.session
+        width: parent.width
+    }
+
     LMPCard {
         accessibleName: heading.text
         padding: Theme.space24

@@ -9,6 +9,9 @@ LMPCard {
 
     required property SessionModel session
 
+    /// It is about to go.
+    signal closing
+
     accessibleName: root.session.newAccountTitle
     height: visible ? implicitHeight : 0
     visible: root.session.newAccountTitle !== ""
@@ -32,7 +35,10 @@ LMPCard {
 
         LMPButton {
             text: root.session.newAccountClose
-            onClicked: root.session.closeNewAccountNotice()
+            onClicked: {
+                root.closing();
+                root.session.closeNewAccountNotice();
+            }
         }
     }
 }

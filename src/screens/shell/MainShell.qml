@@ -84,7 +84,8 @@ FocusScope {
         id: said
 
         function follow(): void {
-            if (root.scene.notice === "")
+            const session = root.scene.session;
+            if (root.scene.notice === "" && session.notice === "" && session.newAccountTitle === "")
                 said.source = "";
             else if (said.status === Loader.Null)
                 said.setSource("WindowNoticeBar.qml", {
@@ -108,6 +109,14 @@ FocusScope {
         }
 
         target: root.scene
+    }
+
+    Connections {
+        function onChanged(): void {
+            said.follow();
+        }
+
+        target: root.scene.session
     }
 
     Rectangle {

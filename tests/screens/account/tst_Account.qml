@@ -115,7 +115,7 @@ ScreenTest {
         Bench.restart();
         Bench.signIn('{"id":"u1","username":"小林","handle":"lin","dialCode":"+86","phone":"13800138000"}');
         tryVerify(() => Bench.keychainItem() === "t");
-        createTemporaryObject(section, test);
+        const settings = createTemporaryObject(section, test);
         for (const text of ["小林", "+86 13800138000", "u1", "lin"])
             test.awaitText(text);
         // The handle can be changed from here.
@@ -138,8 +138,10 @@ ScreenTest {
         test.awaitText("退出登录？");
         verify(test.control("取消").activeFocus, "not at what cannot be taken back");
         test.press("退出登录");
+        tryCompare(Bench.session, "phase", SessionModel.SignedOut);
+        settings.destroy();
+        createTemporaryObject(signedOut, test);
         test.awaitText("已经退出登录，但钥匙串里的登录信息没能删掉，请在系统的钥匙串里手动删除。");
-        compare(Bench.session.phase, SessionModel.SignedOut);
     }
 
     function test_aHandleThatIsBeingSavedIsHeardOfThoughTheSheetIsClosed() {
@@ -219,6 +221,16 @@ ScreenTest {
 
         OnboardingView {
             anchors.fill: parent
+        }
+    }
+
+    Component {
+        id: signedOut
+
+        SignedOutView {
+            anchors.fill: parent
+            resources: Bench.resources
+            session: Bench.session
         }
     }
 
