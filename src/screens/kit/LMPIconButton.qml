@@ -19,7 +19,8 @@ T.AbstractButton {
     }
 
     function press(event: KeyEvent): void {
-        if (!event.isAutoRepeat) {
+        // One that is hidden may keep the keyboard; nobody means it then.
+        if (!event.isAutoRepeat && root.visible && root.enabled) {
             if (root.checkable)
                 root.toggle();
             root.clicked();
