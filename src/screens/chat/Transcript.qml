@@ -25,6 +25,8 @@ FocusScope {
     readonly property alias contentY: flick.contentY
     readonly property alias contentHeight: flick.contentHeight
     readonly property real distanceToEnd: scroll.lowest - flick.contentY
+    /// Whether any of the last message is in sight.
+    property bool endSeen: true
     /// The row that has the focus somewhere within.
     property TranscriptRow focusedRow: null
     /// The row that was gone to last.
@@ -56,7 +58,7 @@ FocusScope {
     /// Whether `text` stands in sight, under the last message.
     function showsError(text: string): bool {
         const last = rows.itemAt(rows.count - 1) as TranscriptRow;
-        return last !== null && last.seen && last.errorText === text;
+        return last !== null && root.endSeen && last.errorText === text;
     }
     /// Scrolls as the key says. @return whether it is a key that scrolls
     function takeKey(key: int, modifiers: int): bool {
@@ -114,6 +116,14 @@ FocusScope {
     }
     Keys.onPressed: event => event.accepted = root.takeKey(event.key, event.modifiers)
 
+    // What depends on it may change the height of the view, and with that what is in sight.
+    Binding on endSeen {
+        delayed: true
+        value: {
+            const last = rows.itemAt(rows.count - 1) as TranscriptRow;
+            return scroll.following || (last !== null && last.seen);
+        }
+    }
     Flickable {
         id: flick
 
