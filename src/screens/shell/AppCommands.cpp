@@ -20,19 +20,19 @@ const QList<AppCommands::Entry> &AppCommands::table() {
         {Command::TabStudio, u"工坊"_s, u"studio"_s, {u"Ctrl+4"_s}},
         {Command::TabMe, u"我的"_s, u"me"_s, {u"Ctrl+5"_s}},
         {Command::Settings, u"设置"_s, u"settings"_s, {u"Ctrl+,"_s}},
-        {Command::Larger, u"放大界面"_s, u"plus"_s, {u"Ctrl++"_s, u"Ctrl+="_s}, false},
-        {Command::Smaller, u"缩小界面"_s, u"minus"_s, {u"Ctrl+-"_s}, false},
-        {Command::ResetScale, u"恢复原来的大小"_s, u"retry"_s, {u"Ctrl+0"_s}, false},
+        {Command::Larger, u"放大界面"_s, u"plus"_s, {u"Ctrl++"_s, u"Ctrl+="_s}, Needs::Nothing},
+        {Command::Smaller, u"缩小界面"_s, u"minus"_s, {u"Ctrl+-"_s}, Needs::Nothing},
+        {Command::ResetScale, u"恢复原来的大小"_s, u"retry"_s, {u"Ctrl+0"_s}, Needs::Nothing},
         {Command::PreviousConversation, u"上一段对话"_s, {}, {u"Alt+Up"_s}},
         {Command::NextConversation, u"下一段对话"_s, {}, {u"Alt+Down"_s}},
         {Command::NextPane, u"到下一个区域"_s, {}, {u"F6"_s}},
         {Command::PreviousPane, u"到上一个区域"_s, {}, {u"Shift+F6"_s}},
         {Command::ToggleSidebar, u"收起或展开侧栏"_s, u"sidebar"_s, {u"Ctrl+B"_s}},
-        {Command::Crisis, u"求助热线"_s, u"care"_s, {}, false},
-        {Command::CheckUpdates, u"检查更新"_s, u"download"_s, {}},
-        {Command::NewWindow, u"新窗口"_s, u"external"_s, {u"Ctrl+Shift+N"_s}, false},
-        {Command::CloseWindow, u"关闭窗口"_s, u"close"_s, {u"Ctrl+W"_s}, false},
-        {Command::Quit, u"退出"_s, u"logout"_s, {u"Ctrl+Q"_s}, false},
+        {Command::Crisis, u"求助热线"_s, u"care"_s, {}, Needs::Nothing},
+        {Command::CheckUpdates, u"检查更新"_s, u"download"_s, {}, Needs::Service},
+        {Command::NewWindow, u"新窗口"_s, u"external"_s, {u"Ctrl+Shift+N"_s}, Needs::Nothing},
+        {Command::CloseWindow, u"关闭窗口"_s, u"close"_s, {u"Ctrl+W"_s}, Needs::Nothing},
+        {Command::Quit, u"退出"_s, u"logout"_s, {u"Ctrl+Q"_s}, Needs::Nothing},
     };
     return entries;
 }
@@ -77,12 +77,16 @@ QHash<int, QByteArray> AppCommands::roleNames() const {
             {AvailableRole, "available"}};
 }
 
-void AppCommands::setShellShown(bool shown) {
-    if (shown == m_shellShown)
+void AppCommands::setThere(Needs there) {
+    if (there == m_there)
         return;
-    m_shellShown = shown;
-    Q_EMIT shellShownChanged();
+    m_there = there;
+    Q_EMIT thereChanged();
     Q_EMIT dataChanged(index(0), index(rowCount() - 1), {AvailableRole});
+}
+
+AppCommands::Needs AppCommands::needsOf(Command command) const {
+    return table().at(qsizetype(command)).needs;
 }
 
 void AppCommands::run(Command command) {

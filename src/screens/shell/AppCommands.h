@@ -7,13 +7,17 @@ namespace lmp {
 
 /// Everything that a key, a menu or the quick switcher can be asked to do in a window: one table for all of them.
 ///
-/// One for each window, owned by its scene, UI thread. A command that makes no sense where the window is does nothing.
+/// One for each window, owned by its scene, UI thread. A command that makes no sense where the window is does nothing,
+/// and is not offered.
 class AppCommands : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made with its window")
-    Q_PROPERTY(bool shellShown READ shellShown WRITE setShellShown NOTIFY shellShownChanged)
+    Q_PROPERTY(Needs there READ there NOTIFY thereChanged)
 public:
+    /// What a command needs to be there, each with all before it: nothing, the service's stores, the shell.
+    enum class Needs { Nothing, Service, Shell };
+    Q_ENUM(Needs)
     /// In the order of the table.
     enum class Command {
         NewConversation,
@@ -55,7 +59,7 @@ public:
         QString title;
         QString iconName; ///< empty: not worth an entry of the switcher
         QStringList keys;
-        bool needsShell = true;
+        Needs needs = Needs::Shell;
     };
 
     explicit AppCommands(QObject *parent = nullptr);
@@ -67,19 +71,20 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    bool shellShown() const { return m_shellShown; }
-    void setShellShown(bool shown);
-    bool enabled(const Entry &entry) const { return m_shellShown || !entry.needsShell; }
+    Needs there() const { return m_there; }
+    void setThere(Needs there);
+    bool enabled(const Entry &entry) const { return entry.needs <= m_there; }
 
+    Q_INVOKABLE lmp::AppCommands::Needs needsOf(lmp::AppCommands::Command command) const;
     Q_INVOKABLE void run(lmp::AppCommands::Command command);
 
 Q_SIGNALS:
-    void shellShownChanged();
+    void thereChanged();
     /// To be done by whoever can: the scene, the window's QML or the program.
     void triggered(lmp::AppCommands::Command command);
 
 private:
-    bool m_shellShown = false;
+    Needs m_there = Needs::Nothing;
 };
 
 } // namespace lmp

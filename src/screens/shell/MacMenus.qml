@@ -19,54 +19,61 @@ MenuBar {
     Menu {
         title: "Lumenpair"
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.Settings
+            commands: root.scene.commands
             role: MenuItem.PreferencesRole
             shortcut: "Ctrl+,"
             text: "设置…"
-            onTriggered: root.scene.commands.run(AppCommands.Settings)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.CheckUpdates
+            commands: root.scene.commands
             role: MenuItem.ApplicationSpecificRole
             text: "检查更新…"
-            onTriggered: root.scene.commands.run(AppCommands.CheckUpdates)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.Quit
+            commands: root.scene.commands
             role: MenuItem.QuitRole
             shortcut: "Ctrl+Q"
             text: "退出 Lumenpair"
-            onTriggered: root.scene.commands.run(AppCommands.Quit)
         }
     }
 
     Menu {
         title: "文件"
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.NewConversation
+            commands: root.scene.commands
             shortcut: "Ctrl+N"
             text: "新对话"
-            onTriggered: root.scene.commands.run(AppCommands.NewConversation)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.NewIncognito
+            commands: root.scene.commands
             text: "新的无痕对话"
-            onTriggered: root.scene.commands.run(AppCommands.NewIncognito)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.NewWindow
+            commands: root.scene.commands
             shortcut: "Ctrl+Shift+N"
             text: "新窗口"
-            onTriggered: root.scene.commands.run(AppCommands.NewWindow)
         }
 
         MenuSeparator {
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.CloseWindow
+            commands: root.scene.commands
             shortcut: "Ctrl+W"
             text: "关闭窗口"
-            onTriggered: root.scene.commands.run(AppCommands.CloseWindow)
         }
     }
 
@@ -115,74 +122,84 @@ MenuBar {
         MenuSeparator {
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.Find
+            commands: root.scene.commands
             shortcut: "Ctrl+F"
             text: "在这段对话里查找"
-            onTriggered: root.scene.commands.run(AppCommands.Find)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.FindEverywhere
+            commands: root.scene.commands
             shortcut: "Ctrl+Shift+F"
             text: "在所有对话里查找"
-            onTriggered: root.scene.commands.run(AppCommands.FindEverywhere)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.FindList
+            commands: root.scene.commands
             text: "在对话列表里查找"
-            onTriggered: root.scene.commands.run(AppCommands.FindList)
         }
     }
 
     Menu {
         title: "显示"
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.Larger
+            commands: root.scene.commands
             shortcut: "Ctrl++"
             text: "放大"
-            onTriggered: root.scene.commands.run(AppCommands.Larger)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.Smaller
+            commands: root.scene.commands
             shortcut: "Ctrl+-"
             text: "缩小"
-            onTriggered: root.scene.commands.run(AppCommands.Smaller)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.ResetScale
+            commands: root.scene.commands
             shortcut: "Ctrl+0"
             text: "恢复原来的大小"
-            onTriggered: root.scene.commands.run(AppCommands.ResetScale)
         }
 
         MenuSeparator {
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.ToggleSidebar
+            commands: root.scene.commands
             shortcut: "Ctrl+B"
             text: "收起或展开侧栏"
-            onTriggered: root.scene.commands.run(AppCommands.ToggleSidebar)
         }
     }
 
     Menu {
         title: "前往"
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.Switcher
+            commands: root.scene.commands
             shortcut: "Ctrl+K"
             text: "快速切换…"
-            onTriggered: root.scene.commands.run(AppCommands.Switcher)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.PreviousConversation
+            commands: root.scene.commands
             shortcut: "Alt+Up"
             text: "上一段对话"
-            onTriggered: root.scene.commands.run(AppCommands.PreviousConversation)
         }
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.NextConversation
+            commands: root.scene.commands
             shortcut: "Alt+Down"
             text: "下一段对话"
-            onTriggered: root.scene.commands.run(AppCommands.NextConversation)
         }
     }
 
@@ -199,9 +216,10 @@ MenuBar {
     Menu {
         title: "帮助"
 
-        MenuItem {
+        MacMenuItem {
+            command: AppCommands.Crisis
+            commands: root.scene.commands
             text: "求助热线"
-            onTriggered: root.scene.commands.run(AppCommands.Crisis)
         }
     }
 }

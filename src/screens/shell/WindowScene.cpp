@@ -162,7 +162,7 @@ void WindowScene::enterStage() {
     if (stage == m_stage)
         return;
     m_stage = stage;
-    m_commands.setShellShown(m_stage == Stage::Shell);
+    m_commands.setThere(m_stage == Stage::Shell ? AppCommands::Needs::Shell : AppCommands::Needs::Service);
     m_navigation.setShellShown(m_stage == Stage::Shell);
     // Before its screen is made, which takes longer than the service to answer, and so that what is typed ahead finds
     // something to be typed in.

@@ -121,10 +121,16 @@ TEST(AppCommandsTest, TheTableIsWhole) {
     std::vector<AppCommands::Command> run;
     QObject::connect(&commands, &AppCommands::triggered, [&](AppCommands::Command command) { run.push_back(command); });
     commands.run(AppCommands::Command::NewConversation);
+    commands.run(AppCommands::Command::CheckUpdates);
     commands.run(AppCommands::Command::Quit);
-    commands.setShellShown(true);
+    // Whoever cannot sign in may have to look for a newer program.
+    commands.setThere(AppCommands::Needs::Service);
     commands.run(AppCommands::Command::NewConversation);
-    EXPECT_EQ(run, (std::vector{AppCommands::Command::Quit, AppCommands::Command::NewConversation}));
+    commands.run(AppCommands::Command::CheckUpdates);
+    commands.setThere(AppCommands::Needs::Shell);
+    commands.run(AppCommands::Command::NewConversation);
+    EXPECT_EQ(run, (std::vector{AppCommands::Command::Quit, AppCommands::Command::CheckUpdates,
+                                AppCommands::Command::NewConversation}));
 }
 
 } // namespace lmp
