@@ -68,11 +68,11 @@ QCoro::Task<std::expected<QString, QString>> Application::findService() {
 }
 
 void Application::makeStores() {
-    m_keychain = std::make_unique<SystemKeychain>();
-    m_auth = std::make_unique<AuthStore>(m_site.api, *m_keychain, m_clock, keychainSuffix());
-    m_capabilities = std::make_unique<CapabilityStore>(m_auth->api());
     if (!m_options.withoutTrace)
         m_settings = makeUserDefaults(m_support);
+    m_keychain = std::make_unique<SystemKeychain>();
+    m_auth = std::make_unique<AuthStore>(m_site.api, *m_keychain, m_clock, keychainSuffix(), m_settings.get());
+    m_capabilities = std::make_unique<CapabilityStore>(m_auth->api());
     m_extractions = std::make_unique<ExtractionProgress>(m_settings.get());
     if (m_options.withoutTrace) {
         m_auth->startSignedOut();

@@ -47,10 +47,11 @@ private:
 const QString AuthStore::tokenKey = u"app-token"_s;
 const QString AuthStore::keychainService = u"com.tolvey.quillet.auth"_s;
 
-AuthStore::AuthStore(QUrl apiBase, Keychain &keychain, Clock &clock, const QString &accountSuffix)
+AuthStore::AuthStore(QUrl apiBase, Keychain &keychain, Clock &clock, const QString &accountSuffix, Settings *settings)
     : m_keychain(keychain)
     , m_clock(clock)
     , m_account(tokenKey + accountSuffix)
+    , m_removals(settings)
     , m_token(std::make_shared<TokenBox>())
     , m_api(std::move(apiBase), tokenProvider()) {}
 
@@ -82,6 +83,11 @@ bool AuthStore::isCurrent(quint64 generation, const QString &token) const {
 void AuthStore::restore() {
     if (m_reading || m_phase != Phase::loading || token())
         return;
+    if (m_removals.contains(m_account)) {
+        store({});
+        setPhase(Phase::signedOut);
+        return;
+    }
     m_reading = true;
     detach(watchKeychain(), "AuthStore::watchKeychain");
     detach(readKeychain(), "AuthStore::readKeychain");
@@ -254,6 +260,9 @@ void AuthStore::setNotice(const QString &notice) {
 // last of a sign-in and a sign-out is what it holds in the end.
 
 void AuthStore::store(std::optional<QString> secret) {
+    // Whatever becomes of this process, the next start must not be the one who has left.
+    if (!secret)
+        m_removals.add(m_account);
     m_pendingWrite = Write{std::move(secret)};
     if (!m_writing)
         detach(writeKeychain(), "AuthStore::writeKeychain");
@@ -276,6 +285,9 @@ QCoro::Task<> AuthStore::writeKeychain() {
         }
         if (done)
             m_isStored = write.secret.has_value();
+        // What was written while its removal is wanted already is still to go.
+        if (done && !(write.secret && m_pendingWrite))
+            m_removals.drop(m_account);
         if (done || m_pendingWrite)
             continue;
         qCWarning(logSession) << "the keychain could not be written:" << done.error().reason;

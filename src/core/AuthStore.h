@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AuthService.h"
+#include "core/PendingRemovals.h"
 #include "core/SSEClient.h"
 #include "platform/Clock.h"
 #include "platform/Keychain.h"
@@ -26,11 +27,14 @@ public:
 
     /// @param apiBase the API base
     /// @param accountSuffix set apart the tokens of other sites and profiles: the account is `tokenKey` + suffix
-    /// @param keychain, clock outlive the store
-    AuthStore(QUrl apiBase, Keychain &keychain, Clock &clock, const QString &accountSuffix = {});
+    /// @param settings where a sign-out that the keychain has not carried out is remembered; null where nothing may be
+    /// @param keychain, clock, settings outlive the store
+    AuthStore(QUrl apiBase, Keychain &keychain, Clock &clock, const QString &accountSuffix = {},
+              Settings *settings = nullptr);
     ~AuthStore() override;
 
-    /// Reads the keychain, then verifies what it held. Once, at start.
+    /// Reads the keychain, then verifies what it held. Once, at start. What a sign-out has left there is not read but
+    /// removed.
     void restore();
     /// Begins with a token given from outside (LMP_TOKEN) and verifies it. The keychain is not touched for this
     /// session, neither now nor when it ends.
@@ -108,6 +112,7 @@ private:
     Keychain &m_keychain;
     Clock &m_clock;
     QString m_account;
+    PendingRemovals m_removals;
     std::shared_ptr<TokenBox> m_token;
     APIClient m_api;
     Phase m_phase = Phase::loading;

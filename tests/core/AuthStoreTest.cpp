@@ -253,6 +253,51 @@ TEST_F(AuthStoreTest, KeychainEndsAsTheLastWish) {
     }
 }
 
+TEST_F(AuthStoreTest, ASignOutThatTheKeychainKeptWaitingIsNotForgotten) {
+    MemorySettings settings;
+    const auto start = [&] {
+        store = std::make_unique<AuthStore>(server.url(u"/api"_s), keychain, clock, u"@x"_s, &settings);
+        store->restore();
+        await(store->settled());
+        return store->phase();
+    };
+    const QString account = AuthStore::tokenKey + u"@x"_s;
+    keychain.items = {{account, u"old"_s}, {AuthStore::tokenKey, u"another site's"_s}};
+    ASSERT_EQ(start(), Phase::signedIn);
+    keychain.hang();
+    store->signOut();
+    // The program ends, and what it asked for is never done.
+    store.reset();
+    settle();
+    EXPECT_EQ(start(), Phase::signedOut) << "however long the keychain takes";
+    EXPECT_EQ(keychain.log, QStringList{u"read"_s}) << "it is not even asked what it holds";
+    store->signIn(answer(u"u2"_s, u"new"_s));
+    store->signOut();
+    store.reset();
+    keychain.release();
+    ASSERT_TRUE(eventually([&] { return keychain.isIdle(); }));
+    keychain.items.insert(account, u"old"_s);
+
+    // A keychain that answers has it removed, and what is stored after that counts again.
+    EXPECT_EQ(start(), Phase::signedOut);
+    ASSERT_TRUE(await(store->keychainSettled(1s)));
+    EXPECT_EQ(keychain.items.keys(), QStringList{AuthStore::tokenKey});
+    EXPECT_TRUE(settings.values.isEmpty());
+    store->signOut();
+    store->signIn(answer(u"u2"_s, u"new"_s));
+    ASSERT_TRUE(await(store->keychainSettled(1s)));
+    EXPECT_EQ(start(), Phase::signedIn);
+    EXPECT_EQ(store->token(), u"new"_s);
+
+    // One that refuses to remove it cannot bring it back either.
+    keychain.error = Keychain::Error{false, u"no"_s};
+    store->signOut();
+    ASSERT_TRUE(await(store->keychainSettled(1s)));
+    keychain.error.reset();
+    keychain.hang();
+    EXPECT_EQ(start(), Phase::signedOut);
+}
+
 TEST_F(AuthStoreTest, TellsWhatTheKeychainDidNotDo) {
     struct Case {
         bool unavailable;
