@@ -25,6 +25,7 @@ const QString notPersisted =
 const QString notStored = u"登录信息没能存进钥匙串：下次打开要重新登录。什么都没有写到磁盘上。"_s;
 const QString notRemoved = u"已经退出登录，但钥匙串里的登录信息没能删掉，请在系统的钥匙串里手动删除。"_s;
 const QString notRead = u"钥匙串没有答复，这次先按未登录处理；存着的登录信息没有动，下次打开再试。"_s;
+const QString notLetIn = u"钥匙串没有打开，这次先按未登录处理；存着的登录信息没有动，下次打开再试。"_s;
 
 } // namespace
 
@@ -114,7 +115,9 @@ QCoro::Task<> AuthStore::readKeychain() {
     endReading();
     if (!found) {
         qCWarning(logSession) << "the keychain could not be read:" << found.error().reason;
-        if (!found.error().unavailable)
+        if (found.error().refused)
+            setNotice(notLetIn);
+        else if (!found.error().unavailable)
             setNotice(notRead);
     }
     if (!found || !*found || (*found)->isEmpty()) {

@@ -17,6 +17,7 @@ public:
     struct Error {
         bool unavailable = false; ///< there is no keychain on this machine, or it is locked for good
         QString reason;           ///< the platform's own words
+        bool refused = false;     ///< it is there and let nobody in: at the person's word, or since it stays locked
     };
     template <class T>
     using Result = std::expected<T, Error>;

@@ -172,9 +172,10 @@ Keychain::Error failure(const Outcome &outcome) {
     switch (outcome.code) {
     case QKeychain::NoBackendAvailable:
     case QKeychain::NotImplemented:
+        return {true, outcome.reason};
     case QKeychain::AccessDenied:
     case QKeychain::AccessDeniedByUser:
-        return {true, outcome.reason};
+        return {true, outcome.reason, true};
 #ifdef Q_OS_LINUX
     case QKeychain::OtherError: // a bus on which nobody keeps secrets is told no better
         return {true, outcome.reason};

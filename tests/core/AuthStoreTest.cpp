@@ -326,6 +326,19 @@ TEST_F(AuthStoreTest, TellsWhatTheKeychainDidNotDo) {
     }
 }
 
+TEST_F(AuthStoreTest, TellsWhoWasNotLetInThatASignInIsStored) {
+    // There is none on many machines, and nothing to be told of it.
+    for (const bool refused : {false, true}) {
+        FakeKeychain shut;
+        shut.error = Keychain::Error{.unavailable = true, .reason = u"no"_s, .refused = refused};
+        AuthStore fresh(server.url(u"/api"_s), shut, clock);
+        fresh.restore();
+        await(fresh.settled());
+        EXPECT_EQ(fresh.phase(), Phase::signedOut);
+        EXPECT_EQ(!fresh.notice().isEmpty(), refused);
+    }
+}
+
 TEST_F(AuthStoreTest, GivenTokenNeverTouchesTheKeychain) {
     keychain.items.insert(AuthStore::tokenKey, u"mine"_s);
     for (const int status : {200, 401}) {
