@@ -41,7 +41,7 @@ std::optional<AppRouter::Tab> tabNamed(const QString &name) {
 } // namespace
 
 bool DeepLink::isLink(QStringView text) {
-    return text.startsWith(scheme + u"://"_s, Qt::CaseInsensitive);
+    return text.startsWith(scheme + u':', Qt::CaseInsensitive);
 }
 
 std::optional<QString> DeepLink::in(const QStringList &arguments) {

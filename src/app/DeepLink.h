@@ -16,7 +16,8 @@ class DeepLink {
 public:
     static constexpr qsizetype longest = 2048;
 
-    /// Whether `text` claims to be one of ours, well formed or not.
+    /// Whether `text` claims to be one of ours, well formed or not. Whoever wrote it wanted to go somewhere, and is
+    /// told where that is nowhere.
     static bool isLink(QStringView text);
     /// The first link among a program's arguments, if there is one.
     static std::optional<QString> in(const QStringList &arguments);

@@ -149,6 +149,7 @@ TEST(DeepLinkTest, NamesAPlaceOrNothing) {
 
 TEST(DeepLinkTest, WarmAndColdTakeTheSameWay) {
     EXPECT_EQ(DeepLink::in({u"--profile"_s, u"x"_s, u"Lumenpair://me"_s, u"lumenpair://now"_s}), u"Lumenpair://me"_s);
+    EXPECT_EQ(DeepLink::in({u"lumenpair:now"_s, u"lumenpair://me"_s}), u"lumenpair:now"_s) << "to be told of it";
     EXPECT_FALSE(DeepLink::in({u"--profile"_s, u"lumenpair"_s}));
     AppRouter router;
     router.navigate(AppRouter::Crisis());

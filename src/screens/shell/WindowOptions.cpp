@@ -1,5 +1,6 @@
 #include "screens/shell/WindowOptions.h"
 
+#include "app/DeepLink.h"
 #include "platform/ApplicationSupport.h"
 
 namespace lmp {
@@ -21,9 +22,11 @@ std::expected<WindowOptions, QString> WindowOptions::parse(const QStringList &ar
             *value = equals < 0 ? arguments[++at] : argument.mid(equals + 1);
         } else if (argument == u"--sandbox"_s)
             sandbox = true;
-        else if (argument.startsWith(u"lumenpair:"_s, Qt::CaseInsensitive))
-            options.link = argument;
-        else
+        else if (DeepLink::isLink(argument)) {
+            // The first of several, as in a program that runs already.
+            if (options.link.isEmpty())
+                options.link = argument;
+        } else
             return std::unexpected(u"不认识这个参数："_s + argument);
     }
     if (sandbox && !options.site.isEmpty())
