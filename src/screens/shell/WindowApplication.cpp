@@ -13,6 +13,7 @@
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQuickWindow>
+#include <QSessionManager>
 #include <QTimer>
 
 #include <algorithm>
@@ -44,6 +45,8 @@ WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanosec
     m_engine.setIncubationController(&m_incubation);
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::saveForSession);
+    for (const auto signal : {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest})
+        connect(qGuiApp, signal, this, &WindowApplication::tellSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);
     connect(&m_quitting, &MacQuitCoordinator::raiseRequested, this, [this] {
         // The person asked in the window in front, and the question may stand in another one.
@@ -317,6 +320,11 @@ void WindowApplication::bringUp(QQuickWindow &window) {
         window.showNormal();
     window.raise();
     window.requestActivate();
+}
+
+void WindowApplication::tellSession(QSessionManager &session) const {
+    const QString launcher = QCoreApplication::applicationDirPath() + u"/lumenpair"_s;
+    session.setRestartCommand(QStringList{launcher} + m_options.arguments());
 }
 
 void WindowApplication::openLink(const QString &link) {

@@ -13,6 +13,7 @@
 #include <QSet>
 
 class QQuickWindow;
+class QSessionManager;
 
 namespace lmp {
 
@@ -76,6 +77,8 @@ private:
     void quit(QSet<WindowScene *> asked = {});
     void onCloseRequested(WindowScene *scene);
     void goOnClosing(WindowScene *scene);
+    /// The command that the toolkit gives a desktop to bring the program back is not one of ours.
+    void tellSession(QSessionManager &session) const;
     /// Many keyboards have no menu key: Shift+F10 is the same one, for whatever item has the keyboard.
     bool pressesMenuKey(QObject *watched, QEvent *event);
     void onReadyToClose(WindowScene *scene);

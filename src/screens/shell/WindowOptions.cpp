@@ -39,4 +39,15 @@ std::expected<WindowOptions, QString> WindowOptions::parse(const QStringList &ar
     return options;
 }
 
+QStringList WindowOptions::arguments() const {
+    QStringList given;
+    if (!site.isEmpty())
+        given << u"--site="_s + site;
+    else if (named)
+        given << u"--sandbox"_s;
+    if (!profile.isEmpty())
+        given << u"--profile="_s + profile;
+    return given;
+}
+
 } // namespace lmp

@@ -17,6 +17,8 @@ struct WindowOptions {
     /// @param arguments without the program's name
     /// @return the options, or a sentence that says what is wrong with them
     static std::expected<WindowOptions, QString> parse(const QStringList &arguments);
+    /// What a later start is to be given to be this one again: the service and the profile, and no link.
+    QStringList arguments() const;
 };
 
 } // namespace lmp

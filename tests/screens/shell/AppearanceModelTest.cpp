@@ -62,6 +62,10 @@ TEST(WindowOptionsTest, SaysWhatIsWrong) {
     EXPECT_EQ(good->site, u"http://a"_s);
     EXPECT_EQ(good->profile, u"two"_s);
     EXPECT_EQ(good->link, u"lumenpair://now"_s);
+    EXPECT_EQ(WindowOptions::parse({u"lumenpair:x"_s, u"lumenpair://now"_s})->link, u"lumenpair:x"_s);
+    EXPECT_EQ(good->arguments(), (QStringList{u"--site=http://a"_s, u"--profile=two"_s})) << "to be this one again";
+    EXPECT_EQ(WindowOptions::parse({u"--sandbox"_s})->arguments(), QStringList{u"--sandbox"_s});
+    EXPECT_EQ(WindowOptions::parse({})->arguments(), QStringList());
     qputenv("LMP_SITE", "http://b");
     EXPECT_EQ(WindowOptions::parse({})->site, u"http://b"_s);
     EXPECT_EQ(WindowOptions::parse({u"--sandbox"_s})->site, QString());
