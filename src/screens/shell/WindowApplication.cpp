@@ -124,18 +124,20 @@ WindowScene *WindowApplication::openWindow() {
 }
 
 void WindowApplication::showWhenKnown(QQuickWindow &window, WindowScene &scene) {
+    if (scene.layout()->maximized())
+        window.setWindowStates(Qt::WindowMaximized);
     window.create();
     if (scene.stage() > WindowScene::Stage::Launch)
-        return window.show();
+        return window.setVisible(true);
     // What is there for the blink of an eye only flickers, and delays what comes after it.
     auto *wait = new QTimer(&window);
     wait->setSingleShot(true);
-    connect(wait, &QTimer::timeout, &window, &QQuickWindow::show);
+    connect(wait, &QTimer::timeout, &window, [&window] { window.setVisible(true); });
     connect(&scene, &WindowScene::stageChanged, wait, [wait, &window, &scene] {
         if (!wait->isActive() || scene.stage() <= WindowScene::Stage::Launch)
             return;
         wait->stop();
-        window.show();
+        window.setVisible(true);
     });
     // Whoever leaves meanwhile must not see it come.
     connect(this, &WindowApplication::leaving, wait, &QTimer::stop);
@@ -249,7 +251,7 @@ void WindowApplication::close(WindowScene *scene) {
     const auto shown = std::ranges::find(m_windows, scene, [](const Shown &one) { return one.scene.get(); });
     if (shown == m_windows.end())
         return;
-    scene->layout()->keep(shown->window->width(), shown->window->height());
+    scene->layout()->keep(*shown->window);
     shown->window->hide();
     // The window may be in the middle of its own closing.
     shown->window.release()->deleteLater();
@@ -266,7 +268,7 @@ QCoro::Task<> WindowApplication::leave() {
     Q_EMIT leaving();
     for (const auto &shown : m_windows) {
         shown.scene->release();
-        shown.scene->layout()->keep(shown.window->width(), shown.window->height());
+        shown.scene->layout()->keep(*shown.window);
         shown.window->hide();
     }
     if (!m_windows.empty())
@@ -316,8 +318,9 @@ void WindowApplication::raise(const QString &activationToken) {
 }
 
 void WindowApplication::bringUp(QQuickWindow &window) {
-    if (window.visibility() == QWindow::Minimized)
-        window.showNormal();
+    // As it was before: maximised, for one.
+    if (const auto states = window.windowStates(); states.testFlag(Qt::WindowMinimized))
+        window.setWindowStates(states & ~Qt::WindowMinimized);
     window.raise();
     window.requestActivate();
 }

@@ -6,6 +6,8 @@
 #include <QSize>
 #include <QtQml/qqmlregistration.h>
 
+class QWindow;
+
 namespace lmp {
 
 /// How the person has laid the window out: its size and the sidebar's, kept for the next start.
@@ -37,8 +39,10 @@ public:
     int widest() const { return widestSidebar; }
     bool sidebarCollapsed() const { return m_collapsed; }
     void setSidebarCollapsed(bool collapsed);
-    /// Remembers the window's size; when it closes.
-    Q_INVOKABLE void keep(int width, int height);
+    /// It fills the screen. Its size is the one it has otherwise.
+    bool maximized() const { return m_maximized; }
+    /// Remembers how large the window is; when it closes.
+    void keep(const QWindow &window);
 
 Q_SIGNALS:
     void changed();
@@ -50,6 +54,7 @@ private:
     QSize m_window{1120, 760};
     int m_sidebar = 248;
     bool m_collapsed = false;
+    bool m_maximized = false;
 };
 
 } // namespace lmp

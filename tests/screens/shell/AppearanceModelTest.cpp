@@ -3,6 +3,8 @@
 #include "screens/shell/WindowOptions.h"
 #include "support/MemorySettings.h"
 
+#include <QWindow>
+
 #include <gtest/gtest.h>
 
 namespace lmp {
@@ -54,6 +56,23 @@ TEST(WindowLayoutTest, TakesNothingThatFitsNoScreen) {
         EXPECT_EQ(layout.windowWidth(), width) << kept.constData();
         EXPECT_EQ(layout.sidebarWidth(), sidebar) << kept.constData();
     }
+}
+
+TEST(WindowLayoutTest, AWindowThatFillsTheScreenComesBackSo) {
+    MemorySettings settings;
+    QWindow window;
+    window.resize(1000, 700);
+    WindowLayout(settings).keep(window);
+    EXPECT_FALSE(WindowLayout(settings).maximized());
+    window.resize(1920, 1080);
+    window.setWindowStates(Qt::WindowMaximized);
+    WindowLayout(settings).keep(window);
+    const WindowLayout next(settings);
+    EXPECT_TRUE(next.maximized());
+    EXPECT_EQ(next.windowWidth(), 1000) << "and has its own size to go back to";
+    window.setWindowStates(Qt::WindowMaximized | Qt::WindowMinimized);
+    WindowLayout(settings).keep(window);
+    EXPECT_TRUE(WindowLayout(settings).maximized());
 }
 
 TEST(WindowOptionsTest, SaysWhatIsWrong) {
