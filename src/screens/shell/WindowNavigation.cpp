@@ -16,8 +16,9 @@ WindowNavigation::WindowNavigation(QObject *parent)
 }
 
 void WindowNavigation::openLink(const QString &link) {
-    // A tab alone asks for nothing more, and is not to be hidden by what lies over it.
-    setOver(false, false);
+    // A tab alone asks for nothing more, and is not to be hidden by what lies over it. The crisis page stays: anybody
+    // can make a link, and only who reads that page puts it away.
+    closeUnavailable();
     DeepLink::open(m_router, link);
 }
 
@@ -31,7 +32,7 @@ void WindowNavigation::setShellShown(bool shown) {
 }
 
 void WindowNavigation::setTab(Tab tab) {
-    setOver(false, false);
+    closeUnavailable();
     m_router.setSelectedTab(AppRouter::Tab(int(tab)));
 }
 
@@ -75,13 +76,13 @@ void WindowNavigation::takePending() {
         return;
     const auto destination = m_router.consume();
     if (const auto *conversation = std::get_if<AppRouter::Conversation>(&*destination)) {
-        setOver(false, false);
+        closeUnavailable();
         Q_EMIT conversationRequested(conversation->id);
     } else if (const auto *memory = std::get_if<AppRouter::Memory>(&*destination)) {
         openMemory();
         Q_EMIT memoryRequested(memory->id);
     } else
-        setOver(false, true);
+        setOver(m_crisisOpen, true);
 }
 
 void WindowNavigation::setOver(bool crisis, bool unavailable) {

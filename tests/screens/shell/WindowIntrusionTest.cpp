@@ -85,4 +85,24 @@ TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
     EXPECT_FALSE(window.scene().questions()->leaveWarning());
 }
 
+TEST_F(WindowIntrusionTest, ALinkDoesNotTakeTheCrisisPageAway) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    auto *navigation = window.scene().navigation();
+    navigation->openCrisis();
+    ASSERT_TRUE(window.shows(u"真人热线置顶"_s));
+    for (const QString &link :
+         {u"lumenpair://studio"_s, u"lumenpair://conversation/c_7"_s, u"lumenpair://object/mission/m"_s}) {
+        window.program().takeOver({.arguments = {link}, .activationToken = {}});
+        settle();
+        EXPECT_TRUE(navigation->crisisOpen()) << link.toStdString();
+        EXPECT_TRUE(window.shows(u"真人热线置顶"_s)) << link.toStdString();
+    }
+    window.key(Qt::Key_Escape);
+    EXPECT_TRUE(window.hides(u"真人热线置顶"_s));
+    EXPECT_FALSE(navigation->crisisOpen());
+    EXPECT_TRUE(window.shows(u"打不开这一项"_s)) << "where the last one led";
+}
+
 } // namespace lmp
