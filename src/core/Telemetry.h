@@ -23,7 +23,7 @@ public:
     struct Deployment {
         QUrl apiBase;
         QString appVersion;
-        QString viewport = {}; ///< "terminal", or the window's size
+        QString viewport = {}; ///< what the person looks at: "terminal" or "window"
         APIClient::TokenProvider tokenProvider = {};
     };
 
@@ -66,7 +66,6 @@ public:
     const QList<QueuedEvent> &queue() const { return m_queue; }
     bool isFlushing() const { return m_flushing; }
     bool didStartLifecycle() const { return m_didStartLifecycle; }
-    void setViewport(const QString &viewport) { m_deployment.viewport = viewport; }
 
 Q_SIGNALS:
     void consentChanged();

@@ -45,6 +45,10 @@ WindowApplication::WindowApplication(WindowOptions options, std::chrono::nanosec
     m_engine.setIncubationController(&m_incubation);
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, &m_macLifecycle, &MacAppLifecycle::saveForSession);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state != Qt::ApplicationActive && !m_leaving && m_application.telemetry())
+            m_application.telemetry()->enteredBackground();
+    });
     for (const auto signal : {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest})
         connect(qGuiApp, signal, this, &WindowApplication::tellSession);
     connect(&m_quitting, &MacQuitCoordinator::stateChanged, this, &WindowApplication::ask);

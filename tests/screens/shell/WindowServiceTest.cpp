@@ -2,14 +2,16 @@
 
 #include "core/CapabilityStore.h"
 
+#include <QGuiApplication>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
 
-/// What the service says works here, and when it is asked.
-class WindowCapabilitiesTest : public WindowFixture {};
+/// What goes between the window and its service without anybody waiting for it.
+class WindowServiceTest : public WindowFixture {};
 
-TEST_F(WindowCapabilitiesTest, AFailureAtTheStartIsNotTheLastWord) {
+TEST_F(WindowServiceTest, AFailureAtTheStartIsNotTheLastWord) {
     signInBefore();
     fault(R"({"route":"/app/capabilities","times":1,"status":503})");
     {
@@ -31,7 +33,7 @@ TEST_F(WindowCapabilitiesTest, AFailureAtTheStartIsNotTheLastWord) {
     EXPECT_TRUE(window.hides(u"还没有从服务读到功能清单"_s));
 }
 
-TEST_F(WindowCapabilitiesTest, WhoLooksAtTheSettingsAsks) {
+TEST_F(WindowServiceTest, WhoLooksAtTheSettingsAsks) {
     signInBefore();
     fault(R"({"route":"/app/capabilities","times":2,"status":503})");
     WindowDriver window(options());
@@ -40,6 +42,18 @@ TEST_F(WindowCapabilitiesTest, WhoLooksAtTheSettingsAsks) {
     ASSERT_EQ(window.scene().capabilities()->version(), 0);
     window.scene().navigation()->openSection(WindowNavigation::Section::Features);
     EXPECT_TRUE(window.shows(u"语音房 · 不可用"_s));
+}
+
+TEST_F(WindowServiceTest, WhatHappenedIsToldWhenNobodyLooksAnyMore) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    Telemetry *telemetry = window.program().application().telemetry();
+    ASSERT_TRUE(eventually([&] { return !telemetry->isFlushing(); }));
+    telemetry->record(u"stability.client.error"_s, {u"client"_s, u"c"_s});
+    ASSERT_FALSE(telemetry->queue().isEmpty());
+    Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+    EXPECT_TRUE(eventually([&] { return telemetry->queue().isEmpty(); }));
 }
 
 } // namespace lmp
