@@ -11,7 +11,10 @@
 #include "screens/gallery/GalleryKeychain.h"
 #include "screens/shell/WindowScene.h"
 
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QQuickItem>
+#include <QUrlQuery>
 
 namespace lmp {
 
@@ -126,6 +129,43 @@ std::function<void(GalleryStage &)> stageOf(RootView::Stage wanted, std::functio
         if (more)
             more(stage);
     };
+}
+
+/// The provider's page, as somebody with a new account uses it.
+void pickAtProvider(GalleryStage &stage) {
+    const QUrlQuery asked(QUrl(form(stage).providerLink()));
+    const auto base64 = QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals;
+    const QByteArray claims = R"({"nonce":")" + asked.queryItemValue(u"nonce"_s).toLatin1() + R"("})";
+    stage.service().answer(u"/sandbox/google/token"_s,
+                           {.body = R"({"id_token":"head.)" + claims.toBase64(base64) + R"(.signature"})"});
+    stage.service().reply(u"/api/app/auth/google"_s,
+                          AuthResponse{.userInfo = Fixtures::person(), .token = u"gallery"_s, .type = u"register"_s});
+    QUrl back(asked.queryItemValue(u"redirect_uri"_s, QUrl::FullyDecoded));
+    back.setQuery(QUrlQuery{{u"code"_s, u"c"_s}, {u"state"_s, asked.queryItemValue(u"state"_s)}});
+    stage.make<QNetworkAccessManager>().get(QNetworkRequest(back));
+}
+
+void toAccount(GalleryStage &stage) {
+    Fixtures::serve(stage.service(), 5);
+    stage.service().reply(
+        u"/api/app/handle/suggest"_s,
+        SuggestResp{.suggestions = {u"linjianwanfeng"_s, u"wanfeng_lin"_s, u"lin.evening"_s}, .current = {}});
+    Fixtures::toShell(stage);
+    stage.then([&stage] { stage.scene().navigation()->openSection(WindowNavigation::Section::Account); });
+}
+
+/// The sheet for another handle, with `input` in it that can be had.
+void handleSheet(GalleryStage &stage, const QString &input) {
+    toAccount(stage);
+    stage.service().reply(
+        u"/api/app/handle/check"_s,
+        CheckResp{.available = true, .reason = {}, .handle = input, .twinHandle = input + u".twin"_s});
+    stage.press(u"换一个"_s);
+    stage.until(u"the suggestions"_s, [&stage] { return !handle(stage).suggestions().isEmpty(); });
+    if (input.isEmpty())
+        return;
+    stage.type(input);
+    stage.until(u"the check"_s, [&stage] { return handle(stage).isAvailable(); });
 }
 
 } // namespace
@@ -288,8 +328,44 @@ QList<GalleryScene> AccountScenes::firstTime() {
             {u"handle-not-saved"_s, stageOf(HandleSetup, notSaved)}};
 }
 
+QList<GalleryScene> AccountScenes::signedIn() {
+    const auto newAccount = [](GalleryStage &stage) {
+        filled(SignInModel::Mode::Sms, [](SignInModel &form) { form.signInWithGoogle(); })(stage);
+        stage.until(u"the provider's page"_s, [&stage] { return !form(stage).providerLink().isEmpty(); });
+        stage.then([&stage] { pickAtProvider(stage); });
+        Fixtures::passBy(stage);
+        stage.until(u"the notice"_s, [&stage] { return stage.visibleItem(u"NewAccountNotice"_s) != nullptr; });
+    };
+    const auto saved = [](GalleryStage &stage) {
+        handleSheet(stage, u"wanfeng_lin"_s);
+        stage.then([&stage] {
+            stage.service().answer(u"/api/app/handle"_s,
+                                   {.body = R"({"handle":"wanfeng_lin","note":"一年可以改一次。"})"});
+        });
+        stage.press(u"保存"_s);
+        stage.until(u"the answer"_s, [&stage] { return !handle(stage).savedText().isEmpty(); });
+    };
+    const auto discarding = [](GalleryStage &stage) {
+        handleSheet(stage, u"wanfeng_lin"_s);
+        stage.press(u"取消"_s);
+        stage.until(u"the question"_s, [&stage] { return stage.control(u"继续填写"_s) != nullptr; });
+    };
+    const auto signingOut = [](GalleryStage &stage) {
+        toAccount(stage);
+        stage.press(u"退出登录"_s);
+    };
+    return {{u"account-new"_s, newAccount},
+            {u"account-handle"_s,
+             [](GalleryStage &stage) {
+                 handleSheet(stage, {});
+             }},
+            {u"account-handle-saved"_s, saved},
+            {u"account-handle-discard"_s, discarding},
+            {u"account-sign-out"_s, signingOut}};
+}
+
 QList<GalleryScene> AccountScenes::all() {
-    return launching() + signingIn() + trying() + firstTime();
+    return launching() + signingIn() + trying() + firstTime() + signedIn();
 }
 
 } // namespace lmp

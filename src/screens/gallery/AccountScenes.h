@@ -4,7 +4,7 @@
 
 namespace lmp {
 
-/// The screens before somebody is signed in, and those that come once after it.
+/// The screens before somebody is signed in, those that come once after it, and what is done about an account.
 class AccountScenes {
 public:
     static QList<GalleryScene> all();
@@ -14,6 +14,7 @@ private:
     static QList<GalleryScene> signingIn();
     static QList<GalleryScene> trying();
     static QList<GalleryScene> firstTime();
+    static QList<GalleryScene> signedIn();
 };
 
 } // namespace lmp

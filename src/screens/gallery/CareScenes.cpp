@@ -25,13 +25,15 @@ std::function<void(GalleryStage &)> told(const QByteArray &closing, std::functio
     };
 }
 
-QByteArray crisis(bool verified) {
-    return R"({"done":true,"pipCharged":0,"balance":950,"requestId":"r1","safety":{"crisis":true,"layer":"acute",
+QByteArray crisis(bool verified, const QByteArray &more = {}, const QByteArray &police = "110") {
+    return R"({"done":true,"pipCharged":0,"balance":950,"requestId":"r1",)" + more +
+           R"("safety":{"crisis":true,"layer":"acute",
         "region":"CN","assumedRegion":true,"guidance":"听起来你现在很难受。先不用一个人扛着，可以打给愿意听你说的人。",
         "resourcesVerified":)" +
            QByteArray(verified ? "true" : "false") +
            R"(,"resources":[{"label":"心理援助热线","phone":"12356"},{"label":"急救","phone":"120"},
-        {"label":"报警","phone":"110"}]}})";
+        {"label":"报警","phone":")" +
+           police + R"("}]}})";
 }
 
 /// The crisis page, from the sign-in screen.
@@ -76,17 +78,30 @@ QList<GalleryScene> CareScenes::all() {
         })(stage);
         stage.until(u"the failure"_s, [&stage] { return !stage.scene().crisis()->errorText().isEmpty(); });
     };
+    const auto refused = [isCrisis](GalleryStage &stage) {
+        told(crisis(true, {}, "110\\u202e;ext=0"), isCrisis)(stage);
+        stage.press(u"拨打"_s);
+        stage.until(u"the refusal"_s, [&stage] { return !stage.scene().safety()->crisisMessage().isEmpty(); });
+    };
+    const auto both = [](SafetyModel &safety) {
+        return safety.crisisOpen() && safety.continuousUseOpen();
+    };
     const auto loading = page([](GalleryService &service) { service.stall(u"/api/app/crisis-resources"_s); });
-    return {{u"care-crisis-card"_s, told(crisis(true), isCrisis)},
-            {u"care-crisis-card-without-numbers"_s, told(crisis(false), isCrisis)},
-            {u"care-continuous-use"_s,
-             told(R"({"done":true,"pipCharged":3,"balance":950,"requestId":"r1","continuousUse":{"minutes":65,
+    return {
+        {u"care-crisis-card"_s, told(crisis(true), isCrisis)},
+        {u"care-crisis-card-without-numbers"_s, told(crisis(false), isCrisis)},
+        {u"care-call-refused"_s, refused},
+        {u"care-both-cards"_s,
+         told(crisis(true, R"("continuousUse":{"minutes":65,"message":"已经聊了一个多小时了，起来走走，喝口水？"},)"),
+              both)},
+        {u"care-continuous-use"_s,
+         told(R"({"done":true,"pipCharged":3,"balance":950,"requestId":"r1","continuousUse":{"minutes":65,
                   "message":"已经聊了一个多小时了，起来走走，喝口水？我在这里等你。"}})",
-                  isContinuousUse)},
-            {u"care-page"_s, answered(numbers)},
-            {u"care-page-unverified"_s, answered(unverified)},
-            {u"care-page-failed"_s, failed},
-            {u"care-page-loading"_s, loading}};
+              isContinuousUse)},
+        {u"care-page"_s, answered(numbers)},
+        {u"care-page-unverified"_s, answered(unverified)},
+        {u"care-page-failed"_s, failed},
+        {u"care-page-loading"_s, loading}};
 }
 
 } // namespace lmp

@@ -7,6 +7,8 @@
 #include <QQmlComponent>
 #include <QQuickItem>
 
+#include <ranges>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -30,6 +32,19 @@ QQuickItem *findVisible(QQuickItem *below, const QString &type) {
             return found;
     }
     return nullptr;
+}
+
+/// What is drawn last is in front.
+QQuickItem *findControl(QQuickItem *below, const QString &text) {
+    if (!below || !below->isVisible())
+        return nullptr;
+    const auto children = below->childItems();
+    for (auto *child : std::views::reverse(children)) {
+        if (auto *found = findControl(child, text))
+            return found;
+    }
+    const bool acts = below->metaObject()->indexOfSignal("clicked()") >= 0;
+    return acts && below->isEnabled() && below->property("text").toString() == text ? below : nullptr;
 }
 
 } // namespace
@@ -115,6 +130,14 @@ void GalleryStage::type(const QString &text) {
     });
 }
 
+void GalleryStage::press(const QString &text) {
+    until(u"a control: "_s + text, [this, text] { return control(text) != nullptr; });
+    then([this, text] {
+        if (auto *found = control(text))
+            QMetaObject::invokeMethod(found, "clicked");
+    });
+}
+
 QQuickWindow *GalleryStage::window() const {
     return m_program ? m_program->window() : m_window.get();
 }
@@ -126,6 +149,10 @@ QQmlEngine &GalleryStage::engine() {
 
 QQuickItem *GalleryStage::visibleItem(const QString &type) const {
     return window() ? findVisible(window()->contentItem(), type) : nullptr;
+}
+
+QQuickItem *GalleryStage::control(const QString &text) const {
+    return window() ? findControl(window()->contentItem(), text) : nullptr;
 }
 
 void GalleryStage::setLook(bool dark, qreal scale) {

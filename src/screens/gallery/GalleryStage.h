@@ -56,6 +56,8 @@ public:
     void until(const QString &what, std::function<bool()> reached);
     /// Types `text` where the keyboard is, once it is in a field.
     void type(const QString &text);
+    /// Presses the control with `text` that is in front, once there is one.
+    void press(const QString &text);
 
     /// The window; null before one is shown.
     QQuickWindow *window() const;
@@ -63,6 +65,8 @@ public:
     QQmlEngine &engine();
     /// The first item of a type ("ChatPage", "LMPSheet") that is there and visible; null without one.
     QQuickItem *visibleItem(const QString &type) const;
+    /// The control with `text` that is in front and can be used; null without one.
+    QQuickItem *control(const QString &text) const;
     /// Puts the theme into a look, and the choices of the running program with it.
     void setLook(bool dark, qreal scale);
 
