@@ -40,7 +40,7 @@ public:
     bool canSend() const { return isOpen() && !isSending() && !isExhausted() && !m_input.trimmed().isEmpty(); }
     bool isExhausted() const { return m_trial && m_trial->isExhausted(); }
     static QString exhaustedText();
-    /// How many rounds are left; "—" while that is not known.
+    /// How many rounds are left; empty before the trial is open.
     QString roundsText() const;
     /// What the service says about the trial; may be empty.
     QString note() const { return m_trial ? m_trial->note() : QString(); }

@@ -8,6 +8,8 @@ LMPPage {
 
     required property GuestModel guest
     required property CrisisResourcesModel resources
+    /// Rounds from before this page came up.
+    readonly property int known: root.guest.turns.rowCount()
 
     signal closed
     signal crisisRequested
@@ -64,6 +66,7 @@ LMPPage {
             model: root.guest.turns
 
             delegate: GuestRound {
+                known: root.known
                 width: parent ? parent.width : 0
             }
         }
