@@ -20,6 +20,10 @@ void HandleModel::setInput(const QString &input) {
     m_setup->setInput(input);
 }
 
+QString HandleModel::current() const {
+    return PlainLabel::line(m_setup->current().value_or(QString()));
+}
+
 bool HandleModel::canSave() const {
     return !input().trimmed().isEmpty() && !isSaving() && !isChecking() && (!m_setup->check() || isAvailable());
 }

@@ -34,7 +34,7 @@ public:
     void setInput(const QString &input);
     QStringList suggestions() const { return m_setup->suggestions(); }
     /// The handle as the service knows it; empty without one.
-    QString current() const { return m_setup->current().value_or(QString()); }
+    QString current() const;
     bool isChecking() const { return m_setup->isChecking(); }
     bool isSaving() const { return m_setup->isSaving(); }
     /// A check that could not be made does not keep anybody from saving: the service decides then.

@@ -69,7 +69,7 @@ QString SessionModel::notice() const {
 
 QString SessionModel::userId() const {
     const auto &user = m_services.auth.user();
-    return user ? user->id : QString();
+    return user ? PlainLabel::line(user->id) : QString();
 }
 
 QString SessionModel::userName() const {
