@@ -30,8 +30,18 @@ const QList<DialCode> &dialCodes() {
     return codes;
 }
 
+/// Digits of any script as those that the service knows: an input method may give wide ones.
+QString plainDigits(QString text) {
+    for (QChar &c : text) {
+        if (c.isDigit())
+            c = QChar(char16_t(u'0' + c.digitValue()));
+    }
+    return text;
+}
+
 /// A code out of what was typed or pasted: a whole message often comes along with it.
-QString codeIn(const QString &text) {
+QString codeIn(const QString &typed) {
+    const QString text = plainDigits(typed);
     QString bare = text;
     bare.removeIf([](QChar c) { return c.isSpace(); });
     const auto plain = [](QChar c) {

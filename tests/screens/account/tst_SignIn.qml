@@ -124,6 +124,7 @@ ScreenTest {
 
     function test_aCodeIsFoundInWhatWasPasted_data() {
         return [
+            {tag: "wide", pasted: "４８２ ９１３", code: "482913"},
             {tag: "message", pasted: "【某某】验证码：482913，5分钟内有效。", code: "482913"},
             {tag: "blanks", pasted: " 482 913\n", code: "482913"},
             {tag: "letters", pasted: "A1B2C3", code: "A1B2C3"},
