@@ -12,10 +12,10 @@ T.ScrollBar {
     visible: root.policy !== T.ScrollBar.AlwaysOff && root.size < 1
 
     contentItem: Rectangle {
-        color: root.pressed ? Theme.text3 : Theme.borderStrong
+        // Plain to be seen at rest, too: nothing else says that there is more.
+        color: root.pressed || root.hovered ? Theme.text3 : Theme.borderStrong
         implicitHeight: Theme.dp(6)
         implicitWidth: Theme.dp(6)
-        opacity: root.pressed || root.hovered ? 1 : root.active ? 0.8 : 0.45
         radius: Theme.dp(3)
     }
 }
