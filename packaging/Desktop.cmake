@@ -13,6 +13,7 @@ file(RELATIVE_PATH launcher /${CMAKE_INSTALL_BINDIR} /${LMP_PROGRAM_DIR}/lumenpa
 file(CREATE_LINK ${launcher} ${CMAKE_CURRENT_BINARY_DIR}/lumenpair SYMBOLIC)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lumenpair DESTINATION ${CMAKE_INSTALL_BINDIR})
 
+install(FILES copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/lumenpair)
 install(FILES ${LMP_APP_ID}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${LMP_APP_ID}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 set(theme ${CMAKE_INSTALL_DATADIR}/icons/hicolor)

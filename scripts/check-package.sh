@@ -49,6 +49,8 @@ programs = "usr/libexec/lumenpair/"
 for path in (
     programs + "lumenpair",
     *(programs + "lumenpair-" + name for name in ("guardian", "sandbox", "terminal", "window")),
+    programs + "lumenpair-audio.so",
+    "usr/share/doc/lumenpair/copyright",
     "usr/bin/lumenpair -> ../libexec/lumenpair/lumenpair",
     "usr/share/applications/com.tolvey.lumenpair.desktop",
     "usr/share/metainfo/com.tolvey.lumenpair.metainfo.xml",

@@ -33,7 +33,7 @@ SettingsPart {
         LMPText {
             color: Theme.text2
             kind: LMPText.Caption
-            text: "用到的自由软件：Qt（LGPL-3.0）、QCoro（MIT）、QtKeychain（BSD-3-Clause）、Boost（BSL-1.0）、MD4C（MIT）、ICU（Unicode-3.0）。各自的许可证文本随它们的软件包提供。"
+            text: "用到的自由软件：Qt（LGPL-3.0）、QCoro（MIT）、QtKeychain（BSD-3-Clause）、Boost（BSL-1.0）、MD4C（MIT）、ICU（Unicode-3.0）、RE2（BSD-3-Clause）、SQLite（公有领域）、SQLiteCpp（MIT）、CLI11（BSD-3-Clause）、libedit（BSD-3-Clause）、cpp-httplib（MIT）、OpenSSL（Apache-2.0）。各自的许可证文本随它们的软件包或本程序的软件包提供。"
             width: parent.width
         }
     }
