@@ -5,9 +5,6 @@ import Lumenpair.Kit
 Column {
     id: root
 
-    required property int index
-    /// How many rounds there were when the page came up: those have been read.
-    property int known: 0
     required property string message
     required property string reply
     required property string stardust
@@ -21,8 +18,7 @@ Column {
 
     LMPText {
         Accessible.name: "分身：" + root.reply
-        // What appears as an alert is read out, with the keyboard where it is.
-        Accessible.role: root.index < root.known ? Accessible.StaticText : Accessible.AlertMessage
+        Accessible.role: Accessible.StaticText
         kind: LMPText.Chat
         text: root.reply
         width: parent.width

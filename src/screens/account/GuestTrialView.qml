@@ -66,8 +66,12 @@ LMPPage {
             model: root.guest.turns
 
             delegate: GuestRound {
-                known: root.known
                 width: parent ? parent.width : 0
+            }
+
+            onItemAdded: (index, item) => {
+                if (index >= root.known)
+                    announcer.announce((item as GuestRound).reply);
             }
         }
 
@@ -81,6 +85,10 @@ LMPPage {
             running: root.guest.sending
             text: "正在回复……"
         }
+    }
+
+    LMPAnnouncer {
+        id: announcer
     }
 
     LMPBusy {
