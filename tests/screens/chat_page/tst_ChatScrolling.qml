@@ -128,7 +128,7 @@ Item {
             tryCompare(test.page.composer, "hint", text);
             keyClick(Qt.Key_End);
             tryCompare(test.page.composer, "hint", "");
-            verify(test.reads(test.transcript, text));
+            test.awaitText(test.transcript, text);
         }
 
         function test_scrollingBackTakesHoldAgain() {
