@@ -117,8 +117,10 @@ FocusScope {
     Keys.onPressed: event => event.accepted = root.takeKey(event.key, event.modifiers)
 
     // What depends on it may change the height of the view, and with that what is in sight.
-    Binding on endSeen {
+    Binding {
         delayed: true
+        property: "endSeen"
+        target: root
         value: {
             const last = rows.itemAt(rows.count - 1) as TranscriptRow;
             return scroll.following || (last !== null && last.seen);

@@ -18,22 +18,26 @@ Item {
         return false;
     }
 
-    /// What can take it and has most of its surroundings in common with `hidden`: what follows, or else what is before.
-    function nearest(hidden: Item): Item {
-        const near = [hidden.nextItemInFocusChain(true), hidden.nextItemInFocusChain(false)];
-        for (let at = hidden.parent; at; at = at.parent) {
-            const found = at.visible ? near.find(item => item && item.visible && root.isIn(item, at)) : undefined;
-            if (found)
-                return found;
-        }
-        return null;
+    /// Whether it went to `heir`, which can take it and is in the same surroundings.
+    function goesTo(heir: Item, surroundings: Item, reason: int): bool {
+        if (!heir || !heir.visible || !root.isIn(heir, surroundings))
+            return false;
+        heir.forceActiveFocus(reason);
+        return true;
     }
 
+    /// To what has most of its surroundings in common with what is hidden: what follows, or else what is before.
     function passOn(): void {
         const hidden = root.holder;
-        const heir = hidden && !hidden.visible ? root.nearest(hidden) : null;
-        if (heir)
-            heir.forceActiveFocus(InputKeys.reasonOf(hidden));
+        if (!hidden || hidden.visible)
+            return;
+        const reason = InputKeys.reasonOf(hidden);
+        const next = hidden.nextItemInFocusChain(true);
+        const previous = hidden.nextItemInFocusChain(false);
+        for (let at = hidden.parent; at; at = at.parent) {
+            if (at.visible && (root.goesTo(next, at, reason) || root.goesTo(previous, at, reason)))
+                return;
+        }
     }
 
     Connections {

@@ -26,7 +26,11 @@ bool WindowFixture::typesIncognito(WindowDriver &window) {
     if (!window.enterShell())
         return false;
     window.scene().startConversation(true);
-    if (!eventually([&] { return window.find(u"LMPComposer"_s) != nullptr; }))
+    const auto takesText = [&] {
+        const auto *composer = window.find(u"LMPComposer"_s);
+        return composer && composer->hasActiveFocus();
+    };
+    if (!eventually(takesText))
         return false;
     window.type(u"只在这里说"_s);
     return true;
