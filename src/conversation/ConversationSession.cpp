@@ -101,6 +101,7 @@ void ConversationSession::close() {
 
 QCoro::Task<Result<void>> ConversationSession::load(QString id, Copy copy) {
     const QPointer self(this);
+    const auto before = m_conversation && m_conversation->id == id ? m_draft : nullptr;
     leave();
     const auto generation = m_generation;
     Q_EMIT opened();
@@ -109,13 +110,15 @@ QCoro::Task<Result<void>> ConversationSession::load(QString id, Copy copy) {
     // What the disk has refused is newer than what the disk has.
     const auto left = m_left.find(m_userId, id);
     std::optional<ConversationDraftCache::Entry> draft;
+    const auto seen = std::make_shared<bool>(left.has_value());
     if (left) {
         m_draft = left->draft;
         draft.emplace().snapshot = left->snapshot;
     } else {
         auto read = co_await PoolAwaiter(
-            [drafts = m_drafts, user = m_userId, id, ours = m_draft] {
+            [drafts = m_drafts, user = m_userId, id, ours = m_draft, before, seen] {
                 auto there = drafts.read(user, id);
+                *seen = before && *before && there && *there && **before == (*there)->writeId;
                 *ours = there && *there ? std::optional((*there)->writeId) : std::nullopt;
                 return there;
             },
@@ -135,6 +138,9 @@ QCoro::Task<Result<void>> ConversationSession::load(QString id, Copy copy) {
     // An id with '&' or '#' in it asks for another conversation than it names.
     if (answer && answer->conversation.id != id)
         co_return notOpened(ConversationTexts::anotherConversation());
+    // Another window may have gone on with it since: only what was in sight here is anybody's to give up.
+    if (draft && !*seen)
+        copy = Copy::Local;
     adopt(answer ? std::optional(answer->conversation) : std::nullopt, draft, copy);
     m_left.remove(m_userId, id);
     if (!self || m_generation != generation)

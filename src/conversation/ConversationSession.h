@@ -25,7 +25,7 @@ public:
     /// Which copy to open when this machine holds unsaved changes that the service's copy does not.
     enum class Copy {
         Local,   ///< the local one, marked as in conflict when the service's has moved on
-        Service, ///< the service's; the local one is given up, so only at the person's own word
+        Service, ///< the service's; the local one that is open is given up, so only at the person's own word
     };
 
     ConversationSession(ConversationService service, ConversationDraftCache drafts, ConversationAccount account,

@@ -326,6 +326,14 @@ TEST_F(ConversationSessionTest, SavedAsNewItIsOutOfAConflict) {
 TEST_F(ConversationSessionTest, TheServicesCopyAtThePersonsWord) {
     keepDraft(3, {u"1"_s, u"2"_s});
     serve(4, stored("9"));
+    ASSERT_TRUE(await(session.load(u"c"_s)));
+    ASSERT_TRUE(await(session.preserve()));
+    // Another window goes on with it.
+    keepDraft(3, {u"1"_s, u"2"_s, u"3"_s});
+    ASSERT_TRUE(await(session.load(u"c"_s, ConversationSession::Copy::Service)));
+    EXPECT_EQ(session.conversation()->messages.size(), 3) << "nobody has given up what was not in sight";
+    EXPECT_TRUE(session.conflicted());
+    ASSERT_TRUE(await(session.preserve()));
     ASSERT_TRUE(await(session.load(u"c"_s, ConversationSession::Copy::Service)));
     EXPECT_EQ(message(0).id, u"9"_s);
     EXPECT_FALSE(session.conflicted());
