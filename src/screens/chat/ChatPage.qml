@@ -101,6 +101,7 @@ FocusScope {
                 if (root.chat.restoreMessage(messageId))
                     root.focusInput();
             }
+            onEndTaken: root.focusInput()
             onReplyEnded: words => announcer.announce(words)
         }
         EmptyConversation {

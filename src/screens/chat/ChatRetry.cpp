@@ -16,6 +16,7 @@ ChatRetry::ChatRetry(ConversationSession &session, ChatWithTwinView &view, Messa
     , m_messages(messages)
     , m_inputs(inputs) {
     connect(&m_view, &ChatWithTwinView::retryEnded, this, &ChatRetry::onEnded);
+    connect(&m_inputs, &ComposerInputs::replaced, this, &ChatRetry::onEdited);
 }
 
 void ChatRetry::onOpened() {

@@ -37,6 +37,8 @@ FocusScope {
     readonly property bool replyGrows: root.growingRow !== null && root.growingRow.streaming
 
     signal editRequested(string messageId)
+    /// Somebody asked for the end with the button, which is gone with that.
+    signal endTaken
     /// A reply that grew is complete, or as complete as it will be.
     signal replyEnded(string words)
 
@@ -87,6 +89,11 @@ FocusScope {
         }
         return false;
     }
+    /// What comes while somebody is at a message does not move it.
+    function letGo() {
+        if (root.chat.sending)
+            scroll.letGo();
+    }
     function noteGrowth(row: TranscriptRow): void {
         if (row.streaming)
             root.growingRow = row;
@@ -111,7 +118,7 @@ FocusScope {
         const control = root.focusedRow ? root.focusItem as T.Control : null;
         if (control && control.visualFocus) {
             scroll.reveal(control);
-            scroll.letGo();
+            root.letGo();
         }
     }
     Keys.onPressed: event => event.accepted = root.takeKey(event.key, event.modifiers)
@@ -199,7 +206,7 @@ FocusScope {
     // Whoever marks a text, or goes through it with the keyboard, wants it to stay.
     Connections {
         function onCursorPositionChanged() {
-            scroll.letGo();
+            root.letGo();
         }
 
         ignoreUnknownSignals: true
@@ -290,10 +297,14 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.dp(12)
         anchors.horizontalCenter: parent.horizontalCenter
+        focusPolicy: Qt.TabFocus
         kind: LMPButton.Secondary
         text: scroll.newBelow ? "↓ 新内容" : "↓ 回到最新"
         visible: !scroll.following && (scroll.newBelow || !root.messages.atEnd || root.distanceToEnd > flick.height)
 
-        onClicked: root.hold()
+        onClicked: {
+            root.hold();
+            root.endTaken();
+        }
     }
 }

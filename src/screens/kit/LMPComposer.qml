@@ -8,7 +8,7 @@ import "inputKeys.js" as InputKeys
 /// Enter sends what is there (`submitted`), Shift+Enter breaks the line; Esc stops, only while `busy`. What is submitted
 /// while `busy` is the owner's to hold back, and to say why in `hint`. While an input method composes, none of these does
 /// anything, and nothing here touches the text. `text` belongs to the owner, who clears it when the message was taken
-/// over: what was typed is never lost to a send that failed. The keyboard stays in the text, whatever is clicked here.
+/// over: what was typed is never lost to a send that failed. A click on its button leaves the keyboard in the text.
 FocusScope {
     id: root
 

@@ -3,12 +3,15 @@ import QtQuick.Window
 import "inputKeys.js" as InputKeys
 
 /// Passes the keyboard on when what has it is hidden. Left to itself it would stay there, with no ring to be seen, and a
-/// field would go on taking what is typed. It goes to what is nearest; a screen that knows better gives it away itself
-/// when it hides the item. One for each window.
+/// field would go on taking what is typed. It goes to what is nearest, or, where a click had brought it and no ring would
+/// tell where it is now, to nothing that acts. A screen that knows better gives it away itself when it hides the item. One
+/// for each window.
 Item {
     id: root
 
     readonly property Item holder: root.Window.activeFocusItem
+    /// What had it while it was to be seen.
+    property Item seen
 
     function isIn(item: Item, outer: Item): bool {
         for (let at = item; at; at = at.parent) {
@@ -32,12 +35,24 @@ Item {
         if (!hidden || hidden.visible)
             return;
         const reason = InputKeys.reasonOf(hidden);
+        if (reason === Qt.MouseFocusReason) {
+            hidden.focus = false;
+            return;
+        }
         const next = hidden.nextItemInFocusChain(true);
         const previous = hidden.nextItemInFocusChain(false);
         for (let at = hidden.parent; at; at = at.parent) {
             if (at.visible && (root.goesTo(next, at, reason) || root.goesTo(previous, at, reason)))
                 return;
         }
+    }
+
+    onHolderChanged: {
+        // The window comes to the front again, and it was hidden behind the others.
+        if (root.holder && root.holder === root.seen)
+            Qt.callLater(root.passOn); // qmllint disable type
+        if (root.holder)
+            root.seen = root.holder.visible ? root.holder : null;
     }
 
     Connections {

@@ -115,7 +115,7 @@ T.Popup {
             root.remember(root.parent ? root.parent.Window.activeFocusItem : null);
     }
     onClosed: {
-        if (root.before && !root.outrun())
+        if (root.before && root.before.visible && !root.outrun())
             root.before.forceActiveFocus(root.beforeReason);
         root.before = null;
     }

@@ -114,7 +114,7 @@ void WindowScene::openConversation(const QString &id) {
 }
 
 void WindowScene::followToConversation(const QString &id) {
-    const bool stops = m_chat->sending() && id != m_chat->conversationId();
+    const bool stops = !m_chat->isIdle() && id != m_chat->conversationId();
     // That question says what else is lost.
     if (stops && !losesIncognito())
         m_questions.askToLeave(WindowQuestions::Leaving::Reply, [this, id] { openConversation(id); });
@@ -129,9 +129,9 @@ void WindowScene::replaceConversation(std::function<void()> how) {
     const auto go = [this, how = std::move(how)] {
         if (m_stage != Stage::Shell)
             return;
-        const bool stops = m_chat->sending() && !m_chat->incognito();
+        const bool stops = !m_chat->isIdle() && !m_chat->incognito();
         how();
-        if (stops && !m_chat->sending())
+        if (stops && m_chat->isIdle())
             setNotice(ConversationTexts::leftReply());
         else if (m_notice == ConversationTexts::leftReply())
             closeNotice();

@@ -9,6 +9,8 @@ Item {
     height: 700
     width: 900
 
+    LMPFocusKeeper {}
+
     ChatCase {
         id: test
 

@@ -10,6 +10,8 @@ Item {
     height: 600
     width: 900
 
+    LMPFocusKeeper {}
+
     ChatCase {
         id: test
 
@@ -109,9 +111,11 @@ Item {
             test.finishTurn();
             test.compareTop(before);
 
-            test.press(test.page, "↓ 新内容");
+            test.button(test.page, "↓ 新内容").forceActiveFocus(Qt.TabFocusReason);
+            keyClick(Qt.Key_Return);
             tryCompare(test.transcript, "distanceToEnd", 0);
             verify(test.transcript.following);
+            verify(test.page.composer.activeFocus, "the button is gone, and the keyboard is where one types");
             test.beginTurn("再来", "好。\n\n");
             test.grow();
             compare(test.transcript.distanceToEnd, 0);

@@ -114,6 +114,8 @@ TestCase {
 
         LMPButton {
             text: "前"
+
+            onClicked: ++root.presses
         }
 
         LMPTextField {
@@ -240,6 +242,17 @@ TestCase {
         verify(ofGroup(), "to what stands beside it");
         keyClick("b");
         compare(going.text, "a");
+        going.visible = true;
+
+        // Whoever clicked sees no ring, and must not press what they did not choose.
+        mouseClick(going);
+        const editor = root.Window.window.activeFocusItem;
+        going.visible = false;
+        tryVerify(() => !editor.activeFocus);
+        keyClick("c");
+        keyClick(Qt.Key_Return);
+        compare(going.text, "a");
+        compare(root.presses, 0);
         going.visible = true;
 
         // Who hides it and gives the keyboard somewhere has the last word.
