@@ -36,7 +36,9 @@ TwinReplyRetry::TwinReplyRetry(ConversationSession &session, QObject *parent)
     : QObject(parent)
     , m_session(session) {
     connect(&session, &ConversationSession::opened, this, [this] {
-        m_unconfirmed.clear();
+        // What goes on under another name was not read anew.
+        if (!m_session.isActive())
+            m_unconfirmed.clear();
         abandon();
     });
 }

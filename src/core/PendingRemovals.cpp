@@ -26,11 +26,11 @@ void PendingRemovals::add(const QString &account) {
 
 void PendingRemovals::drop(const QString &account) {
     QStringList all = accounts();
-    if (all.removeAll(account) == 0)
-        return;
-    if (all.isEmpty())
+    const bool known = all.removeAll(account) > 0;
+    // Another process may have noted it since these were read.
+    if (m_settings && all.isEmpty())
         m_settings->remove(removalsKey);
-    else
+    else if (known)
         m_settings->setValue(removalsKey, all.join(u'\n').toUtf8());
 }
 
