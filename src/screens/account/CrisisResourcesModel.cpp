@@ -4,14 +4,15 @@
 #include "core/PlainLabel.h"
 #include "identity/CrisisRegion.h"
 #include "identity/CrisisTexts.h"
-#include "screens/account/Dialler.h"
 
 namespace lmp {
 
 CrisisResourcesModel::CrisisResourcesModel(APIClient api, ExternalOpener &opener, QObject *parent)
     : QObject(parent)
     , m_service(std::move(api))
-    , m_opener(opener) {}
+    , m_dialler(opener) {
+    connect(&m_dialler, &Dialler::messageChanged, this, &CrisisResourcesModel::changed);
+}
 
 QString CrisisResourcesModel::entry() {
     return CrisisTexts::entry();
@@ -91,20 +92,7 @@ void CrisisResourcesModel::chooseRegion(int index) {
 }
 
 void CrisisResourcesModel::dial(const QString &number) {
-    detach(dialNow(number), "CrisisResourcesModel::dial");
-}
-
-QCoro::Task<> CrisisResourcesModel::dialNow(QString number) {
-    const QPointer self(this);
-    const auto dialled = ++m_dialled;
-    // What was said of the call before: said anew, it is noticed.
-    if (!std::exchange(m_dialMessage, {}).isEmpty())
-        Q_EMIT changed();
-    QString message = co_await Dialler::dial(m_opener, number);
-    if (!self || dialled != m_dialled)
-        co_return;
-    m_dialMessage = std::move(message);
-    Q_EMIT changed();
+    m_dialler.dial(number);
 }
 
 void CrisisResourcesModel::close() {
@@ -115,11 +103,10 @@ void CrisisResourcesModel::close() {
 
 void CrisisResourcesModel::drop() {
     ++m_generation;
-    ++m_dialled;
     m_loading = false;
     m_answer.reset();
     m_error.clear();
-    m_dialMessage.clear();
+    m_dialler.forget();
     m_numbers.setRecords({});
 }
 

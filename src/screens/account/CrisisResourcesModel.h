@@ -2,6 +2,7 @@
 
 #include "identity/CrisisResourcesService.h"
 #include "screens/account/CrisisNumber.h"
+#include "screens/account/Dialler.h"
 #include "screens/kit/RecordListModel.h"
 
 #include <QStringList>
@@ -56,7 +57,7 @@ public:
     QString withoutNumbers() const;
     QString errorText() const { return m_error; }
     /// What became of the last call; empty when the telephone took it.
-    QString dialMessage() const { return m_dialMessage; }
+    QString dialMessage() const { return m_dialler.message(); }
     QAbstractItemModel *numbers() { return &m_numbers; }
 
     /// Asks for the chosen region; also again after a failure.
@@ -72,18 +73,15 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> loadNow();
-    QCoro::Task<> dialNow(QString number);
     void drop();
 
     CrisisResourcesService m_service;
-    ExternalOpener &m_opener;
+    Dialler m_dialler;
     quint64 m_generation = 0;
-    quint64 m_dialled = 0; ///< calls, and ends of what was said of them
     int m_region = 0;
     bool m_loading = false;
     std::optional<CrisisResourcesService::Resp> m_answer;
     QString m_error;
-    QString m_dialMessage;
     RecordListModel<CrisisNumber> m_numbers;
 };
 

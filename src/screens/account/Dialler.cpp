@@ -1,8 +1,11 @@
 #include "screens/account/Dialler.h"
 
+#include "core/Detach.h"
 #include "core/PlainLabel.h"
 #include "identity/CrisisTexts.h"
 #include "platform/ExternalOpener.h"
+
+#include <QPointer>
 
 #include <algorithm>
 
@@ -23,11 +26,33 @@ bool Dialler::mayDial(const QString &phone) {
            std::ranges::all_of(phone, [](QChar c) { return isDigit(c) || u"+- "_s.contains(c); });
 }
 
-QCoro::Task<QString> Dialler::dial(ExternalOpener &opener, QString phone) {
-    if (!mayDial(phone))
-        co_return u"这一条里有不能拨的字符，所以没有拨：%1。请核对之后用手机拨。"_s.arg(PlainLabel::line(phone));
-    if (!co_await opener.openAndHear(CrisisTexts::dialURL(phone)))
-        co_return u"这台电脑没能拨出去，请用手机拨：%1。"_s.arg(phone);
+void Dialler::dial(const QString &number) {
+    detach(dialNow(number), "Dialler::dial");
+}
+
+void Dialler::forget() {
+    m_message.clear();
+    ++m_calls;
+}
+
+QCoro::Task<> Dialler::dialNow(QString number) {
+    const QPointer self(this);
+    const auto call = ++m_calls;
+    // What was said of the call before: said anew, it is noticed.
+    if (!std::exchange(m_message, {}).isEmpty())
+        Q_EMIT messageChanged();
+    QString message = co_await this->call(number);
+    if (!self || call != m_calls)
+        co_return;
+    m_message = std::move(message);
+    Q_EMIT messageChanged();
+}
+
+QCoro::Task<QString> Dialler::call(QString number) {
+    if (!mayDial(number))
+        co_return u"这一条里有不能拨的字符，所以没有拨：%1。请核对之后用手机拨。"_s.arg(PlainLabel::line(number));
+    if (!co_await m_opener.openAndHear(CrisisTexts::dialURL(number)))
+        co_return u"这台电脑没能拨出去，请用手机拨：%1。"_s.arg(number);
     co_return QString();
 }
 

@@ -1,12 +1,8 @@
 #include "screens/account/SafetyModel.h"
 
-#include "core/Detach.h"
 #include "core/PlainLabel.h"
 #include "identity/CrisisRegion.h"
 #include "identity/CrisisTexts.h"
-#include "screens/account/Dialler.h"
-
-#include <QPointer>
 
 namespace lmp {
 
@@ -15,7 +11,8 @@ using namespace Qt::StringLiterals;
 SafetyModel::SafetyModel(SafetyGateStore &store, ExternalOpener &opener, QObject *parent)
     : QObject(parent)
     , m_store(store)
-    , m_opener(opener) {
+    , m_dialler(opener) {
+    connect(&m_dialler, &Dialler::messageChanged, this, &SafetyModel::changed);
     connect(&store, &SafetyGateStore::crisisChanged, this, &SafetyModel::onCrisis);
     connect(&store, &SafetyGateStore::continuousUseChanged, this, &SafetyModel::changed);
     onCrisis();
@@ -57,28 +54,14 @@ void SafetyModel::onCrisis() {
             numbers.push_back({resource.label, PlainLabel::line(resource.phone), {}, resource.phone});
     }
     m_numbers.setRecords(std::move(numbers));
-    m_message.clear();
-    ++m_dialled;
+    m_dialler.forget();
     Q_EMIT changed();
     if (crisisOpen())
         Q_EMIT crisisShown();
 }
 
 void SafetyModel::dial(const QString &number) {
-    detach(dialNow(number), "SafetyModel::dial");
-}
-
-QCoro::Task<> SafetyModel::dialNow(QString number) {
-    const QPointer self(this);
-    const auto dialled = ++m_dialled;
-    // What was said of the call before: said anew, it is noticed.
-    if (!std::exchange(m_message, {}).isEmpty())
-        Q_EMIT changed();
-    QString message = co_await Dialler::dial(m_opener, number);
-    if (!self || dialled != m_dialled)
-        co_return;
-    m_message = std::move(message);
-    Q_EMIT changed();
+    m_dialler.dial(number);
 }
 
 void SafetyModel::closeCrisis() {

@@ -2,9 +2,8 @@
 
 #include "identity/SafetyGateStore.h"
 #include "screens/account/CrisisNumber.h"
+#include "screens/account/Dialler.h"
 #include "screens/kit/RecordListModel.h"
-
-#include <QCoroTask>
 
 #include <QtQml/qqmlregistration.h>
 
@@ -44,7 +43,7 @@ public:
     QString crisisWithoutNumbers() const;
     QAbstractItemModel *crisisNumbers() { return &m_numbers; }
     /// What became of the last call; empty when the telephone took it.
-    const QString &crisisMessage() const { return m_message; }
+    const QString &crisisMessage() const { return m_dialler.message(); }
     bool continuousUseOpen() const { return m_store.continuousUse().has_value(); }
     static QString continuousUseTitle();
     QString continuousUseText() const;
@@ -61,13 +60,10 @@ Q_SIGNALS:
 
 private:
     void onCrisis();
-    QCoro::Task<> dialNow(QString number);
 
     SafetyGateStore &m_store;
-    ExternalOpener &m_opener;
+    Dialler m_dialler;
     RecordListModel<CrisisNumber> m_numbers;
-    QString m_message;
-    quint64 m_dialled = 0; ///< calls, and ends of what was said of them
 };
 
 } // namespace lmp
