@@ -211,7 +211,7 @@ FocusScope {
                 onSubmitted: root.chat.send()
             }
         }
-        ReplyAnnouncer {
+        LMPAnnouncer {
             id: announcer
         }
     }
