@@ -17,11 +17,14 @@ LMPModal {
     property string title
     property bool unasked: false
 
+    /// Whether an answer counts now: neither before it could have been read nor after one was given.
+    readonly property bool listens: root.held && !unread.running
+
     signal chosen(int index)
     signal dismissed
 
     function choose(index: int): void {
-        if (unread.running)
+        if (!root.listens)
             return;
         root.close();
         root.chosen(index);
@@ -119,7 +122,7 @@ LMPModal {
             root.choose(root.escapeIndex);
             return;
         }
-        if (unread.running)
+        if (!root.listens)
             return;
         root.close();
         root.dismissed();

@@ -3,7 +3,8 @@ import QtQuick
 /// A sheet over the window: a title, content that scrolls when the window is low, and one primary action.
 ///
 /// The owner acts on `accepted` and closes the sheet itself when that worked. Esc, the cross and the second button
-/// close it and report `rejected`; where `hasTypedInput`, each asks before what was typed is lost.
+/// close it and report `rejected`; where `hasTypedInput`, each asks before what was typed is lost. On its way out it
+/// hears nothing any more.
 LMPModal {
     id: root
 
@@ -21,12 +22,19 @@ LMPModal {
 
     /// Closes as a person would: asks first where something would be lost.
     function dismiss(): void {
+        if (!root.held)
+            return;
         if (root.hasTypedInput) {
             question.active = true;
             (question.item as LMPDiscardDialog).open();
         } else {
             root.giveUp();
         }
+    }
+
+    function accept(): void {
+        if (root.held)
+            root.accepted();
     }
 
     function giveUp(): void {
@@ -83,7 +91,7 @@ LMPModal {
                 kind: LMPButton.Primary
                 text: root.primaryText
                 visible: root.primaryText !== ""
-                onClicked: root.accepted()
+                onClicked: root.accept()
             }
         }
     }

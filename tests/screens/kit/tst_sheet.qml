@@ -239,6 +239,35 @@ TestCase {
         tryCompare(uninvited, "visible", false);
     }
 
+    function test_oneAnswerToAQuestion() {
+        Theme.reducedMotion = false;
+        dialog.open();
+        tryCompare(dialog, "opened", true);
+        const button = Probe.inside(dialog.contentItem, "LMPButton_", "继续等待");
+        mouseClick(button);
+        verify(dialog.visible, "on its way out");
+        mouseClick(button);
+        keyClick(Qt.Key_Return);
+        keyClick(Qt.Key_Escape);
+        compare(chosen.count, 1);
+        tryCompare(dialog, "visible", false);
+        Theme.reducedMotion = true;
+    }
+
+    function test_aSheetOnItsWayOutHearsNothing() {
+        Theme.reducedMotion = false;
+        const button = Probe.inside(sheet.contentItem, "LMPButton_", "保存");
+        typed.text = "已经存好";
+        sheet.close();
+        verify(sheet.visible, "on its way out");
+        mouseClick(button);
+        keyClick(Qt.Key_Escape);
+        compare(accepted.count, 0);
+        tryCompare(sheet, "visible", false);
+        verify(outside.activeFocus, "no question about what is saved is left behind");
+        Theme.reducedMotion = true;
+    }
+
     function test_dialogAnswers() {
         dialog.open();
         tryCompare(dialog, "opened", true);

@@ -112,6 +112,15 @@ bool WindowDriver::click(const QString &name) {
     return true;
 }
 
+bool WindowDriver::listens() {
+    return eventually([&] {
+        // What a popup draws belongs to it.
+        return std::ranges::any_of(items(), [](const QQuickItem *item) {
+            return item->parent() && item->parent()->property("listens").toBool();
+        });
+    });
+}
+
 bool WindowDriver::shows(const QString &text) {
     return eventually([&] { return readable(text); });
 }

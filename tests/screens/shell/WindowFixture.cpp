@@ -1,7 +1,5 @@
 #include "WindowFixture.h"
 
-#include <QTest>
-
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -34,10 +32,6 @@ bool WindowFixture::typesIncognito(WindowDriver &window) {
         return false;
     window.type(u"只在这里说"_s);
     return true;
-}
-
-void WindowFixture::letQuestionListen() {
-    QTest::qWait(600);
 }
 
 void WindowFixture::signInBefore() {

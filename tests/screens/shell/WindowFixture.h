@@ -13,8 +13,6 @@ protected:
     WindowOptions options(const QString &link = {}) const;
     /// Somebody has said something that nobody keeps.
     static bool typesIncognito(WindowDriver &window);
-    /// A question that came unasked hears nothing in its first half second.
-    static void letQuestionListen();
     /// The next start finds somebody signed in.
     void signInBefore();
 

@@ -26,7 +26,7 @@ TEST_F(WindowIntrusionTest, AnOfferTakesNoKeyThatWasMeantForTheMessage) {
     ASSERT_TRUE(hasKeyboard(u"以后再说"_s));
     window.key(Qt::Key_Return);
     EXPECT_TRUE(updates->isAlertOpen()) << "it could not have been read yet";
-    letQuestionListen();
+    ASSERT_TRUE(window.listens());
     window.key(Qt::Key_Return);
     EXPECT_FALSE(updates->isAlertOpen());
     EXPECT_EQ(window.scene().chat()->input(), u"正在打字"_s);
@@ -62,7 +62,7 @@ TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
     follow(u"c_nobody_has"_s);
     ASSERT_TRUE(window.shows(u"停下正在写的回答？"_s));
     EXPECT_TRUE(chat->sending());
-    letQuestionListen();
+    ASSERT_TRUE(window.listens());
     ASSERT_TRUE(window.click(u"留在这里"_s));
     ASSERT_TRUE(window.hides(u"停下正在写的回答？"_s));
     EXPECT_TRUE(chat->sending());
@@ -70,7 +70,7 @@ TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
 
     follow(u"c_other"_s);
     ASSERT_TRUE(window.shows(u"停下正在写的回答？"_s));
-    letQuestionListen();
+    ASSERT_TRUE(window.listens());
     ASSERT_TRUE(window.click(u"停下并打开"_s));
     EXPECT_TRUE(eventually([&] { return chat->conversationId() == u"c_other"_s; }));
     EXPECT_FALSE(chat->sending());

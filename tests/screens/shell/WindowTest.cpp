@@ -227,7 +227,7 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
     // Keys of the window do nothing behind the question.
     window.key(Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(window.scene().navigation()->tab(), Tab::Now);
-    letQuestionListen();
+    ASSERT_TRUE(window.listens());
     ASSERT_TRUE(window.click(u"返回应用"_s));
     ASSERT_TRUE(window.hides(u"未执行输入尚未保存"_s));
     EXPECT_EQ(window.program().quitting().state(), MacQuitCoordinator::State::Idle);
@@ -235,7 +235,7 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
 
     window.key(Qt::Key_Q, Qt::ControlModifier);
     ASSERT_TRUE(window.shows(u"未执行输入尚未保存"_s));
-    letQuestionListen();
+    ASSERT_TRUE(window.listens());
     ASSERT_TRUE(window.click(u"重试保存并退出"_s));
     EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Warning; }));
     full = false;
@@ -398,7 +398,7 @@ TEST_F(WindowTest, AQuestionDoesNotGoWithItsWindow) {
     window.window().close();
     ASSERT_TRUE(eventually([&] { return &window.window() == first; }));
     EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
-    letQuestionListen();
+    ASSERT_TRUE(window.listens());
     ASSERT_TRUE(window.click(u"返回应用"_s));
     EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Idle; }));
 }
