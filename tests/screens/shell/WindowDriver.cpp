@@ -69,10 +69,16 @@ bool WindowDriver::enterShell() {
             root->finishOnboarding();
             root->finishHandleSetup();
         }
-        // With its keys, which come after the first frame.
-        return scene().stage() == WindowScene::Stage::Shell && scene().chat()->isOpen() && find(u"WindowExtras"_s) &&
+        return scene().stage() == WindowScene::Stage::Shell && scene().chat()->isOpen() && hearsKeys() &&
                (find(u"ChatPage"_s) || find(u"UnavailablePage"_s));
     });
+}
+
+bool WindowDriver::hearsKeys() {
+    // They are made piece by piece after the first frame, and what is not whole yet is in the window already.
+    constexpr int ready = 1; // QQuickLoader::Ready, whose header is not public
+    const QQuickItem *extras = find(u"WindowExtras"_s);
+    return extras && extras->parentItem()->property("status").toInt() == ready;
 }
 
 void WindowDriver::key(Qt::Key key, Qt::KeyboardModifiers modifiers) {

@@ -48,6 +48,8 @@ public:
     bool quits();
 
 private:
+    /// Whether the keys of the window are there.
+    bool hearsKeys();
     bool readable(const QString &text);
     QList<QQuickItem *> items() const;
     std::unique_ptr<WindowApplication> m_program;
