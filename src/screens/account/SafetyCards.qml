@@ -68,7 +68,7 @@ Item {
         height: Math.min(implicitContentHeight, windowHeight - 2 * Theme.space16)
         margins: 0
         width: Math.min(Theme.dp(560) + 2 * Theme.space16, windowWidth)
-        z: 1000
+        z: LMPModal.CareCard
 
         background: Item {
         }
@@ -79,11 +79,6 @@ Item {
             onRegionsRequested: page.open()
         }
 
-        // A sheet that opens meanwhile may not take the keyboard from under the card.
-        onActiveFocusChanged: {
-            if (!cards.activeFocus && cards.opened && !page.held)
-                Qt.callLater(cards.forceActiveFocus);
-        }
         onEscaped: {
             if (root.safety.crisisOpen)
                 (cards.contentItem as SafetyStack).pointOut();
@@ -102,7 +97,7 @@ Item {
         width: windowWidth
         x: 0
         y: 0
-        z: 1001
+        z: LMPModal.CarePage
 
         background: Item {
         }

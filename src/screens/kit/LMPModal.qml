@@ -7,6 +7,14 @@ import "inputKeys.js" as InputKeys
 T.Popup {
     id: root
 
+    /// What lies over what, from below: `z` is one of these. Within a layer the last to open is in front.
+    enum Layer {
+        Usual,
+        CareCard,
+        CarePage,
+        Leaving
+    }
+
     /// What a screen reader calls it, and what it reads with that.
     property string accessibleDescription
     property string accessibleName
@@ -45,16 +53,16 @@ T.Popup {
         return taker !== null && taker !== root.parent.Window.contentItem && !root.isInFront(taker);
     }
 
-    /// Whether `item` is in this or in another of the popups.
+    /// Whether `item` is in this or in a popup that may lie over it.
     function isInFront(item: Item): bool {
         for (let at = item; at; at = at.parent) {
-            if (at === root.parent)
-                return true;
+            if (at.parent === root.parent)
+                return at.z >= root.z;
         }
-        return false;
+        return item === root.parent;
     }
 
-    /// Takes the keyboard back from what is behind: a screen that comes up there may ask for it.
+    /// Takes the keyboard back from what is behind: what comes up there may ask for it.
     function keepKeyboard(): void {
         const taker = root.held && root.parent ? root.parent.Window.activeFocusItem : null;
         if (!taker || root.isInFront(taker))

@@ -12,6 +12,7 @@ LMPDialog {
     escapeIndex: 1
     text: "这个窗口里的输入暂未保存，窗口仍保持打开。请重试保存后再关闭。"
     title: "输入尚未保存"
+    z: LMPModal.Leaving
 
     Component.onCompleted: root.open()
     onChosen: index => {

@@ -15,6 +15,7 @@ LMPDialog {
     text: root.quitting.warningText
     title: root.quitting.warningMessage
     unasked: true
+    z: LMPModal.Leaving
 
     Component.onCompleted: root.open()
     onChosen: index => index === 0 ? root.quitting.retryAndQuit() : root.quitting.returnToApplication()

@@ -118,11 +118,13 @@ bool WindowDriver::click(const QString &name) {
     return true;
 }
 
-bool WindowDriver::listens() {
+bool WindowDriver::listens(const QString &question) {
     return eventually([&] {
         // What a popup draws belongs to it.
-        return std::ranges::any_of(items(), [](const QQuickItem *item) {
-            return item->parent() && item->parent()->property("listens").toBool();
+        return std::ranges::any_of(items(), [&](const QQuickItem *item) {
+            const QObject *popup = item->parent();
+            return popup && popup->property("title").toString().contains(question) &&
+                   popup->property("listens").toBool();
         });
     });
 }

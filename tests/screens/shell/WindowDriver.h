@@ -34,8 +34,9 @@ public:
     /// Clicks what is called so.
     bool click(const QString &name);
 
-    /// Waits for a question that takes answers: one that came unasked takes none in its first half second.
-    bool listens();
+    /// Waits until the question with this in its title takes answers: one that came unasked takes none in its first
+    /// half second.
+    bool listens(const QString &question);
 
     /// Whether a text that contains this can be read in the window, now or before long.
     bool shows(const QString &text);

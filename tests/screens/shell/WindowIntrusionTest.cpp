@@ -1,5 +1,7 @@
 #include "WindowFixture.h"
 
+#include <csignal>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -26,7 +28,7 @@ TEST_F(WindowIntrusionTest, AnOfferTakesNoKeyThatWasMeantForTheMessage) {
     ASSERT_TRUE(hasKeyboard(u"以后再说"_s));
     window.key(Qt::Key_Return);
     EXPECT_TRUE(updates->isAlertOpen()) << "it could not have been read yet";
-    ASSERT_TRUE(window.listens());
+    ASSERT_TRUE(window.listens(u"有新版本"_s));
     window.key(Qt::Key_Return);
     EXPECT_FALSE(updates->isAlertOpen());
     EXPECT_EQ(window.scene().chat()->input(), u"正在打字"_s);
@@ -39,6 +41,36 @@ TEST_F(WindowIntrusionTest, AnOfferTakesNoKeyThatWasMeantForTheMessage) {
     ASSERT_TRUE(hasKeyboard(u"好"_s));
     window.key(Qt::Key_Return);
     EXPECT_FALSE(updates->isAlertOpen());
+}
+
+TEST_F(WindowIntrusionTest, WhatEndsTheProgramIsAskedOverTheCrisisPageAndNothingElseIs) {
+    signInBefore();
+    WindowDriver window(options());
+    ASSERT_TRUE(window.enterShell());
+    const auto hasKeyboard = [&](const QString &button) {
+        return eventually([&] {
+            const QQuickItem *item = window.find(u"LMPButton"_s, button);
+            return item && item->hasActiveFocus();
+        });
+    };
+    window.scene().navigation()->openCrisis();
+    ASSERT_TRUE(window.shows(u"AI 不接手"_s));
+    fault(R"({"route":"/downloads/desktop/mac/latest.json","times":1,"status":404})");
+    window.scene().updates()->check(true);
+    ASSERT_TRUE(window.shows(u"更新通道尚未开通"_s));
+    settle();
+    EXPECT_FALSE(window.find(u"LMPButton"_s, u"好"_s)->hasActiveFocus()) << "nobody sees it";
+
+    const auto full = window.program().application().localInput().add([]() -> QCoro::Task<bool> { co_return false; });
+    ::raise(SIGTERM);
+    ASSERT_TRUE(hasKeyboard(u"返回应用"_s));
+    ASSERT_TRUE(window.listens(u"未执行输入尚未保存"_s));
+    ASSERT_TRUE(window.click(u"返回应用"_s));
+    ASSERT_TRUE(window.hides(u"未执行输入尚未保存"_s));
+    EXPECT_TRUE(window.scene().navigation()->crisisOpen());
+    window.key(Qt::Key_Escape);
+    EXPECT_TRUE(eventually([&] { return !window.scene().navigation()->crisisOpen(); })) << "it has the keyboard again";
+    EXPECT_TRUE(hasKeyboard(u"好"_s)) << "and then what waited behind it";
 }
 
 TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
@@ -62,7 +94,7 @@ TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
     follow(u"c_nobody_has"_s);
     ASSERT_TRUE(window.shows(u"停下正在写的回答？"_s));
     EXPECT_TRUE(chat->sending());
-    ASSERT_TRUE(window.listens());
+    ASSERT_TRUE(window.listens(u"停下正在写的回答？"_s));
     ASSERT_TRUE(window.click(u"留在这里"_s));
     ASSERT_TRUE(window.hides(u"停下正在写的回答？"_s));
     EXPECT_TRUE(chat->sending());
@@ -70,7 +102,7 @@ TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
 
     follow(u"c_other"_s);
     ASSERT_TRUE(window.shows(u"停下正在写的回答？"_s));
-    ASSERT_TRUE(window.listens());
+    ASSERT_TRUE(window.listens(u"停下正在写的回答？"_s));
     ASSERT_TRUE(window.click(u"停下并打开"_s));
     EXPECT_TRUE(eventually([&] { return chat->conversationId() == u"c_other"_s; }));
     EXPECT_FALSE(chat->sending());
@@ -91,16 +123,16 @@ TEST_F(WindowIntrusionTest, ALinkDoesNotTakeTheCrisisPageAway) {
     ASSERT_TRUE(window.enterShell());
     auto *navigation = window.scene().navigation();
     navigation->openCrisis();
-    ASSERT_TRUE(window.shows(u"真人热线置顶"_s));
+    ASSERT_TRUE(window.shows(u"AI 不接手"_s));
     for (const QString &link :
          {u"lumenpair://studio"_s, u"lumenpair://conversation/c_7"_s, u"lumenpair://object/mission/m"_s}) {
         window.program().takeOver({.arguments = {link}, .activationToken = {}});
         settle();
         EXPECT_TRUE(navigation->crisisOpen()) << link.toStdString();
-        EXPECT_TRUE(window.shows(u"真人热线置顶"_s)) << link.toStdString();
+        EXPECT_TRUE(window.shows(u"AI 不接手"_s)) << link.toStdString();
     }
     window.key(Qt::Key_Escape);
-    EXPECT_TRUE(window.hides(u"真人热线置顶"_s));
+    EXPECT_TRUE(window.hides(u"AI 不接手"_s));
     EXPECT_FALSE(navigation->crisisOpen());
     EXPECT_TRUE(window.shows(u"打不开这一项"_s)) << "where the last one led";
 }

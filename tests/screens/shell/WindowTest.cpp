@@ -1,4 +1,5 @@
 #include "WindowFixture.h"
+#include "identity/CrisisTexts.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -26,6 +27,10 @@ TEST_F(WindowTest, FromTheFirstStartToTheFirstReply) {
     window.key(Qt::Key_Return);
 
     ASSERT_TRUE(window.reaches(Stage::Migration));
+    ASSERT_TRUE(window.click(CrisisTexts::entry()));
+    ASSERT_TRUE(window.shows(u"AI 不接手"_s)) << "nobody has to come in first";
+    window.key(Qt::Key_Escape);
+    ASSERT_TRUE(window.hides(u"AI 不接手"_s));
     ASSERT_TRUE(window.click(u"看隐私说明"_s));
     ASSERT_TRUE(window.shows(u"求助热线页不用登录"_s));
     window.key(Qt::Key_Escape);
@@ -227,7 +232,7 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
     // Keys of the window do nothing behind the question.
     window.key(Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(window.scene().navigation()->tab(), Tab::Now);
-    ASSERT_TRUE(window.listens());
+    ASSERT_TRUE(window.listens(u"未执行输入尚未保存"_s));
     ASSERT_TRUE(window.click(u"返回应用"_s));
     ASSERT_TRUE(window.hides(u"未执行输入尚未保存"_s));
     EXPECT_EQ(window.program().quitting().state(), MacQuitCoordinator::State::Idle);
@@ -235,7 +240,7 @@ TEST_F(WindowTest, NothingTypedIsLostByLeaving) {
 
     window.key(Qt::Key_Q, Qt::ControlModifier);
     ASSERT_TRUE(window.shows(u"未执行输入尚未保存"_s));
-    ASSERT_TRUE(window.listens());
+    ASSERT_TRUE(window.listens(u"未执行输入尚未保存"_s));
     ASSERT_TRUE(window.click(u"重试保存并退出"_s));
     EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Warning; }));
     full = false;
@@ -398,7 +403,7 @@ TEST_F(WindowTest, AQuestionDoesNotGoWithItsWindow) {
     window.window().close();
     ASSERT_TRUE(eventually([&] { return &window.window() == first; }));
     EXPECT_TRUE(window.shows(u"未执行输入尚未保存"_s));
-    ASSERT_TRUE(window.listens());
+    ASSERT_TRUE(window.listens(u"未执行输入尚未保存"_s));
     ASSERT_TRUE(window.click(u"返回应用"_s));
     EXPECT_TRUE(eventually([&] { return window.program().quitting().state() == MacQuitCoordinator::State::Idle; }));
 }
@@ -432,7 +437,7 @@ TEST_F(WindowTest, LinksGoTheSameWayColdAndWarm) {
     {
         WindowDriver window(options(u"lumenpair://crisis"_s));
         // Nobody needs an account for this one.
-        EXPECT_TRUE(window.shows(u"真人热线置顶"_s));
+        EXPECT_TRUE(window.shows(u"AI 不接手"_s));
         // The form that comes up behind it wants the keyboard, and does not get it.
         ASSERT_TRUE(window.reaches(Stage::SignedOut));
         settle();
