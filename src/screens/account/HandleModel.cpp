@@ -5,6 +5,8 @@
 
 #include <QPointer>
 
+#include <utility>
+
 namespace lmp {
 
 using namespace Qt::StringLiterals;
@@ -69,11 +71,31 @@ QCoro::Task<> HandleModel::saveNow() {
     co_await setup->save();
     if (!self || !setup || setup != m_setup.get())
         co_return;
-    if (setup->message().isEmpty() && setup->saved())
+    if (setup->message().isEmpty() && setup->saved()) {
+        m_closed = false;
         Q_EMIT saved(setup->saved()->handle);
+    } else if (std::exchange(m_closed, false)) {
+        m_unseen = true;
+        Q_EMIT refusedUnseen(setup->message());
+    }
+}
+
+void HandleModel::open() {
+    m_closed = false;
+    if (isSaving() || std::exchange(m_unseen, false))
+        return;
+    restart();
+    load();
+}
+
+void HandleModel::close() {
+    m_closed = isSaving();
+    if (!m_closed)
+        restart();
 }
 
 void HandleModel::restart() {
+    m_closed = m_unseen = false;
     m_setup = std::make_unique<HandleSetup>(m_service, m_clock);
     connect(m_setup.get(), &HandleSetup::changed, this, &HandleModel::changed);
     Q_EMIT changed();

@@ -53,11 +53,17 @@ public:
     Q_INVOKABLE void save();
     /// Forgets the input and what was said to it.
     Q_INVOKABLE void restart();
+    /// Somebody looks: afresh, unless an answer is still to come or a refusal was not seen yet.
+    Q_INVOKABLE void open();
+    /// Nobody looks any more. What was sent is as good as saved: its answer is still heard.
+    Q_INVOKABLE void close();
 
 Q_SIGNALS:
     void changed();
     /// The service took the handle.
     void saved(const QString &handle);
+    /// The handle was not saved, and nobody was looking.
+    void refusedUnseen(const QString &message);
 
 private:
     QCoro::Task<> saveNow();
@@ -65,6 +71,8 @@ private:
     AuthService m_service;
     Clock &m_clock;
     std::unique_ptr<HandleSetup> m_setup;
+    bool m_closed = false; ///< while an answer is still to come
+    bool m_unseen = false; ///< a refusal
 };
 
 } // namespace lmp

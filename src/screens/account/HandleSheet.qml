@@ -15,18 +15,9 @@ LMPSheet {
     primaryText: root.saved ? "" : "保存"
     secondaryText: root.saved ? "好" : "取消"
     title: "主页名"
-    onAboutToShow: {
-        if (root.handle.saving)
-            return;
-        root.handle.restart();
-        root.handle.load();
-    }
+    onAboutToShow: root.handle.open()
     onAccepted: root.handle.save()
-    onClosed: {
-        // What was sent is as good as saved: its answer is still to be heard.
-        if (!root.handle.saving)
-            root.handle.restart();
-    }
+    onClosed: root.handle.close()
     onOpened: form.focusFirst()
     onSavedChanged: {
         // The button that saved is gone.

@@ -62,7 +62,7 @@ QString SessionModel::verificationMessage() const {
 QString SessionModel::notice() const {
     if (m_noticeClosed)
         return {};
-    return m_signOutNotice.isEmpty() ? m_services.auth.notice() : m_signOutNotice;
+    return m_notice.isEmpty() ? m_services.auth.notice() : m_notice;
 }
 
 // Who
@@ -115,8 +115,11 @@ HandleModel *SessionModel::handle() {
         m_handle = new HandleModel(m_services.auth.service(), m_services.clock, this);
         connect(m_handle, &HandleModel::saved, this, [this](const QString &handle) {
             m_savedHandle = handle;
+            m_notice.clear();
             Q_EMIT changed();
         });
+        connect(m_handle, &HandleModel::refusedUnseen, this,
+                [this](const QString &message) { say(u"主页名没有存下：%1"_s.arg(message)); });
     }
     return m_handle;
 }
@@ -125,7 +128,7 @@ HandleModel *SessionModel::handle() {
 
 void SessionModel::onGeneration() {
     m_savedHandle.clear();
-    m_signOutNotice.clear();
+    m_notice.clear();
     m_newAccount.reset();
     m_noticeClosed = false;
     if (m_handle)
@@ -163,7 +166,14 @@ void SessionModel::closeNewAccountNotice() {
     Q_EMIT changed();
 }
 
+void SessionModel::say(const QString &notice) {
+    m_notice = notice;
+    m_noticeClosed = false;
+    Q_EMIT changed();
+}
+
 void SessionModel::closeNotice() {
+    m_notice.clear();
     m_noticeClosed = true;
     Q_EMIT changed();
 }
@@ -198,8 +208,9 @@ QCoro::Task<> SessionModel::watchSignOut() {
         co_return;
     m_signingOut = false;
     if (!done && generation == m_services.auth.authenticationGeneration())
-        m_signOutNotice = u"钥匙串没有回答，登录可能还留在里面。"_s;
-    Q_EMIT changed();
+        say(u"钥匙串没有回答，登录可能还留在里面。"_s);
+    else
+        Q_EMIT changed();
 }
 
 } // namespace lmp

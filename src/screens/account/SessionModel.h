@@ -88,6 +88,7 @@ Q_SIGNALS:
 
 private:
     void onPhase();
+    void say(const QString &notice);
     void onGeneration();
     QCoro::Task<> watchSignOut();
 
@@ -97,7 +98,7 @@ private:
     HandleModel *m_handle = nullptr;
     std::optional<LoginModel::NewAccountNotice> m_newAccount;
     QString m_savedHandle;
-    QString m_signOutNotice;
+    QString m_notice; ///< of its own, before what the sign-in says
     bool m_noticeClosed = false;
     bool m_signingOut = false;
 };
