@@ -6,10 +6,12 @@ import Lumenpair.Kit
 CenteredPane {
     id: root
 
+    required property CrisisResourcesModel resources
     required property SessionModel session
     readonly property HandleModel handle: root.session.handle
     readonly property bool saved: root.handle.savedText !== ""
 
+    signal crisisRequested
     signal finished
 
     Component.onCompleted: {
@@ -79,6 +81,12 @@ CenteredPane {
                 onClicked: root.finished()
             }
         }
+    }
+
+    CrisisEntry {
+        resources: root.resources
+        width: parent.width
+        onClicked: root.crisisRequested()
     }
 
     onSavedChanged: {

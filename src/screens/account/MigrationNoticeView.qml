@@ -6,8 +6,10 @@ import Lumenpair.Kit
 CenteredPane {
     id: root
 
+    required property CrisisResourcesModel resources
     required property SessionModel session
 
+    signal crisisRequested
     signal finished
     signal privacyRequested
 
@@ -62,5 +64,11 @@ CenteredPane {
                 onClicked: root.privacyRequested()
             }
         }
+    }
+
+    CrisisEntry {
+        resources: root.resources
+        width: parent.width
+        onClicked: root.crisisRequested()
     }
 }

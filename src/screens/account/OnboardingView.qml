@@ -1,10 +1,12 @@
 import QtQuick
+import Lumenpair.Account
 import Lumenpair.Kit
 
 /// Three short steps that say what this is and what it is not.
 CenteredPane {
     id: root
 
+    required property CrisisResourcesModel resources
     property int step: 0
     readonly property bool last: root.step === root.steps.length - 1
     readonly property list<string> headings: ["和你的分身说话", "它记得什么，你看得到", "花了多少，存在哪里"]
@@ -14,6 +16,7 @@ CenteredPane {
         "有的回复要花 Pip：花了多少写在回复下面，还剩多少写在对话上面，不知道的写「—」。对话存在服务器上；这台电脑只留草稿、缓存和几项设置，登录信息放在系统钥匙串里（有的话）。"
     ]
 
+    signal crisisRequested
     signal finished
 
     maximumWidth: 480
@@ -82,5 +85,11 @@ CenteredPane {
                 }
             }
         }
+    }
+
+    CrisisEntry {
+        resources: root.resources
+        width: parent.width
+        onClicked: root.crisisRequested()
     }
 }

@@ -11,7 +11,9 @@ FocusScope {
     MigrationNoticeView {
         anchors.fill: parent
         focus: true
+        resources: root.scene.crisis
         session: root.scene.session
+        onCrisisRequested: root.scene.navigation.openCrisis()
         onFinished: root.scene.rootView.finishMigrationNotice()
         onPrivacyRequested: root.scene.rootView.showPrivacyFromNotice = true
     }

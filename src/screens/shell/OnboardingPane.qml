@@ -11,6 +11,8 @@ FocusScope {
     OnboardingView {
         anchors.fill: parent
         focus: true
+        resources: root.scene.crisis
+        onCrisisRequested: root.scene.navigation.openCrisis()
         onFinished: root.scene.rootView.finishOnboarding()
     }
 }

@@ -167,6 +167,22 @@ ScreenTest {
         test.press("换一个");
         tryVerify(() => test.hasKeyboard(test.field("主页名")));
         compare(Bench.session.handle.input, "", "the next time begins anew");
+
+        // One that is refused by then is told of, and waits with its reason.
+        test.type("主页名", "lan");
+        test.check(200, '{"available":true}');
+        test.awaitText("可以用");
+        Bench.hold("/api/app/handle");
+        test.press("保存");
+        tryVerify(() => Bench.session.handle.saving);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => test.field("主页名") === null);
+        Bench.release(409, '{"message":"刚被别人取走了"}');
+        tryVerify(() => Bench.session.notice.startsWith("主页名没有存下："));
+        test.press("换一个");
+        tryVerify(() => test.hasKeyboard(test.field("主页名")));
+        compare(Bench.session.handle.input, "lan");
+        verify(test.shows(Bench.session.handle.errorText));
     }
 
     function test_firstStepsEndAtTheFirst() {
@@ -211,6 +227,7 @@ ScreenTest {
             id: view
 
             anchors.fill: parent
+            resources: Bench.resources
             session: Bench.session
             Component.onCompleted: finishes.target = view
         }
@@ -221,6 +238,7 @@ ScreenTest {
 
         OnboardingView {
             anchors.fill: parent
+            resources: Bench.resources
         }
     }
 
