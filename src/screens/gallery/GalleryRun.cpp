@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QImage>
+#include <QRegularExpression>
 
 #include <cstdio>
 #include <unordered_set>
@@ -41,6 +42,15 @@ const QList<GalleryRun::Look> &GalleryRun::everyLook() {
                                     {.name = u"dark-100"_s, .dark = true},
                                     {.name = u"dark-130"_s, .dark = true, .scale = 1.3}};
     return all;
+}
+
+std::optional<GalleryRun::Look> GalleryRun::lookOf(const QString &name) {
+    static const QRegularExpression form(u"^(light|dark)-(\\d{2,3})$"_s);
+    const auto match = form.match(name);
+    const int percent = match.captured(2).toInt();
+    if (percent < 85 || percent > 160)
+        return std::nullopt;
+    return Look{.name = name, .dark = match.captured(1) == u"dark", .scale = percent / 100.0};
 }
 
 GalleryRun::GalleryRun(QString folder, QList<GalleryScene> scenes, QList<Look> looks)

@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <optional>
+
 namespace lmp {
 
 /// Draws scenes into a folder, one after another, each in every look, and says what is wrong with them.
@@ -19,7 +21,10 @@ public:
         bool dark = false;
         qreal scale = 1.0;
     };
+    /// The looks that are drawn when none is named.
     static const QList<Look> &everyLook();
+    /// The look of a name like "dark-85": light or dark, and a scale from 85 to 160 %. None for any other name.
+    static std::optional<Look> lookOf(const QString &name);
 
     /// @param folder exists
     GalleryRun(QString folder, QList<GalleryScene> scenes, QList<Look> looks);

@@ -1,5 +1,6 @@
 // lumenpair-gallery [--gallery] DIR [--look NAME]... [SCENE...]: draws every screen and state into DIR, without a
-// display. A scene is named whole or by its beginning; a look is light-100, light-130, dark-100 or dark-130.
+// display. A scene is named whole or by its beginning; a look is light or dark with a scale from 85 to 160 %, as
+// light-100 or dark-130.
 
 #include "screens/gallery/AccountScenes.h"
 #include "screens/gallery/CareScenes.h"
@@ -52,11 +53,12 @@ int main(int argc, char **argv) {
     words.replaceInStrings(QRegularExpression(u"^--gallery(=|$)"_s), QString());
     words.removeAll(QString());
     QList<lmp::GalleryRun::Look> looks;
-    for (auto at = words.indexOf(u"--look"_s); at >= 0 && at + 1 < words.size(); at = words.indexOf(u"--look"_s)) {
-        for (const auto &look : lmp::GalleryRun::everyLook()) {
-            if (look.name == words[at + 1])
-                looks << look;
-        }
+    for (auto at = words.indexOf(u"--look"_s); at >= 0; at = words.indexOf(u"--look"_s)) {
+        const auto look = lmp::GalleryRun::lookOf(words.value(at + 1));
+        if (!look)
+            return complain(
+                u"没有这样的外观：%1。可以是 light-100、dark-130 等，85 到 160。"_s.arg(words.value(at + 1)));
+        looks << *look;
         words.remove(at, 2);
     }
     if (words.isEmpty())
