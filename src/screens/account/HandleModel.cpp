@@ -56,10 +56,6 @@ QString HandleModel::savedText() const {
     return note.isEmpty() ? text : text + u'\n' + note;
 }
 
-void HandleModel::load() {
-    detach(m_setup->loadSuggestions(), "HandleSetup::loadSuggestions");
-}
-
 void HandleModel::save() {
     if (canSave())
         detach(saveNow(), "HandleModel::save");
@@ -72,30 +68,29 @@ QCoro::Task<> HandleModel::saveNow() {
     if (!self || !setup || setup != m_setup.get())
         co_return;
     if (setup->message().isEmpty() && setup->saved()) {
-        m_closed = false;
         Q_EMIT saved(setup->saved()->handle);
-    } else if (std::exchange(m_closed, false)) {
+    } else if (m_views == 0) {
         m_unseen = true;
-        Q_EMIT refusedUnseen(setup->message());
+        Q_EMIT unseenRefusal(setup->message());
     }
 }
 
 void HandleModel::open() {
-    m_closed = false;
-    if (isSaving() || std::exchange(m_unseen, false))
-        return;
-    restart();
-    load();
+    ++m_views;
+    if (std::exchange(m_unseen, false)) {
+        Q_EMIT unseenRefusal({});
+    } else if (m_views == 1 && !isSaving()) {
+        restart();
+        detach(m_setup->loadSuggestions(), "HandleSetup::loadSuggestions");
+    }
 }
 
 void HandleModel::close() {
-    m_closed = isSaving();
-    if (!m_closed)
-        restart();
+    --m_views;
 }
 
 void HandleModel::restart() {
-    m_closed = m_unseen = false;
+    m_unseen = false;
     m_setup = std::make_unique<HandleSetup>(m_service, m_clock);
     connect(m_setup.get(), &HandleSetup::changed, this, &HandleModel::changed);
     Q_EMIT changed();

@@ -48,22 +48,21 @@ public:
     /// The handle that was saved, and what the service says to it; empty before.
     QString savedText() const;
 
-    /// Asks for suggestions.
-    Q_INVOKABLE void load();
+    /// A view is shown, which closes it once: the first begins afresh, unless an answer is still to come or a refusal
+    /// was not seen yet. Several share one input.
+    Q_INVOKABLE void open();
+    /// A view is gone, or on its way out. What was sent is as good as saved: its answer is still heard.
+    Q_INVOKABLE void close();
     Q_INVOKABLE void save();
     /// Forgets the input and what was said to it.
-    Q_INVOKABLE void restart();
-    /// Somebody looks: afresh, unless an answer is still to come or a refusal was not seen yet.
-    Q_INVOKABLE void open();
-    /// Nobody looks any more. What was sent is as good as saved: its answer is still heard.
-    Q_INVOKABLE void close();
+    void restart();
 
 Q_SIGNALS:
     void changed();
     /// The service took the handle.
     void saved(const QString &handle);
-    /// The handle was not saved, and nobody was looking.
-    void refusedUnseen(const QString &message);
+    /// Why the handle was not saved, when no view was there to say so; empty once one is.
+    void unseenRefusal(const QString &message);
 
 private:
     QCoro::Task<> saveNow();
@@ -71,7 +70,7 @@ private:
     AuthService m_service;
     Clock &m_clock;
     std::unique_ptr<HandleSetup> m_setup;
-    bool m_closed = false; ///< while an answer is still to come
+    int m_views = 0;
     bool m_unseen = false; ///< a refusal
 };
 

@@ -14,8 +14,12 @@ CenteredPane {
     signal crisisRequested
     signal finished
 
+    Component.onDestruction: {
+        if (root.handle)
+            root.handle.close();
+    }
     Component.onCompleted: {
-        root.handle.load();
+        root.handle.open();
         form.focusFirst();
     }
 

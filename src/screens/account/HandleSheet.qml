@@ -8,6 +8,18 @@ LMPSheet {
 
     required property HandleModel handle
     readonly property bool saved: root.handle.savedText !== ""
+    /// From when it is asked to open until it is asked to close, or goes with its window.
+    property bool looking: false
+
+    function look(looking: bool): void {
+        if (root.looking === looking || !root.handle)
+            return;
+        root.looking = looking;
+        if (looking)
+            root.handle.open();
+        else
+            root.handle.close();
+    }
 
     hasTypedInput: root.handle.input !== "" && !root.saved && !root.handle.saving
     primaryBusy: root.handle.saving
@@ -15,9 +27,11 @@ LMPSheet {
     primaryText: root.saved ? "" : "保存"
     secondaryText: root.saved ? "好" : "取消"
     title: "主页名"
-    onAboutToShow: root.handle.open()
+
+    Component.onDestruction: root.look(false)
+    onAboutToHide: root.look(false)
+    onAboutToShow: root.look(true)
     onAccepted: root.handle.save()
-    onClosed: root.handle.close()
     onOpened: form.focusFirst()
     onSavedChanged: {
         // The button that saved is gone.

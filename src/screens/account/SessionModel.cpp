@@ -60,9 +60,9 @@ QString SessionModel::verificationMessage() const {
 }
 
 QString SessionModel::notice() const {
-    if (m_noticeClosed)
-        return {};
-    return m_notice.isEmpty() ? m_services.auth.notice() : m_notice;
+    if (!m_notice.isEmpty())
+        return m_notice;
+    return m_noticeClosed ? QString() : m_services.auth.notice();
 }
 
 // Who
@@ -115,11 +115,11 @@ HandleModel *SessionModel::handle() {
         m_handle = new HandleModel(m_services.auth.service(), m_services.clock, this);
         connect(m_handle, &HandleModel::saved, this, [this](const QString &handle) {
             m_savedHandle = handle;
-            m_notice.clear();
             Q_EMIT changed();
         });
-        connect(m_handle, &HandleModel::refusedUnseen, this,
-                [this](const QString &message) { say(u"主页名没有存下：%1"_s.arg(message)); });
+        connect(m_handle, &HandleModel::unseenRefusal, this, [this](const QString &message) {
+            say(message.isEmpty() ? QString() : u"主页名没有存下：%1"_s.arg(message));
+        });
     }
     return m_handle;
 }
@@ -168,13 +168,15 @@ void SessionModel::closeNewAccountNotice() {
 
 void SessionModel::say(const QString &notice) {
     m_notice = notice;
-    m_noticeClosed = false;
     Q_EMIT changed();
 }
 
 void SessionModel::closeNotice() {
-    m_notice.clear();
-    m_noticeClosed = true;
+    // The other has not been seen yet.
+    if (!m_notice.isEmpty())
+        m_notice.clear();
+    else
+        m_noticeClosed = true;
     Q_EMIT changed();
 }
 

@@ -297,6 +297,7 @@ QList<GalleryScene> AccountScenes::firstTime() {
         stage.service().reply(
             u"/api/app/handle/check"_s,
             CheckResp{.available = false, .reason = u"这个名字已经有人用了。"_s, .handle = {}, .twinHandle = {}});
+        stage.until(u"the form"_s, [&stage] { return stage.visibleItem(u"HandleForm"_s) != nullptr; });
         stage.then([&stage] { handle(stage).setInput(u"linjian"_s); });
         stage.until(u"the check"_s, [&stage] { return !handle(stage).errorText().isEmpty(); });
     };
@@ -305,6 +306,7 @@ QList<GalleryScene> AccountScenes::firstTime() {
                                                                     .reason = {},
                                                                     .handle = u"wanfeng_lin"_s,
                                                                     .twinHandle = u"wanfeng_lin.twin"_s});
+        stage.until(u"the form"_s, [&stage] { return stage.visibleItem(u"HandleForm"_s) != nullptr; });
         stage.then([&stage] { handle(stage).setInput(u"wanfeng_lin"_s); });
         stage.until(u"the check"_s, [&stage] { return handle(stage).isAvailable(); });
     };

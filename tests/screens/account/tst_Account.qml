@@ -2,6 +2,7 @@ import QtQuick
 import QtTest
 import Lumenpair.Account
 import Lumenpair.AccountBench
+import Lumenpair.Kit
 
 /// The launch screen, the handle, the first steps and the account's part of the settings.
 ScreenTest {
@@ -183,6 +184,24 @@ ScreenTest {
         tryVerify(() => test.hasKeyboard(test.field("主页名")));
         compare(Bench.session.handle.input, "lan");
         verify(test.shows(Bench.session.handle.errorText));
+        compare(Bench.session.notice, "", "it is seen now");
+
+        // Another window's sheet takes nothing away from this one.
+        Bench.session.handle.open();
+        Bench.session.handle.close();
+        compare(Bench.session.handle.input, "lan");
+
+        // Nobody reads what comes while the sheet fades.
+        Theme.reducedMotion = false;
+        Bench.hold("/api/app/handle");
+        const asked = Bench.count("/api/app/handle");
+        Bench.session.handle.save();
+        tryVerify(() => Bench.count("/api/app/handle") > asked);
+        keyClick(Qt.Key_Escape);
+        Bench.release(409, '{"message":"刚被别人取走了"}');
+        tryVerify(() => !Bench.session.handle.saving);
+        Theme.reducedMotion = true;
+        tryVerify(() => Bench.session.notice.startsWith("主页名没有存下："));
     }
 
     function test_firstStepsEndAtTheFirst() {
