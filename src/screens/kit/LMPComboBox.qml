@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import "popupLayers.js" as PopupLayers
 
 /// One of many, chosen from a list that opens below. `label` stands above it.
 FocusScope {
@@ -98,6 +99,8 @@ FocusScope {
                     currentIndex: box.highlightedIndex
                     model: box.delegateModel
                 }
+
+                onAboutToShow: box.popup.z = PopupLayers.layerOf(box, T.Overlay.overlay)
             }
 
             onActivated: index => root.activated(index)

@@ -4,8 +4,8 @@ import QtQuick
 /// back and never has the keyboard to begin with. Esc gives the answer `escapeIndex`, or, where there is none, only
 /// closes and reports `dismissed`.
 ///
-/// One that is `unasked` comes while somebody is at something else: what is pressed in its first half second was meant
-/// for that, and the keyboard comes to the answer that changes nothing.
+/// One that is `unasked` comes while somebody is at something else: what is pressed in the first half second that it can
+/// be seen was meant for that, and the keyboard comes to the answer that changes nothing.
 LMPModal {
     id: root
 
@@ -16,9 +16,10 @@ LMPModal {
     property string text
     property string title
     property bool unasked: false
+    property bool read: false
 
     /// Whether an answer counts now: neither before it could have been read nor after one was given.
-    readonly property bool listens: root.held && !unread.running
+    readonly property bool listens: root.held && (!root.unasked || root.read)
 
     signal chosen(int index)
     signal dismissed
@@ -51,10 +52,9 @@ LMPModal {
     width: Math.min(Theme.dp(440), root.windowWidth - 2 * Theme.space16)
 
     Timer {
-        id: unread
-
         interval: 500
-        running: root.unasked && root.visible
+        running: root.unasked && root.hasKeyboard && !root.read
+        onTriggered: root.read = true
     }
 
     LMPScrollView {
@@ -117,6 +117,7 @@ LMPModal {
         }
     }
 
+    onAboutToShow: root.read = false
     onEscaped: {
         if (root.escapeIndex >= 0) {
             root.choose(root.escapeIndex);

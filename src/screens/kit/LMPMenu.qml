@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import "inputKeys.js" as InputKeys
+import "popupLayers.js" as PopupLayers
 
 /// A menu of LMPMenuItem, opened with popup() or at a place of its parent. The keyboard goes back where it was, unless
 /// what was chosen has taken it.
@@ -46,6 +47,7 @@ T.Menu {
     }
 
     onAboutToShow: {
+        root.z = PopupLayers.layerOf(root.parent, T.Overlay.overlay);
         root.before = root.parent ? root.parent.Window.activeFocusItem : null;
         root.beforeReason = InputKeys.reasonOf(root.before);
     }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import "inputKeys.js" as InputKeys
+import "popupLayers.js" as PopupLayers
 
 /// What sheets and dialogs share: the middle of the window, a veil over the rest, and the keyboard kept inside while it
 /// is open and given back where it was when it closes. Esc is only reported (`escaped`): what it does is for the kind.
@@ -24,6 +25,8 @@ T.Popup {
     property int beforeReason: Qt.PopupFocusReason
     /// From when it is asked to open until it is asked to close.
     property bool held: false
+    /// It is open, and nothing lies over it: the keyboard is in it.
+    property bool hasKeyboard: false
     /// Gets the keys that nothing else took, so that long words can be read with the keyboard on a button.
     property Item scroller: null
     /// Tells of screens that take the keyboard, also while the window is not in front, where the popup hears of nothing.
@@ -53,21 +56,27 @@ T.Popup {
         return taker !== null && taker !== root.parent.Window.contentItem && !root.isInFront(taker);
     }
 
-    /// Whether `item` is in this or in a popup that may lie over it.
+    /// Whether `item` is in this or in a popup that lies over it.
     function isInFront(item: Item): bool {
-        for (let at = item; at; at = at.parent) {
-            if (at.parent === root.parent)
-                return at.z >= root.z;
-        }
-        return item === root.parent;
+        const popup = PopupLayers.popupOf(item, root.parent);
+        if (popup === null)
+            return item === root.parent;
+        const own = PopupLayers.popupOf(root.contentItem, root.parent);
+        return own === null || popup === own || PopupLayers.liesOver(popup, own, root.parent);
     }
 
     /// Takes the keyboard back from what is behind: what comes up there may ask for it.
     function keepKeyboard(): void {
         const taker = root.held && root.parent ? root.parent.Window.activeFocusItem : null;
+        const popup = taker ? PopupLayers.popupOf(taker, root.parent) : null;
+        root.hasKeyboard = popup !== null && popup === PopupLayers.popupOf(root.contentItem, root.parent);
         if (!taker || root.isInFront(taker))
             return;
-        root.remember(taker);
+        // What the person was at stays known, whichever popups come and go behind. Two that name each other would lose
+        // it.
+        const known = root.before !== null && root.before.visible;
+        if (taker !== root.parent.Window.contentItem && (popup === null || !known))
+            root.remember(taker);
         root.forceActiveFocus(Qt.PopupFocusReason);
     }
 
@@ -115,13 +124,14 @@ T.Popup {
         }
     }
 
-    onAboutToHide: root.held = false
+    onAboutToHide: root.held = root.hasKeyboard = false
     onAboutToShow: {
         root.held = true;
         // One that is opened again on its way out knows already, unless somebody has taken the keyboard since.
         if (!root.visible || root.outrun())
             root.remember(root.parent ? root.parent.Window.activeFocusItem : null);
     }
+    onOpened: root.keepKeyboard()
     onClosed: {
         if (root.before && root.before.visible && !root.outrun())
             root.before.forceActiveFocus(root.beforeReason);

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import "popupLayers.js" as PopupLayers
 
 /// A few words about what the pointer rests on or the keyboard is at.
 T.ToolTip {
@@ -25,4 +26,6 @@ T.ToolTip {
         kind: LMPText.Caption
         text: root.text
     }
+
+    onAboutToShow: root.z = PopupLayers.layerOf(root.parent, T.Overlay.overlay)
 }

@@ -15,8 +15,8 @@ LMPDialog {
     escapeIndex: 1
     text: ["这段对话的内容不会留下。要留的话，请先复制。", "关闭后，这段无痕对话将无法找回。要留的话，请先复制。", "退出后，这段无痕对话将无法找回。要留的话，请先复制。", "链接要打开另一段对话。现在打开，这里的回答会停止，收到的部分留在这里；这一轮是否扣费，请看账单。"][root.leaving]
     title: ["离开无痕对话？", "关闭窗口？", "退出 Lumenpair？", "停下正在写的回答？"][root.leaving]
-    unasked: root.leaving === WindowQuestions.Reply
-    z: root.unasked ? LMPModal.Usual : LMPModal.Leaving
+    unasked: root.scene.questions.leaveUnasked
+    z: root.leaving === WindowQuestions.Window || root.leaving === WindowQuestions.Program ? LMPModal.Leaving : LMPModal.Usual
 
     Component.onCompleted: root.open()
     onChosen: index => {

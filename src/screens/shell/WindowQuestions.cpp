@@ -14,8 +14,9 @@ void WindowQuestions::setCloseWarning(bool warning) {
         Q_EMIT changed();
 }
 
-void WindowQuestions::askToLeave(Leaving leaving, std::function<void()> how) {
+void WindowQuestions::askToLeave(Leaving leaving, std::function<void()> how, bool unasked) {
     m_leaving = leaving;
+    m_leaveUnasked = unasked;
     m_leave = std::move(how);
     Q_EMIT changed();
 }

@@ -21,6 +21,8 @@ class WindowQuestions : public QObject {
     /// What was asked for would put away a conversation that nobody keeps, or stop a reply, and what that is.
     Q_PROPERTY(bool leaveWarning READ leaveWarning NOTIFY changed)
     Q_PROPERTY(lmp::WindowQuestions::Leaving leaving READ leaving NOTIFY changed)
+    /// It came while the person was at something else, by a link.
+    Q_PROPERTY(bool leaveUnasked READ leaveUnasked NOTIFY changed)
 public:
     /// What leaves a conversation behind that nobody keeps: another one, closing the window, ending the program. And a
     /// link, which leaves a reply that is on its way.
@@ -35,8 +37,9 @@ public:
     void setCloseWarning(bool warning);
     bool leaveWarning() const { return bool(m_leave); }
     Leaving leaving() const { return m_leaving; }
+    bool leaveUnasked() const { return m_leaveUnasked; }
     /// Asks whether it may go, and does `how` if so. A question that is open gives way to this one.
-    void askToLeave(Leaving leaving, std::function<void()> how);
+    void askToLeave(Leaving leaving, std::function<void()> how, bool unasked = false);
     /// The answer to `leaveWarning`.
     Q_INVOKABLE void answerLeave(bool leave);
     /// There is nothing left to be lost: neither the question nor what waited for it.
@@ -54,6 +57,7 @@ private:
     bool m_closeWarning = false;
     std::function<void()> m_leave; ///< what waits for the answer to `leaveWarning`
     Leaving m_leaving = Leaving::Conversation;
+    bool m_leaveUnasked = false;
 };
 
 } // namespace lmp

@@ -114,15 +114,16 @@ void WindowScene::openConversation(const QString &id) {
 }
 
 void WindowScene::followToConversation(const QString &id) {
-    const bool stops = !m_chat->isIdle() && id != m_chat->conversationId();
-    // That question says what else is lost.
-    if (stops && !losesIncognito())
-        m_questions.askToLeave(WindowQuestions::Leaving::Reply, [this, id] { openConversation(id); });
-    else
+    if (id == m_chat->conversationId())
         openConversation(id);
+    // That question says what else is lost.
+    else if (m_chat->isIdle() || losesIncognito())
+        replaceConversation([this, id] { m_chat->load(id); }, true);
+    else
+        m_questions.askToLeave(WindowQuestions::Leaving::Reply, [this, id] { openConversation(id); }, true);
 }
 
-void WindowScene::replaceConversation(std::function<void()> how) {
+void WindowScene::replaceConversation(std::function<void()> how, bool unasked) {
     if (m_stage != Stage::Shell)
         return;
     m_navigation.setTab(WindowNavigation::Tab::Now);
@@ -138,7 +139,7 @@ void WindowScene::replaceConversation(std::function<void()> how) {
         Q_EMIT composerRequested();
     };
     if (losesIncognito())
-        m_questions.askToLeave(WindowQuestions::Leaving::Conversation, go);
+        m_questions.askToLeave(WindowQuestions::Leaving::Conversation, go, unasked);
     else
         go();
 }

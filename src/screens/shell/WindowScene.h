@@ -125,7 +125,7 @@ private:
     QList<SwitcherEntry> destinations() const;
     QCoro::Task<> save();
     /// Goes to another conversation, after asking where the one that is open would be lost.
-    void replaceConversation(std::function<void()> how);
+    void replaceConversation(std::function<void()> how, bool unasked = false);
     /// Goes where a link leads, after asking where a reply would be stopped by it: anybody can make a link.
     void followToConversation(const QString &id);
     void stepConversation(int step);

@@ -71,6 +71,19 @@ TEST_F(WindowIntrusionTest, WhatEndsTheProgramIsAskedOverTheCrisisPageAndNothing
     window.key(Qt::Key_Escape);
     EXPECT_TRUE(eventually([&] { return !window.scene().navigation()->crisisOpen(); })) << "it has the keyboard again";
     EXPECT_TRUE(hasKeyboard(u"好"_s)) << "and then what waited behind it";
+    window.key(Qt::Key_Return);
+    EXPECT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s)->hasActiveFocus(); })) << "and then the person";
+
+    // A link can wait, whatever it would put away.
+    ASSERT_TRUE(typesIncognito(window));
+    window.scene().navigation()->openCrisis();
+    ASSERT_TRUE(window.shows(u"AI 不接手"_s));
+    settle();
+    QQuickItem *before = window.window().activeFocusItem();
+    window.program().takeOver({.arguments = {u"lumenpair://conversation/c_other"_s}, .activationToken = {}});
+    ASSERT_TRUE(eventually([&] { return window.scene().questions()->leaveWarning(); }));
+    settle();
+    EXPECT_EQ(window.window().activeFocusItem(), before);
 }
 
 TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
