@@ -79,7 +79,7 @@ void HandleModel::open() {
     ++m_views;
     if (std::exchange(m_unseen, false)) {
         Q_EMIT unseenRefusal({});
-    } else if (m_views == 1 && !isSaving()) {
+    } else if (!isSaving() && (m_views == 1 || m_setup->saved())) {
         restart();
         detach(m_setup->loadSuggestions(), "HandleSetup::loadSuggestions");
     }

@@ -53,7 +53,7 @@ LMPModal {
 
     Timer {
         interval: 500
-        running: root.unasked && root.hasKeyboard && !root.read
+        running: root.unasked && root.inFront && !root.read
         onTriggered: root.read = true
     }
 

@@ -46,12 +46,15 @@ T.Menu {
     delegate: LMPMenuItem {
     }
 
+    Component.onDestruction: PopupLayers.leaveMenu(root)
     onAboutToShow: {
         root.z = PopupLayers.layerOf(root.parent, T.Overlay.overlay);
+        PopupLayers.enterMenu(root, T.Overlay.overlay);
         root.before = root.parent ? root.parent.Window.activeFocusItem : null;
         root.beforeReason = InputKeys.reasonOf(root.before);
     }
     onClosed: {
+        PopupLayers.leaveMenu(root);
         const window = root.before ? root.before.Window : null;
         if (window && [null, window.contentItem, root.before].includes(window.activeFocusItem))
             root.before.forceActiveFocus(root.beforeReason);

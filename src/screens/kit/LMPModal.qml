@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Lumenpair.Kit
 import "inputKeys.js" as InputKeys
 import "popupLayers.js" as PopupLayers
 
@@ -25,8 +26,10 @@ T.Popup {
     property int beforeReason: Qt.PopupFocusReason
     /// From when it is asked to open until it is asked to close.
     property bool held: false
-    /// It is open, and nothing lies over it: the keyboard is in it.
-    property bool hasKeyboard: false
+    /// It is open, and nothing that is open lies over it. It alone keeps the keyboard.
+    property bool inFront: false
+    /// It was, until it was asked to close.
+    property bool wasInFront: false
     /// Gets the keys that nothing else took, so that long words can be read with the keyboard on a button.
     property Item scroller: null
     /// Tells of screens that take the keyboard, also while the window is not in front, where the popup hears of nothing.
@@ -37,7 +40,7 @@ T.Popup {
             Qt.callLater(root.keepKeyboard); // qmllint disable type
         }
 
-        enabled: root.held
+        enabled: root.inFront
         target: root.parent ? root.parent.Window.window : null
     }
     readonly property real windowHeight: root.parent ? root.parent.height : 0
@@ -45,39 +48,47 @@ T.Popup {
 
     signal escaped
 
-    function remember(item: Item): void {
+    /// Where the person was. An item of another popup counts only while nothing else is known: two that name each other
+    /// would lose the rest.
+    function remember(item: Item, reason: int): void {
+        const popup = item ? PopupLayers.popupOf(item, root.parent) : null;
+        const known = root.before !== null && root.before.visible;
+        if (!item || (popup !== null && (known || root.owns(item))))
+            return;
         root.before = item;
-        root.beforeReason = InputKeys.reasonOf(item);
+        root.beforeReason = reason;
     }
 
-    /// Whether a screen behind was given the keyboard while this was on its way out.
-    function outrun(): bool {
-        const taker = root.parent ? root.parent.Window.activeFocusItem : null;
-        return taker !== null && taker !== root.parent.Window.contentItem && !root.isInFront(taker);
-    }
-
-    /// Whether `item` is in this or in a popup that lies over it.
-    function isInFront(item: Item): bool {
+    /// Whether `item` is in this, or in a list or menu over it.
+    function owns(item: Item): bool {
         const popup = PopupLayers.popupOf(item, root.parent);
-        if (popup === null)
-            return item === root.parent;
         const own = PopupLayers.popupOf(root.contentItem, root.parent);
-        return own === null || popup === own || PopupLayers.liesOver(popup, own, root.parent);
+        return popup !== null && own !== null && (popup === own || PopupLayers.liesOver(popup, own, root.parent));
     }
 
     /// Takes the keyboard back from what is behind: what comes up there may ask for it.
     function keepKeyboard(): void {
-        const taker = root.held && root.parent ? root.parent.Window.activeFocusItem : null;
-        const popup = taker ? PopupLayers.popupOf(taker, root.parent) : null;
-        root.hasKeyboard = popup !== null && popup === PopupLayers.popupOf(root.contentItem, root.parent);
-        if (!taker || root.isInFront(taker))
+        if (!root.inFront)
             return;
-        // What the person was at stays known, whichever popups come and go behind. Two that name each other would lose
-        // it.
-        const known = root.before !== null && root.before.visible;
-        if (taker !== root.parent.Window.contentItem && (popup === null || !known))
-            root.remember(taker);
+        const taker = LMPKeyboard.holder(root.parent);
+        if (taker && root.owns(taker))
+            return;
+        root.remember(taker, InputKeys.reasonOf(taker));
         root.forceActiveFocus(Qt.PopupFocusReason);
+    }
+
+    /// Gives the keyboard back, unless somebody else has been given it by now.
+    function giveBack(): void {
+        const next = PopupLayers.front(root.parent);
+        if (next)
+            next.remember(root.before, root.beforeReason);
+        const taker = LMPKeyboard.holder(root.parent);
+        const taken = taker !== null && taker.visible && PopupLayers.popupOf(taker, root.parent) === null;
+        const known = root.before !== null && root.before.visible;
+        if (known && (next ? root.wasInFront && next.owns(root.before) : !taken))
+            root.before.forceActiveFocus(root.beforeReason);
+        else if (next)
+            next.keepKeyboard();
     }
 
     T.Overlay.modal: Rectangle {
@@ -124,17 +135,29 @@ T.Popup {
         }
     }
 
-    onAboutToHide: root.held = root.hasKeyboard = false
-    onAboutToShow: {
-        root.held = true;
-        // One that is opened again on its way out knows already, unless somebody has taken the keyboard since.
-        if (!root.visible || root.outrun())
-            root.remember(root.parent ? root.parent.Window.activeFocusItem : null);
+    Component.onDestruction: PopupLayers.leave(root)
+    onAboutToHide: {
+        root.wasInFront = root.inFront;
+        root.held = false;
+        PopupLayers.settle(root.parent);
     }
-    onOpened: root.keepKeyboard()
+    onAboutToShow: {
+        if (!root.visible)
+            root.before = null;
+        PopupLayers.closeMenus(root);
+        const holder = LMPKeyboard.holder(root.parent);
+        root.remember(holder, InputKeys.reasonOf(holder));
+        root.held = true;
+        PopupLayers.enter(root);
+    }
     onClosed: {
-        if (root.before && root.before.visible && !root.outrun())
-            root.before.forceActiveFocus(root.beforeReason);
+        PopupLayers.leave(root);
+        root.giveBack();
         root.before = null;
+    }
+    onInFrontChanged: Qt.callLater(root.keepKeyboard) // qmllint disable type
+    onZChanged: {
+        if (root.held)
+            PopupLayers.settle(root.parent);
     }
 }

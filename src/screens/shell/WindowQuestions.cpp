@@ -15,6 +15,8 @@ void WindowQuestions::setCloseWarning(bool warning) {
 }
 
 void WindowQuestions::askToLeave(Leaving leaving, std::function<void()> how, bool unasked) {
+    // One that is replaced goes first, and the other is read anew.
+    withdrawLeave();
     m_leaving = leaving;
     m_leaveUnasked = unasked;
     m_leave = std::move(how);

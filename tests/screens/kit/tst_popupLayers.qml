@@ -19,6 +19,21 @@ TestCase {
         label: "外面"
     }
 
+    LMPMenu {
+        id: menu
+
+        LMPMenuItem {
+            text: "复制"
+        }
+    }
+
+    Window {
+        id: elsewhere
+
+        height: 100
+        width: 100
+    }
+
     LMPModal {
         id: page
 
@@ -33,11 +48,19 @@ TestCase {
             Keys.onEscapePressed: page.close()
             focus: true
 
-            LMPButton {
-                id: back
+            Row {
+                LMPButton {
+                    id: dial
 
-                focus: true
-                text: "返回"
+                    focus: true
+                    text: "拨打"
+                }
+
+                LMPButton {
+                    id: back
+
+                    text: "返回"
+                }
             }
         }
     }
@@ -128,9 +151,49 @@ TestCase {
     function test_whatGoesBehindIsForgotten() {
         root.show(page);
         root.show(offer);
+        tryVerify(() => root.isIn(dial));
+        back.forceActiveFocus(Qt.TabFocusReason);
         offer.close();
         tryCompare(offer, "visible", false);
+        wait(0);
+        verify(root.isIn(back), "nothing moves in what is in front");
+        root.endBy(Qt.Key_Escape, page);
+        tryVerify(() => root.isIn(composer));
+    }
+
+    function test_whatComesOverAMenuClosesIt() {
+        menu.popup(composer, 5, 5);
+        tryCompare(menu, "visible", true);
+        root.show(offer);
+        tryCompare(menu, "visible", false);
+        tryCompare(offer, "listens", true);
+        root.endBy(Qt.Key_Return, offer);
+        tryVerify(() => root.isIn(composer));
+    }
+
+    function test_whoIsElsewhereComesBackToWhereTheyWere() {
+        elsewhere.show();
+        elsewhere.requestActivate();
+        tryVerify(() => elsewhere.active && root.Window.activeFocusItem === null);
+        offer.open();
+        tryCompare(offer, "listens", true, 5000, "it can be read there, too");
+        root.Window.window.requestActivate();
+        root.endBy(Qt.Key_Return, offer);
+        tryVerify(() => root.isIn(composer));
+        elsewhere.hide();
+    }
+
+    function test_whatIsRaisedOrLoweredTakesTheKeyboardWithIt() {
+        root.show(page);
+        end.z = LMPModal.Usual;
+        root.show(end);
         tryVerify(() => root.isIn(page.contentItem));
+        end.z = LMPModal.Leaving;
+        tryVerify(() => root.isIn(end.contentItem));
+        end.z = LMPModal.Usual;
+        tryVerify(() => root.isIn(page.contentItem));
+        end.z = LMPModal.Leaving;
+        root.endBy(Qt.Key_Escape, end);
         root.endBy(Qt.Key_Escape, page);
         tryVerify(() => root.isIn(composer));
     }

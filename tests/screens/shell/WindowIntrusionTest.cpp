@@ -84,6 +84,15 @@ TEST_F(WindowIntrusionTest, WhatEndsTheProgramIsAskedOverTheCrisisPageAndNothing
     ASSERT_TRUE(eventually([&] { return window.scene().questions()->leaveWarning(); }));
     settle();
     EXPECT_EQ(window.window().activeFocusItem(), before);
+    // What the person asks for takes its place, in front.
+    window.window().close();
+    ASSERT_TRUE(window.shows(u"关闭窗口？"_s));
+    ASSERT_TRUE(window.listens(u"关闭窗口？"_s));
+    ASSERT_TRUE(hasKeyboard(u"留在这里"_s));
+    window.key(Qt::Key_Escape);
+    EXPECT_TRUE(window.hides(u"关闭窗口？"_s));
+    EXPECT_FALSE(window.scene().questions()->leaveWarning());
+    EXPECT_TRUE(window.scene().navigation()->crisisOpen());
 }
 
 TEST_F(WindowIntrusionTest, ALinkAsksBeforeItStopsAReply) {
