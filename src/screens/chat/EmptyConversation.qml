@@ -13,40 +13,52 @@ Item {
         button.clicked.connect(() => root.chosen(button.text));
     }
 
-    Column {
-        anchors.centerIn: parent
-        spacing: Theme.space16
-        width: Math.min(Theme.dp(480), root.width - 2 * Theme.space24)
+    // In the middle where there is room, and scrolled where there is not.
+    LMPScrollView {
+        id: scroll
 
-        LMPText {
-            horizontalAlignment: Text.AlignHCenter
-            kind: LMPText.H2
-            text: "和你的分身聊点什么吧。"
-            width: parent.width
-        }
-        LMPText {
-            color: Theme.text2
-            horizontalAlignment: Text.AlignHCenter
-            text: "也可以从这里开头。它只会放进输入框，由你改完再发。"
-            width: parent.width
-        }
+        anchors.fill: parent
+        bottomPadding: Theme.space16
+        horizontalPadding: Theme.space24
+        topPadding: Math.max(Theme.space16, Math.round((scroll.height - body.height) / 2))
+
         Column {
-            anchors.horizontalCenter: parent.horizontalCenter
-            spacing: Theme.space8
+            id: body
 
-            Repeater {
-                model: root.starters
+            anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
+            spacing: Theme.space16
+            width: parent ? Math.min(Theme.dp(480), parent.width) : 0
 
-                delegate: LMPButton {
-                    required property string modelData
+            LMPText {
+                horizontalAlignment: Text.AlignHCenter
+                kind: LMPText.H2
+                text: "和你的分身聊点什么吧。"
+                width: parent.width
+            }
+            LMPText {
+                color: Theme.text2
+                horizontalAlignment: Text.AlignHCenter
+                text: "也可以从这里开头。它只会放进输入框，由你改完再发。"
+                width: parent.width
+            }
+            Column {
+                anchors.horizontalCenter: parent.horizontalCenter
+                spacing: Theme.space8
 
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    text: modelData
-                    // One stack, not three lengths.
-                    width: Math.max(implicitWidth, Theme.dp(224))
+                Repeater {
+                    model: root.starters
+
+                    delegate: LMPButton {
+                        required property string modelData
+
+                        anchors.horizontalCenter: parent.horizontalCenter
+                        text: modelData
+                        // One stack, not three lengths.
+                        width: Math.max(implicitWidth, Theme.dp(224))
+                    }
+
+                    onItemAdded: (index, item) => root.prepare(item as LMPButton)
                 }
-
-                onItemAdded: (index, item) => root.prepare(item as LMPButton)
             }
         }
     }
