@@ -129,6 +129,13 @@ bool WindowDriver::listens(const QString &question) {
     });
 }
 
+bool WindowDriver::hasKeyboard(const QString &button) {
+    return eventually([&] {
+        const QQuickItem *item = find(u"LMPButton"_s, button);
+        return item && item->hasActiveFocus();
+    });
+}
+
 bool WindowDriver::shows(const QString &text) {
     return eventually([&] { return readable(text); });
 }

@@ -38,6 +38,9 @@ public:
     /// half second.
     bool listens(const QString &question);
 
+    /// Waits until the button of this name has the keyboard.
+    bool hasKeyboard(const QString &button);
+
     /// Whether a text that contains this can be read in the window, now or before long.
     bool shows(const QString &text);
     /// Whether none can be.

@@ -19,13 +19,7 @@ TEST_F(WindowIntrusionTest, AnOfferTakesNoKeyThatWasMeantForTheMessage) {
     UpdateChecker *updates = window.scene().updates();
     ASSERT_TRUE(window.shows(u"有新版本 9.9"_s));
     EXPECT_TRUE(window.shows(u"下载页面在 downloads.example"_s));
-    const auto hasKeyboard = [&](const QString &button) {
-        return eventually([&] {
-            const QQuickItem *item = window.find(u"LMPButton"_s, button);
-            return item && item->hasActiveFocus();
-        });
-    };
-    ASSERT_TRUE(hasKeyboard(u"以后再说"_s));
+    ASSERT_TRUE(window.hasKeyboard(u"以后再说"_s));
     window.key(Qt::Key_Return);
     EXPECT_TRUE(updates->isAlertOpen()) << "it could not have been read yet";
     ASSERT_TRUE(window.listens(u"有新版本"_s));
@@ -38,7 +32,7 @@ TEST_F(WindowIntrusionTest, AnOfferTakesNoKeyThatWasMeantForTheMessage) {
     fault(R"({"route":"/downloads/desktop/mac/latest.json","times":1,"status":404})");
     updates->check(true);
     ASSERT_TRUE(window.shows(u"更新通道尚未开通"_s));
-    ASSERT_TRUE(hasKeyboard(u"好"_s));
+    ASSERT_TRUE(window.hasKeyboard(u"好"_s));
     window.key(Qt::Key_Return);
     EXPECT_FALSE(updates->isAlertOpen());
 }
@@ -47,12 +41,6 @@ TEST_F(WindowIntrusionTest, WhatEndsTheProgramIsAskedOverTheCrisisPageAndNothing
     signInBefore();
     WindowDriver window(options());
     ASSERT_TRUE(window.enterShell());
-    const auto hasKeyboard = [&](const QString &button) {
-        return eventually([&] {
-            const QQuickItem *item = window.find(u"LMPButton"_s, button);
-            return item && item->hasActiveFocus();
-        });
-    };
     window.scene().navigation()->openCrisis();
     ASSERT_TRUE(window.shows(u"AI 不接手"_s));
     fault(R"({"route":"/downloads/desktop/mac/latest.json","times":1,"status":404})");
@@ -63,14 +51,14 @@ TEST_F(WindowIntrusionTest, WhatEndsTheProgramIsAskedOverTheCrisisPageAndNothing
 
     const auto full = window.program().application().localInput().add([]() -> QCoro::Task<bool> { co_return false; });
     ::raise(SIGTERM);
-    ASSERT_TRUE(hasKeyboard(u"返回应用"_s));
+    ASSERT_TRUE(window.hasKeyboard(u"返回应用"_s));
     ASSERT_TRUE(window.listens(u"未执行输入尚未保存"_s));
     ASSERT_TRUE(window.click(u"返回应用"_s));
     ASSERT_TRUE(window.hides(u"未执行输入尚未保存"_s));
     EXPECT_TRUE(window.scene().navigation()->crisisOpen());
     window.key(Qt::Key_Escape);
     EXPECT_TRUE(eventually([&] { return !window.scene().navigation()->crisisOpen(); })) << "it has the keyboard again";
-    EXPECT_TRUE(hasKeyboard(u"好"_s)) << "and then what waited behind it";
+    EXPECT_TRUE(window.hasKeyboard(u"好"_s)) << "and then what waited behind it";
     window.key(Qt::Key_Return);
     EXPECT_TRUE(eventually([&] { return window.find(u"LMPComposer"_s)->hasActiveFocus(); })) << "and then the person";
 
@@ -88,7 +76,7 @@ TEST_F(WindowIntrusionTest, WhatEndsTheProgramIsAskedOverTheCrisisPageAndNothing
     window.window().close();
     ASSERT_TRUE(window.shows(u"关闭窗口？"_s));
     ASSERT_TRUE(window.listens(u"关闭窗口？"_s));
-    ASSERT_TRUE(hasKeyboard(u"留在这里"_s));
+    ASSERT_TRUE(window.hasKeyboard(u"留在这里"_s));
     window.key(Qt::Key_Escape);
     EXPECT_TRUE(window.hides(u"关闭窗口？"_s));
     EXPECT_FALSE(window.scene().questions()->leaveWarning());
