@@ -8,18 +8,6 @@ LMPSheet {
 
     required property HandleModel handle
     readonly property bool saved: root.handle.savedText !== ""
-    /// From when it is asked to open until it is asked to close, or goes with its window.
-    property bool looking: false
-
-    function look(looking: bool): void {
-        if (root.looking === looking || !root.handle)
-            return;
-        root.looking = looking;
-        if (looking)
-            root.handle.open();
-        else
-            root.handle.close();
-    }
 
     hasTypedInput: root.handle.input !== "" && !root.saved && !root.handle.saving
     primaryBusy: root.handle.saving
@@ -28,10 +16,18 @@ LMPSheet {
     secondaryText: root.saved ? "好" : "取消"
     title: "主页名"
 
-    Component.onDestruction: root.look(false)
-    onAboutToHide: root.look(false)
-    onAboutToShow: root.look(true)
+    // It may go with its window, and the model before it.
+    Component.onDestruction: {
+        if (root.held && root.handle)
+            root.handle.close();
+    }
     onAccepted: root.handle.save()
+    onHeldChanged: {
+        if (root.held)
+            root.handle.open();
+        else
+            root.handle.close();
+    }
     onOpened: form.focusFirst()
     onSavedChanged: {
         // The button that saved is gone.

@@ -48,12 +48,15 @@ T.Popup {
 
     signal escaped
 
+    function knowsBefore(): bool {
+        return root.before !== null && root.before.visible;
+    }
+
     /// Where the person was. An item of another popup counts only while nothing else is known: two that name each other
     /// would lose the rest.
     function remember(item: Item, reason: int): void {
         const popup = item ? PopupLayers.popupOf(item, root.parent) : null;
-        const known = root.before !== null && root.before.visible;
-        if (!item || (popup !== null && (known || root.owns(item))))
+        if (!item || (popup !== null && (root.knowsBefore() || root.owns(item))))
             return;
         root.before = item;
         root.beforeReason = reason;
@@ -84,8 +87,7 @@ T.Popup {
             next.remember(root.before, root.beforeReason);
         const taker = LMPKeyboard.holder(root.parent);
         const taken = taker !== null && taker.visible && PopupLayers.popupOf(taker, root.parent) === null;
-        const known = root.before !== null && root.before.visible;
-        if (known && (next ? root.wasInFront && next.owns(root.before) : !taken))
+        if (root.knowsBefore() && (next ? root.wasInFront && next.owns(root.before) : !taken))
             root.before.forceActiveFocus(root.beforeReason);
         else if (next)
             next.keepKeyboard();
